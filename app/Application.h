@@ -1,0 +1,180 @@
+#pragma once
+
+#include <ovapp_export.h>
+
+#include <QList>
+
+class QObject;
+class QString;
+
+namespace Core {
+class ConsoleObserverFile;
+} // namespace Core
+
+namespace Doc {
+class Document;
+class Transaction;
+} // namespace Doc
+
+namespace App {
+
+class ActiveDocumentListener;
+class AppStartFinishListener;
+class CloseDocumentListener;
+class NewDocumentListener;
+class ObjectListListener;
+class PluginStateListener;
+class PropertyListener;
+class SelectionListener;
+class TransactionListener;
+
+/// The one application object: it brings the program up and down, keeps the active document, and
+/// tells registered listeners what happens.
+///
+/// An executable frames its whole run with it:
+///
+///     QCoreApplication qtApplication(argc, argv);
+///     App::Application::init();
+///     // ... load plug-ins, build the user interface ...
+///     App::Application::instance().doAppStartFinished();
+///     const int status = qtApplication.exec();
+///     App::Application::destruct();
+///
+/// Everything is called on the main thread, the post operations excepted, and no operation throws.
+///
+/// A listener may add and remove listeners, of its own kind too, while it is being told: one that
+/// is removed before its turn is not told, one that is added is told last, in the same pass, and
+/// every other is told once. Adding again what was removed counts as adding: a listener that does
+/// so whenever it is told keeps the pass from ending.
+class OVAPP_EXPORT Application
+{
+public:
+    /// Brings the program up: the keep-awake request, settings, log file, this object, the lower
+    /// libraries, the two registries, backup and clipboard, in this order. Call it once, before
+    /// any other operation of the library.
+    static void init();
+    /// Takes everything down again, nearly in the reverse order, and this object last. Call it
+    /// once, at exit; nothing of the library may be called after it. Neither the active document
+    /// nor any listener is deleted.
+    static void destruct();
+    /// The object. Valid from `init` until `destruct` only; it is never made here.
+    static Application& instance();
+
+    /// Appends what is logged from here on to "log.txt" if the setting "Debug/file" is true.
+    /// `init` calls it.
+    static void attachObservers();
+    /// Ends what `attachObservers` began. `destruct` calls it.
+    static void destructObservers();
+
+    /// Records the program's version as the setting "About/version" and tells the start-finish
+    /// listeners. Call it once, when the executable's own start-up is complete.
+    void doAppStartFinished();
+
+    /// Makes a document for `path` the active one and tells the new-document listeners: the file's
+    /// when something stands at `path`, otherwise an empty one that will be saved there. The
+    /// document that was active is handed to the close-document listeners and forgotten, not
+    /// deleted. "File/Document" is set to `path`.
+    ///
+    /// If the setting "Print/resetCountAfterOpened" is true, an opened document starts with a
+    /// finished count of 0.
+    ///
+    /// Returns null, and changes nothing, for an empty path, a path in a missing directory, and a
+    /// file that is no document.
+    Doc::Document* newDocument(const QString& path);
+    /// Opens the file as `newDocument` does; returns the active document, and does nothing, if it
+    /// already has that file's absolute path. Returns null, and changes nothing, for anything but
+    /// a regular file that holds a document.
+    Doc::Document* openDocument(const QString& path);
+    /// Makes `document`, or none, the active one, takes it over, and tells the active-document
+    /// listeners. The document that was active is deleted; the close-document listeners are not
+    /// told. "File/Document" is set to the document's path. Does nothing if `document` is active
+    /// already.
+    void setActivateDocument(Doc::Document* document);
+    /// The active document, or null.
+    Doc::Document* activateDocument() const;
+    /// Hands the active document to the close-document listeners and forgets it, without deleting
+    /// it. Returns false, and does nothing, when there is none.
+    bool closeDocument();
+
+    /// Registers a listener, which is told after those registered before it. Null and a listener
+    /// that is registered already are ignored. The listener is not owned. So for all nine kinds.
+    void addNewDocumentListener(NewDocumentListener* listener);
+    /// Removes a listener; one that is not registered is ignored. So for all nine kinds.
+    void removeNewDocumentListener(NewDocumentListener* listener);
+    /// Tells every new-document listener of `document`.
+    void notifyNewDocumentListener(Doc::Document* document);
+
+    void addCloseDocumentListener(CloseDocumentListener* listener);
+    void removeCloseDocumentListener(CloseDocumentListener* listener);
+    /// Tells every close-document listener of `document`.
+    void notifyCloseDocumentListener(Doc::Document* document);
+
+    void addActiveDocumentListener(ActiveDocumentListener* listener);
+    void removeActiveDocumentListener(ActiveDocumentListener* listener);
+    /// Tells every active-document listener of `document`, which may be null.
+    void notifyActiveDocumentListener(Doc::Document* document);
+
+    void addObjectListListener(ObjectListListener* listener);
+    void removeObjectListListener(ObjectListListener* listener);
+    /// Tells every object-list listener of the active document, whatever `document` is.
+    void notifyObjectListListener(Doc::Document* document);
+
+    void addTransactionListener(TransactionListener* listener);
+    void removeTransactionListener(TransactionListener* listener);
+    /// Tells every transaction listener of the active document, whatever `document` is, and of
+    /// `transaction`.
+    void notifyTransactionListeners(Doc::Document* document, Doc::Transaction* transaction);
+
+    void addSelectionListener(SelectionListener* listener);
+    void removeSelectionListener(SelectionListener* listener);
+    /// Tells every selection listener of the active document, whatever `document` is.
+    void notifySelectionListeners(Doc::Document* document);
+
+    void addPropertyListener(PropertyListener* listener);
+    void removePropertyListener(PropertyListener* listener);
+    /// Tells every property listener of all three, unchanged.
+    void notifyPropertyListeners(Doc::Document* document, bool flag, int value);
+
+    void addPluginStateChangeListener(PluginStateListener* listener);
+    void removePluginStateChangeListener(PluginStateListener* listener);
+    /// Tells every plug-in-state listener of `state`, unchanged.
+    void notifyPluginStateChangeListener(int state);
+
+    void addStartFinishListener(AppStartFinishListener* listener);
+    void removeStartFinishListener(AppStartFinishListener* listener);
+    /// Tells every start-finish listener; `doAppStartFinished` does so too.
+    void notifyStartFinishListener();
+
+    /// Posts a `SelectionChangeEvent` to `receiver`, or to the `QCoreApplication` when it is null.
+    /// Any thread.
+    void postSelectionChangedEvent(QObject* receiver);
+    /// Posts a `TransactionEvent` with a copy of `transaction` to `receiver`, or to the
+    /// `QCoreApplication` when it is null. Any thread.
+    void postTransactionEvent(Doc::Transaction& transaction, bool hasOnlyChanges,
+                              int objectTypeFilter, QObject* receiver);
+    /// Has no effect: there is no event for the state of plug-ins. It stands beside the other two
+    /// for callers that treat the three alike.
+    void postPluginStateChangedEvent(QObject* receiver);
+
+private:
+    Application();
+    ~Application();
+    Q_DISABLE_COPY(Application)
+
+    static Application* _p_instance;
+    /// The log file's observer, owned; null while nothing is logged to a file.
+    static Core::ConsoleObserverFile* _p_consoleObserverFile;
+
+    Doc::Document* _p_activeDocument;
+    QList<NewDocumentListener*> _newDocumentListeners;
+    QList<CloseDocumentListener*> _closeDocumentListeners;
+    QList<ActiveDocumentListener*> _activeDocumentListeners;
+    QList<ObjectListListener*> _objectListListeners;
+    QList<TransactionListener*> _transactionListeners;
+    QList<SelectionListener*> _selectionListeners;
+    QList<PropertyListener*> _propertyListeners;
+    QList<PluginStateListener*> _pluginStateListeners;
+    QList<AppStartFinishListener*> _startFinishListeners;
+};
+
+} // namespace App

@@ -1,0 +1,198 @@
+#include <app/Application.h>
+
+#include <app/ActiveDocumentListener.h>
+#include <app/AppStartFinishListener.h>
+#include <app/CloseDocumentListener.h>
+#include <app/NewDocumentListener.h>
+#include <app/ObjectListListener.h>
+#include <app/PluginStateListener.h>
+#include <app/PropertyListener.h>
+#include <app/SelectionListener.h>
+#include <app/TransactionListener.h>
+#include <events/SelectionChangeEvent.h>
+#include <events/TransactionEvent.h>
+#include <registries/PointerList.h>
+
+#include <QCoreApplication>
+
+namespace App {
+
+namespace {
+
+/// Hands the event over to the queue of the receiver's thread.
+void post(QObject* receiver, QEvent* event)
+{
+    QCoreApplication::postEvent(receiver ? receiver : QCoreApplication::instance(), event);
+}
+
+} // namespace
+
+void Application::addNewDocumentListener(NewDocumentListener* listener)
+{
+    PointerList::add(_newDocumentListeners, listener);
+}
+
+void Application::removeNewDocumentListener(NewDocumentListener* listener)
+{
+    PointerList::remove(_newDocumentListeners, listener);
+}
+
+void Application::notifyNewDocumentListener(Doc::Document* document)
+{
+    PointerList::walk(_newDocumentListeners, [document](NewDocumentListener* listener) {
+        listener->updateNewDocumentListener(document);
+    });
+}
+
+void Application::addCloseDocumentListener(CloseDocumentListener* listener)
+{
+    PointerList::add(_closeDocumentListeners, listener);
+}
+
+void Application::removeCloseDocumentListener(CloseDocumentListener* listener)
+{
+    PointerList::remove(_closeDocumentListeners, listener);
+}
+
+void Application::notifyCloseDocumentListener(Doc::Document* document)
+{
+    PointerList::walk(_closeDocumentListeners, [document](CloseDocumentListener* listener) {
+        listener->updateCloseDocumentListener(document);
+    });
+}
+
+void Application::addActiveDocumentListener(ActiveDocumentListener* listener)
+{
+    PointerList::add(_activeDocumentListeners, listener);
+}
+
+void Application::removeActiveDocumentListener(ActiveDocumentListener* listener)
+{
+    PointerList::remove(_activeDocumentListeners, listener);
+}
+
+void Application::notifyActiveDocumentListener(Doc::Document* document)
+{
+    PointerList::walk(_activeDocumentListeners, [document](ActiveDocumentListener* listener) {
+        listener->updateActiveDocumentListener(document);
+    });
+}
+
+void Application::addObjectListListener(ObjectListListener* listener)
+{
+    PointerList::add(_objectListListeners, listener);
+}
+
+void Application::removeObjectListListener(ObjectListListener* listener)
+{
+    PointerList::remove(_objectListListeners, listener);
+}
+
+void Application::notifyObjectListListener(Doc::Document*)
+{
+    PointerList::walk(_objectListListeners, [this](ObjectListListener* listener) {
+        listener->updateObjectListListener(_p_activeDocument);
+    });
+}
+
+void Application::addTransactionListener(TransactionListener* listener)
+{
+    PointerList::add(_transactionListeners, listener);
+}
+
+void Application::removeTransactionListener(TransactionListener* listener)
+{
+    PointerList::remove(_transactionListeners, listener);
+}
+
+void Application::notifyTransactionListeners(Doc::Document*, Doc::Transaction* transaction)
+{
+    PointerList::walk(_transactionListeners, [this, transaction](TransactionListener* listener) {
+        listener->updateTransactionListener(_p_activeDocument, transaction);
+    });
+}
+
+void Application::addSelectionListener(SelectionListener* listener)
+{
+    PointerList::add(_selectionListeners, listener);
+}
+
+void Application::removeSelectionListener(SelectionListener* listener)
+{
+    PointerList::remove(_selectionListeners, listener);
+}
+
+void Application::notifySelectionListeners(Doc::Document*)
+{
+    PointerList::walk(_selectionListeners, [this](SelectionListener* listener) {
+        listener->updateSelectionListener(_p_activeDocument);
+    });
+}
+
+void Application::addPropertyListener(PropertyListener* listener)
+{
+    PointerList::add(_propertyListeners, listener);
+}
+
+void Application::removePropertyListener(PropertyListener* listener)
+{
+    PointerList::remove(_propertyListeners, listener);
+}
+
+void Application::notifyPropertyListeners(Doc::Document* document, bool flag, int value)
+{
+    PointerList::walk(_propertyListeners, [document, flag, value](PropertyListener* listener) {
+        listener->updatePropertyListener(document, flag, value);
+    });
+}
+
+void Application::addPluginStateChangeListener(PluginStateListener* listener)
+{
+    PointerList::add(_pluginStateListeners, listener);
+}
+
+void Application::removePluginStateChangeListener(PluginStateListener* listener)
+{
+    PointerList::remove(_pluginStateListeners, listener);
+}
+
+void Application::notifyPluginStateChangeListener(int state)
+{
+    PointerList::walk(_pluginStateListeners, [state](PluginStateListener* listener) {
+        listener->updatePluginStateListener(state);
+    });
+}
+
+void Application::addStartFinishListener(AppStartFinishListener* listener)
+{
+    PointerList::add(_startFinishListeners, listener);
+}
+
+void Application::removeStartFinishListener(AppStartFinishListener* listener)
+{
+    PointerList::remove(_startFinishListeners, listener);
+}
+
+void Application::notifyStartFinishListener()
+{
+    PointerList::walk(_startFinishListeners, [](AppStartFinishListener* listener) {
+        listener->updateAppStartFinishListener();
+    });
+}
+
+void Application::postSelectionChangedEvent(QObject* receiver)
+{
+    post(receiver, new SelectionChangeEvent);
+}
+
+void Application::postTransactionEvent(Doc::Transaction& transaction, bool hasOnlyChanges,
+                                       int objectTypeFilter, QObject* receiver)
+{
+    post(receiver, new TransactionEvent(transaction, hasOnlyChanges, objectTypeFilter));
+}
+
+void Application::postPluginStateChangedEvent(QObject*)
+{
+}
+
+} // namespace App

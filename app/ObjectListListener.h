@@ -1,0 +1,23 @@
+#pragma once
+
+#include <ovapp_export.h>
+
+namespace Doc {
+class Document;
+} // namespace Doc
+
+namespace App {
+
+/// Told when the list of a document's objects has changed.
+/// Register it with `Application`, and remove it there before destroying it.
+class OVAPP_EXPORT ObjectListListener
+{
+public:
+    virtual ~ObjectListListener() = default;
+
+    /// `document` is the active document, whichever one the notification was made for; null when
+    /// there is none.
+    virtual void updateObjectListListener(Doc::Document* document) = 0;
+};
+
+} // namespace App

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <ovapp_export.h>
+
+namespace App {
+
+/// Told when the state of a plug-in has changed.
+/// Register it with `Application`, and remove it there before destroying it.
+class OVAPP_EXPORT PluginStateListener
+{
+public:
+    /// `state` is handed on from the notification; its meaning is that of whoever notifies.
+    virtual void updatePluginStateListener(int state) = 0;
+
+    virtual ~PluginStateListener() = default;
+};
+
+} // namespace App

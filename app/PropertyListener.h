@@ -1,0 +1,23 @@
+#pragma once
+
+#include <ovapp_export.h>
+
+namespace Doc {
+class Document;
+} // namespace Doc
+
+namespace App {
+
+/// Told when a property of a document's objects has changed.
+/// Register it with `Application`, and remove it there before destroying it.
+class OVAPP_EXPORT PropertyListener
+{
+public:
+    virtual ~PropertyListener() = default;
+
+    /// All three are handed on from the notification; the meaning of `flag` and `value` is that of
+    /// whoever notifies.
+    virtual void updatePropertyListener(Doc::Document* document, bool flag, int value) = 0;
+};
+
+} // namespace App

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <ovapp_export.h>
+
+namespace Doc {
+class Document;
+} // namespace Doc
+
+namespace App {
+
+/// Told when another selection of objects has been made.
+/// Register it with `Application`, and remove it there before destroying it.
+class OVAPP_EXPORT SelectionListener
+{
+public:
+    virtual ~SelectionListener() = default;
+
+    /// `document` is the active document, whichever one the notification was made for; null when
+    /// there is none.
+    virtual void updateSelectionListener(Doc::Document* document) = 0;
+};
+
+} // namespace App

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <ovapp_export.h>
+
+namespace Doc {
+class Document;
+class Transaction;
+} // namespace Doc
+
+namespace App {
+
+/// Told of each transaction: a change of a document.
+/// Register it with `Application`, and remove it there before destroying it.
+class OVAPP_EXPORT TransactionListener
+{
+public:
+    virtual ~TransactionListener() = default;
+
+    /// `document` is the active document, whichever one the notification was made for, and null
+    /// when there is none; `transaction` is the one given to the notification.
+    virtual void updateTransactionListener(Doc::Document* document,
+                                           Doc::Transaction* transaction) = 0;
+};
+
+} // namespace App

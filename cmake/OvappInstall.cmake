@@ -1,0 +1,12 @@
+# The CMake package: find_package(ovapp CONFIG) gives ovapp::ovapp.
+include(CMakePackageConfigHelpers)
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/ovapp)
+
+configure_package_config_file(cmake/ovappConfig.cmake.in ${PROJECT_BINARY_DIR}/ovappConfig.cmake
+    INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/ovappConfigVersion.cmake
+    COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/ovappConfig.cmake ${PROJECT_BINARY_DIR}/ovappConfigVersion.cmake
+    DESTINATION ${package_dir})
+install(EXPORT ovappTargets NAMESPACE ovapp:: DESTINATION ${package_dir})

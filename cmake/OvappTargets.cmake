@@ -1,0 +1,60 @@
+# How the libraries of this tree are made: one function, so that warnings, exports and install
+# rules are the same for all of them.
+include(GenerateExportHeader)
+
+# ovapp_set_warnings(<target>): the warnings that this tree is free of.
+function(ovapp_set_warnings target)
+    if(MSVC)
+        target_compile_options(${target} PRIVATE /W4 /utf-8)
+    else()
+        target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+    endif()
+    target_compile_definitions(${target} PRIVATE
+        QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS QT_USE_QSTRINGBUILDER
+        QT_DEPRECATED_WARNINGS)
+endfunction()
+
+# ovapp_add_library(<target> [NAME <library>] HEADERS <header>... SOURCES <file>...
+#                   [LINK <target>...])
+#
+# A shared library with Qt5::Core and the generated export header <library>_export.h. HEADERS are
+# the public ones, named as they are included, relative to the current source directory; they keep
+# that name below the install prefix. NAME is the file's name where the target's will not do.
+function(ovapp_add_library target)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "NAME" "HEADERS;SOURCES;LINK")
+    if(NOT arg_NAME)
+        set(arg_NAME ${target})
+    endif()
+    set(generated ${CMAKE_CURRENT_BINARY_DIR}/generated)
+
+    add_library(${target} SHARED)
+    add_library(ovapp::${target} ALIAS ${target})
+    set_target_properties(${target} PROPERTIES
+        OUTPUT_NAME ${arg_NAME}
+        VERSION ${PROJECT_VERSION}
+        SOVERSION ${PROJECT_VERSION_MAJOR})
+    ovapp_set_warnings(${target})
+    generate_export_header(${target}
+        BASE_NAME ${arg_NAME}
+        EXPORT_FILE_NAME ${generated}/${arg_NAME}_export.h)
+
+    target_sources(${target}
+        PRIVATE ${arg_SOURCES}
+        PUBLIC
+            FILE_SET HEADERS
+                BASE_DIRS ${CMAKE_CURRENT_SOURCE_DIR}
+                FILES ${arg_HEADERS}
+            FILE_SET export_header TYPE HEADERS
+                BASE_DIRS ${generated}
+                FILES ${generated}/${arg_NAME}_export.h)
+    target_link_libraries(${target} PUBLIC Qt5::Core ${arg_LINK})
+
+    if(OVAPP_INSTALL)
+        install(TARGETS ${target} EXPORT ovappTargets
+            RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+            LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+            ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+            FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ovapp
+            FILE_SET export_header DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ovapp)
+    endif()
+endfunction()

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <ovapp_export.h>
+
+#include <QEvent>
+
+namespace Core {
+
+/// Tells a Qt object to switch the screen layout to the one of a board type. The library posts
+/// none itself: make one with `new` and hand it to `QCoreApplication::postEvent`.
+class OVAPP_EXPORT SwitchScreenLayoutEvent : public QEvent
+{
+public:
+    /// What `type()` returns.
+    static constexpr Type eventType = static_cast<Type>(QEvent::User + 106);
+
+    explicit SwitchScreenLayoutEvent(int boardType);
+    SwitchScreenLayoutEvent(const SwitchScreenLayoutEvent& other);
+    SwitchScreenLayoutEvent& operator=(const SwitchScreenLayoutEvent& other);
+    ~SwitchScreenLayoutEvent() override;
+
+    /// The board type as it was given, whatever number that is.
+    int boardType() const;
+
+private:
+    int _boardType;
+};
+
+} // namespace Core

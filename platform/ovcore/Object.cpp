@@ -1,0 +1,9 @@
+#include <ovcore/Object.h>
+
+namespace Core {
+
+void Object::initPropertyType()
+{
+}
+
+} // namespace Core

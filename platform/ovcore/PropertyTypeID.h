@@ -1,0 +1,20 @@
+#pragma once
+
+namespace Core {
+
+/// The identifier of an object property.
+class PropertyTypeID
+{
+public:
+    PropertyTypeID(int value) : _value(value) {}
+
+    int value() const { return _value; }
+
+    bool operator==(const PropertyTypeID& other) const { return _value == other._value; }
+    bool operator!=(const PropertyTypeID& other) const { return _value != other._value; }
+
+private:
+    int _value;
+};
+
+} // namespace Core

@@ -1,0 +1,105 @@
+#include <ovcore/Settings.h>
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QMap>
+#include <QSettings>
+#include <QStandardPaths>
+
+namespace Core {
+
+struct Settings::Private
+{
+    std::unique_ptr<QSettings> store;
+    QMap<QString, QVariant> runValues;
+    QString applicationDirPath;
+    QString pluginDirPath;
+};
+
+Settings* Settings::_p_instance = nullptr;
+
+Settings& Settings::instance()
+{
+    if (!_p_instance)
+        _p_instance = new Settings;
+    return *_p_instance;
+}
+
+void Settings::destruct()
+{
+    delete _p_instance;
+    _p_instance = nullptr;
+}
+
+Settings::Settings() : d(std::make_unique<Private>())
+{
+}
+
+Settings::~Settings() = default;
+
+void Settings::init()
+{
+    if (d->store)
+        return;
+    d->store = std::make_unique<QSettings>(
+        QDir(applicationDirPath()).filePath(QStringLiteral("ovapp.ini")), QSettings::IniFormat);
+}
+
+QVariant Settings::value(const QString& key, const QVariant& defaultValue) const
+{
+    return d->store ? d->store->value(key, defaultValue) : defaultValue;
+}
+
+void Settings::setValue(const QString& key, const QVariant& value)
+{
+    if (!d->store)
+        return;
+    d->store->setValue(key, value);
+    d->store->sync();
+}
+
+QVariant Settings::runValue(const QString& key, const QVariant& defaultValue) const
+{
+    return d->runValues.value(key, defaultValue);
+}
+
+void Settings::setRunValue(const QString& key, const QVariant& value)
+{
+    d->runValues.insert(key, value);
+}
+
+QString Settings::applicationDirPath() const
+{
+    return d->applicationDirPath.isEmpty() ? QCoreApplication::applicationDirPath()
+                                           : d->applicationDirPath;
+}
+
+void Settings::setApplicationDirPath(const QString& path)
+{
+    d->applicationDirPath = path;
+}
+
+QString Settings::pluginDirPath() const
+{
+    return d->pluginDirPath.isEmpty()
+               ? QDir(applicationDirPath()).filePath(QStringLiteral("plugins"))
+               : d->pluginDirPath;
+}
+
+void Settings::setPluginDirPath(const QString& path)
+{
+    d->pluginDirPath = path;
+}
+
+QString Settings::sysFontDirPath() const
+{
+    return QDir(applicationDirPath()).filePath(QStringLiteral("fonts"));
+}
+
+QString Settings::usrFontDirPath() const
+{
+    return QDir(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation))
+        .filePath(QStringLiteral("ovapp/fonts"));
+}
+
+} // namespace Core

@@ -1,0 +1,13 @@
+#include <ovcore/SystemBackupManager.h>
+
+namespace Core {
+
+void SystemBackupManager::init()
+{
+}
+
+void SystemBackupManager::destruct()
+{
+}
+
+} // namespace Core

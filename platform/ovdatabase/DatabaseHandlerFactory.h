@@ -1,0 +1,16 @@
+#pragma once
+
+#include <ovdatabase_export.h>
+
+namespace Database {
+
+/// The makers of database handlers, as far as start-up and shutdown need them: nothing in this
+/// program asks for a handler, so being up takes no resources.
+class OVDATABASE_EXPORT DatabaseHandlerFactory
+{
+public:
+    static void init();
+    static void destruct();
+};
+
+} // namespace Database

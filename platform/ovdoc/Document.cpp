@@ -1,0 +1,140 @@
+#include <ovdoc/Document.h>
+
+#include <ovdoc/DocObject.h>
+#include <ovdoc/Storage.h>
+
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QSaveFile>
+
+#include <limits>
+#include <optional>
+
+namespace Doc {
+
+namespace {
+
+constexpr QLatin1String formatKey("format");
+constexpr QLatin1String formatName("ovdoc");
+constexpr QLatin1String versionKey("version");
+constexpr int formatVersion = 1;
+constexpr QLatin1String printCountKey("printCount");
+constexpr QLatin1String finishedKey("finished");
+constexpr QLatin1String targetKey("target");
+
+/// 0 for a missing member, nothing for one that is no 32-bit integer.
+std::optional<int> readCount(const QJsonValue& value)
+{
+    if (value.isUndefined())
+        return 0;
+    if (!value.isDouble())
+        return std::nullopt;
+    const double number = value.toDouble();
+    using Limits = std::numeric_limits<int>;
+    if (!(number >= Limits::min() && number <= Limits::max()))
+        return std::nullopt;
+    const int count = static_cast<int>(number);
+    if (count != number)
+        return std::nullopt;
+    return count;
+}
+
+std::optional<Laser::PrintCountParams> readPrintCount(const QJsonValue& value)
+{
+    if (!value.isUndefined() && !value.isObject())
+        return std::nullopt;
+    const QJsonObject members = value.toObject();
+    const std::optional<int> finished = readCount(members.value(finishedKey));
+    const std::optional<int> target = readCount(members.value(targetKey));
+    if (!finished || !target)
+        return std::nullopt;
+
+    Laser::PrintCountParams printCount;
+    printCount.setFinishedCount(*finished);
+    printCount.setTargetCount(*target);
+    return printCount;
+}
+
+bool isDocument(const QJsonObject& members)
+{
+    return members.value(formatKey) == QJsonValue(formatName) &&
+           members.value(versionKey) == QJsonValue(formatVersion);
+}
+
+} // namespace
+
+struct Document::Private
+{
+    std::unique_ptr<Storage> storage;
+    QString filePath;
+    /// What was read, for the members that only others know.
+    QJsonObject members;
+};
+
+Document::Document(Storage* storage) : d(std::make_unique<Private>())
+{
+    d->storage.reset(storage);
+}
+
+Document::~Document() = default;
+
+bool Document::open(const QString& path)
+{
+    QFile file(path);
+    if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly))
+        return false;
+
+    const QJsonDocument json = QJsonDocument::fromJson(file.readAll());
+    if (file.error() != QFile::NoError || !json.isObject())
+        return false;
+    const QJsonObject members = json.object();
+    if (!isDocument(members))
+        return false;
+    const std::optional<Laser::PrintCountParams> printCount =
+        readPrintCount(members.value(printCountKey));
+    if (!printCount)
+        return false;
+
+    d->filePath = path;
+    d->members = members;
+    d->storage->queryDocObjectDirect()->setPrintCountData(*printCount);
+    return true;
+}
+
+bool Document::save() const
+{
+    const Laser::PrintCountParams counts = d->storage->queryDocObjectDirect()->printCountData();
+    QJsonObject printCount = d->members.value(printCountKey).toObject();
+    printCount.insert(finishedKey, counts.finishedCount());
+    printCount.insert(targetKey, counts.targetCount());
+
+    QJsonObject members = d->members;
+    members.insert(formatKey, formatName);
+    members.insert(versionKey, formatVersion);
+    members.insert(printCountKey, printCount);
+
+    QSaveFile file(d->filePath);
+    if (!file.open(QIODevice::WriteOnly))
+        return false;
+    file.write(QJsonDocument(members).toJson());
+    return file.commit();
+}
+
+QString Document::filePath() const
+{
+    return d->filePath;
+}
+
+void Document::setFilePath(const QString& path)
+{
+    d->filePath = path;
+}
+
+Storage* Document::storage() const
+{
+    return d->storage.get();
+}
+
+} // namespace Doc

@@ -1,0 +1,9 @@
+#include <ovdoc/Entity.h>
+
+namespace Doc {
+
+void Entity::initPropertyType()
+{
+}
+
+} // namespace Doc

@@ -1,0 +1,13 @@
+#include <ovdoc/EntityInfoRegistry.h>
+
+namespace Doc {
+
+void EntityInfoRegistry::init()
+{
+}
+
+void EntityInfoRegistry::destruct()
+{
+}
+
+} // namespace Doc

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <ovdoc_export.h>
+
+namespace Doc {
+
+/// The kinds of entities, as far as start-up and shutdown need them: documents of this
+/// implementation hold no entities, so there is no kind to register.
+class OVDOC_EXPORT EntityInfoRegistry
+{
+public:
+    static void init();
+    static void destruct();
+};
+
+} // namespace Doc

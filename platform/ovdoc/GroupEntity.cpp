@@ -1,0 +1,9 @@
+#include <ovdoc/GroupEntity.h>
+
+namespace Doc {
+
+void GroupEntity::initPropertyType()
+{
+}
+
+} // namespace Doc

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <ovdoc/Entity.h>
+#include <ovdoc_export.h>
+
+namespace Doc {
+
+/// An entity made of others.
+class OVDOC_EXPORT GroupEntity : public Entity
+{
+public:
+    /// Registers the property types of the class, as `Core::Object::initPropertyType` does.
+    static void initPropertyType();
+};
+
+} // namespace Doc

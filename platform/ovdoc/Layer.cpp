@@ -1,0 +1,9 @@
+#include <ovdoc/Layer.h>
+
+namespace Doc {
+
+void Layer::initPropertyType()
+{
+}
+
+} // namespace Doc

@@ -1,0 +1,9 @@
+#include <ovdoc/ObjectGroupEntity.h>
+
+namespace Doc {
+
+void ObjectGroupEntity::initPropertyType()
+{
+}
+
+} // namespace Doc

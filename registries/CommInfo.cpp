@@ -1,0 +1,26 @@
+#include <registries/CommInfo.h>
+
+namespace App {
+
+CommInfo::CommInfo() = default;
+
+CommInfo::CommInfo(const CommInfo& other) = default;
+
+CommInfo& CommInfo::operator=(const CommInfo& other) = default;
+
+CommInfo::~CommInfo() = default;
+
+QString CommInfo::name() const
+{
+    return QString();
+}
+
+void CommInfo::start()
+{
+}
+
+void CommInfo::stop()
+{
+}
+
+} // namespace App

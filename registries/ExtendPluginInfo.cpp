@@ -1,0 +1,23 @@
+#include <registries/ExtendPluginInfo.h>
+
+namespace App {
+
+ExtendPluginInfo::ExtendPluginInfo() = default;
+
+ExtendPluginInfo::ExtendPluginInfo(const ExtendPluginInfo& other) = default;
+
+ExtendPluginInfo& ExtendPluginInfo::operator=(const ExtendPluginInfo& other) = default;
+
+ExtendPluginInfo::~ExtendPluginInfo() = default;
+
+QString ExtendPluginInfo::name() const
+{
+    return QString();
+}
+
+QString ExtendPluginInfo::nameForTranslate() const
+{
+    return QString();
+}
+
+} // namespace App
