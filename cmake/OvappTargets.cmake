@@ -10,7 +10,7 @@ function(ovapp_set_warnings target)
         target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
     endif()
     target_compile_definitions(${target} PRIVATE
-        QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS QT_USE_QSTRINGBUILDER
+        QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS
         QT_DEPRECATED_WARNINGS)
 endfunction()
 

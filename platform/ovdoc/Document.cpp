@@ -1,6 +1,7 @@
 #include <ovdoc/Document.h>
 
 #include <ovdoc/DocObject.h>
+#include <ovdoc/JsonText.h>
 #include <ovdoc/Storage.h>
 
 #include <QFile>
@@ -69,8 +70,8 @@ struct Document::Private
 {
     std::unique_ptr<Storage> storage;
     QString filePath;
-    /// What was read, for the members that only others know.
-    QJsonObject members;
+    /// The JSON object that was read, for the members that only others know.
+    QByteArray text = R"({"format": "ovdoc", "version": 1})";
 };
 
 Document::Document(Storage* storage) : d(std::make_unique<Private>())
@@ -86,10 +87,10 @@ bool Document::open(const QString& path)
     if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly))
         return false;
 
-    const QJsonDocument json = QJsonDocument::fromJson(file.readAll());
-    if (file.error() != QFile::NoError || !json.isObject())
+    const QByteArray text = file.readAll();
+    if (file.error() != QFile::NoError)
         return false;
-    const QJsonObject members = json.object();
+    const QJsonObject members = QJsonDocument::fromJson(text).object();
     if (!isDocument(members))
         return false;
     const std::optional<Laser::PrintCountParams> printCount =
@@ -98,7 +99,7 @@ bool Document::open(const QString& path)
         return false;
 
     d->filePath = path;
-    d->members = members;
+    d->text = text;
     d->storage->queryDocObjectDirect()->setPrintCountData(*printCount);
     return true;
 }
@@ -106,19 +107,16 @@ bool Document::open(const QString& path)
 bool Document::save() const
 {
     const Laser::PrintCountParams counts = d->storage->queryDocObjectDirect()->printCountData();
-    QJsonObject printCount = d->members.value(printCountKey).toObject();
-    printCount.insert(finishedKey, counts.finishedCount());
-    printCount.insert(targetKey, counts.targetCount());
-
-    QJsonObject members = d->members;
-    members.insert(formatKey, formatName);
-    members.insert(versionKey, formatVersion);
-    members.insert(printCountKey, printCount);
+    JsonText document(d->text);
+    JsonText printCount(document.value(printCountKey));
+    printCount.setValue(finishedKey, QByteArray::number(counts.finishedCount()));
+    printCount.setValue(targetKey, QByteArray::number(counts.targetCount()));
+    document.setValue(printCountKey, printCount.toLine());
 
     QSaveFile file(d->filePath);
     if (!file.open(QIODevice::WriteOnly))
         return false;
-    file.write(QJsonDocument(members).toJson());
+    file.write(document.toLines());
     return file.commit();
 }
 

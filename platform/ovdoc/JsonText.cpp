@@ -1,0 +1,118 @@
+#include <ovdoc/JsonText.h>
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QString>
+
+#include <algorithm>
+
+namespace Doc {
+
+namespace {
+
+/// The place of the first character from `start` on that ends a name, a value or the object.
+int endOfPart(const QByteArray& json, int start)
+{
+    int depth = 0;
+    bool inString = false;
+    for (int i = start; i < json.size(); ++i) {
+        const char character = json.at(i);
+        if (inString) {
+            if (character == '\\')
+                ++i;
+            else if (character == '"')
+                inString = false;
+            continue;
+        }
+        switch (character) {
+        case '"':
+            inString = true;
+            break;
+        case '{':
+        case '[':
+            ++depth;
+            break;
+        case ':':
+        case ',':
+            if (depth == 0)
+                return i;
+            break;
+        case '}':
+        case ']':
+            if (depth == 0)
+                return i;
+            --depth;
+            break;
+        }
+    }
+    return json.size();
+}
+
+/// Whether a string in its quotes, with whatever escapes, is `name`.
+bool isName(const QByteArray& string, QLatin1String name)
+{
+    return QJsonDocument::fromJson('[' + string + ']').array().at(0).toString() == name;
+}
+
+/// The last member of that name: the one that a reader takes where there are several.
+template <typename Members>
+auto find(Members& members, QLatin1String name)
+{
+    return std::find_if(members.rbegin(), members.rend(),
+                        [name](const auto& member) { return isName(member.name, name); });
+}
+
+} // namespace
+
+JsonText::JsonText(const QByteArray& object)
+{
+    int start = object.indexOf('{') + 1;
+    while (start < object.size()) {
+        const int colon = endOfPart(object, start);
+        if (colon >= object.size() || object.at(colon) != ':')
+            return;
+        const int end = endOfPart(object, colon + 1);
+        _members.push_back({object.mid(start, colon - start).trimmed(),
+                            object.mid(colon + 1, end - colon - 1).trimmed()});
+        start = end + 1;
+    }
+}
+
+QByteArray JsonText::value(QLatin1String name) const
+{
+    const auto member = find(_members, name);
+    return member == _members.rend() ? QByteArray() : member->value;
+}
+
+void JsonText::setValue(QLatin1String name, const QByteArray& value)
+{
+    const auto member = find(_members, name);
+    if (member == _members.rend())
+        _members.push_back({'"' + QByteArray(name.data(), name.size()) + '"', value});
+    else
+        member->value = value;
+}
+
+QByteArray JsonText::toLines() const
+{
+    return joined("{\n    ", ",\n    ", "\n}\n");
+}
+
+QByteArray JsonText::toLine() const
+{
+    return joined("{ ", ", ", " }");
+}
+
+QByteArray JsonText::joined(const QByteArray& before, const QByteArray& between,
+                            const QByteArray& after) const
+{
+    QByteArray text = before;
+    for (const Member& member : _members) {
+        if (&member != &_members.front())
+            text += between;
+        text += member.name + ": " + member.value;
+    }
+    return text + after;
+}
+
+} // namespace Doc

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QStringList>
+#include <QVariantMap>
+
+#include <functional>
+
+/// A second implementation of the layer below the library: it writes down every call that reaches
+/// it, with the arguments that matter, and answers as the fields say.
+struct RecordingLayer
+{
+    QStringList calls;
+    /// Called with each call, after it was written down.
+    std::function<void(const QString&)> onCall;
+
+    QVariantMap settings;
+    const char* version = "1.2.3";
+    bool documentOpens = true;
+
+    static RecordingLayer& instance();
+    static void note(const QString& call);
+};

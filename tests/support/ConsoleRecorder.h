@@ -1,0 +1,23 @@
+#pragma once
+
+#include <ovcore/ConsoleObserver.h>
+#include <ovcore/ConsoleSingleton.h>
+
+#include <QByteArrayList>
+
+/// Keeps what is logged for as long as it lives.
+class ConsoleRecorder : public Core::ConsoleObserver
+{
+public:
+    ConsoleRecorder() { Core::ConsoleSingleton::instance().attachObserver(this); }
+    ConsoleRecorder(const ConsoleRecorder&) = delete;
+    ConsoleRecorder& operator=(const ConsoleRecorder&) = delete;
+    ~ConsoleRecorder() override { Core::ConsoleSingleton::instance().detachObserver(this); }
+
+    void write(Severity severity, const QByteArray& line) override
+    {
+        lines.append(severity == Severity::Warning ? "warning: " + line : line);
+    }
+
+    QByteArrayList lines;
+};
