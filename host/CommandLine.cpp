@@ -1,0 +1,118 @@
+#include "CommandLine.h"
+
+#include "RunCommand.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QStringList>
+#include <QTextStream>
+
+#include <algorithm>
+#include <iterator>
+
+namespace Host {
+
+namespace {
+
+constexpr QLatin1String programName("ovapp-host");
+
+struct Command
+{
+    QLatin1String name;
+    QLatin1String summary;
+    int (*run)(const QStringList& arguments);
+};
+
+constexpr Command commands[] = {
+    {QLatin1String("run"), QLatin1String("run a whole session and print what happens in it"), run},
+};
+
+QString commandList()
+{
+    QString text = QStringLiteral("Runs the application layer without a user interface.\n\n"
+                                  "Commands (ovapp-host COMMAND --help says more):");
+    for (const Command& command : commands)
+        text += QStringLiteral("\n  %1  %2").arg(command.name, -8).arg(command.summary);
+    return text;
+}
+
+void print(FILE* file, const QString& text)
+{
+    QTextStream(file) << text << Qt::endl;
+}
+
+QString onOneLine(const QString& text)
+{
+    QString result;
+    for (const QChar character : text) {
+        if (character.category() == QChar::Other_Control)
+            result += QStringLiteral("\\x%1").arg(character.unicode(), 2, 16, QLatin1Char('0'));
+        else
+            result += character;
+    }
+    return result;
+}
+
+} // namespace
+
+int runCommand(const QStringList& arguments)
+{
+    const QString name = arguments.value(1);
+    const auto command = std::find_if(std::begin(commands), std::end(commands),
+                                      [&name](const Command& each) { return each.name == name; });
+    if (command != std::end(commands)) {
+        return command->run(QStringList(programName + QLatin1Char(' ') + name) + arguments.mid(2));
+    }
+
+    if (!name.isEmpty() && !name.startsWith(QLatin1Char('-')))
+        return fail(BadUsage, QStringLiteral("there is no command %1").arg(quoted(name)));
+    QCommandLineParser parser;
+    parser.setApplicationDescription(commandList());
+    parser.addPositionalArgument(QStringLiteral("command"), QStringLiteral("What to do."));
+    const std::optional<int> status = parse(parser, QStringList(programName) + arguments.mid(1));
+    if (status)
+        return *status;
+    return fail(BadUsage, QStringLiteral("a command is missing; --help lists them"));
+}
+
+std::optional<int> parse(QCommandLineParser& parser, const QStringList& arguments)
+{
+    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
+                                  QStringLiteral("Print this help."));
+    const QCommandLineOption version({QStringLiteral("v"), QStringLiteral("version")},
+                                     QStringLiteral("Print the version."));
+    parser.addOptions({help, version});
+    const bool parsed = parser.parse(arguments);
+    if (parser.isSet(help)) {
+        // Qt puts the path of the executable where the command belongs.
+        const QString executable = QCoreApplication::arguments().constFirst();
+        QString text = parser.helpText().trimmed();
+        print(stdout, text.replace(text.indexOf(executable), executable.size(), arguments.first()));
+        return Success;
+    }
+    if (parser.isSet(version)) {
+        print(stdout, programName + QLatin1Char(' ') + QCoreApplication::applicationVersion());
+        return Success;
+    }
+    if (!parsed)
+        return fail(BadUsage, parser.errorText());
+    return std::nullopt;
+}
+
+int fail(ExitStatus status, const QString& message)
+{
+    print(stderr, programName + QLatin1String(": ") + onOneLine(message));
+    return status;
+}
+
+void warn(const QString& message)
+{
+    print(stderr, programName + QLatin1String(": warning: ") + onOneLine(message));
+}
+
+QString quoted(const QString& text)
+{
+    return QLatin1Char('\'') + text + QLatin1Char('\'');
+}
+
+} // namespace Host

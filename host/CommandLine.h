@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+class QCommandLineParser;
+class QStringList;
+
+namespace Host {
+
+/// How the host ends.
+enum ExitStatus
+{
+    Success = 0,
+    JobFailed = 1,
+    BadUsage = 2
+};
+
+/// Runs the command that the first argument after the program's name asks for, and returns the
+/// status to end with.
+int runCommand(const QStringList& arguments);
+
+/// Parses a command's arguments, the first of which is the command itself, as its usage names it.
+/// Returns the status to end with if that is all: after --help, --version and wrong usage.
+std::optional<int> parse(QCommandLineParser& parser, const QStringList& arguments);
+
+/// Says on standard error what is wrong, and returns the status to end with. Control characters in
+/// the message are escaped, so that it stays one line.
+int fail(ExitStatus status, const QString& message);
+/// Says on standard error, in the same way, what is amiss though the job goes on.
+void warn(const QString& message);
+
+/// A text of the user's, as messages show it.
+QString quoted(const QString& text);
+
+} // namespace Host

@@ -1,0 +1,40 @@
+#include "DocumentProblem.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QString>
+
+namespace Host {
+
+QString documentProblem(const QString& path)
+{
+    const QFileInfo info(path);
+    if (!info.exists())
+        return QStringLiteral("there is no such file");
+    if (info.isDir())
+        return QStringLiteral("it is a directory");
+    if (!info.isFile())
+        return QStringLiteral("it is no regular file");
+
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return file.errorString();
+    const QByteArray text = file.readAll();
+    if (file.error() != QFile::NoError)
+        return file.errorString();
+    if (text.isEmpty())
+        return QStringLiteral("it is empty");
+    QJsonParseError error;
+    QJsonDocument::fromJson(text, &error);
+    if (error.error != QJsonParseError::NoError) {
+        return QStringLiteral("it is no document: no JSON at byte %1: %2")
+            .arg(error.offset)
+            .arg(error.errorString());
+    }
+    return QStringLiteral(
+        "it is no document: \"format\", \"version\" or \"printCount\" is not what "
+        "this program reads");
+}
+
+} // namespace Host

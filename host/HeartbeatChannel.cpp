@@ -1,0 +1,31 @@
+#include "HeartbeatChannel.h"
+
+#include "Report.h"
+
+namespace Host {
+
+HeartbeatChannel::HeartbeatChannel(Report& report) : _report(report)
+{
+    _timer.setInterval(20);
+    QObject::connect(&_timer, &QTimer::timeout,
+                     [this] { _report.line(name(), QStringLiteral("is alive")); });
+}
+
+QString HeartbeatChannel::name() const
+{
+    return QStringLiteral("heartbeat channel");
+}
+
+void HeartbeatChannel::start()
+{
+    _report.line(name(), QStringLiteral("starts"));
+    _timer.start();
+}
+
+void HeartbeatChannel::stop()
+{
+    _timer.stop();
+    _report.line(name(), QStringLiteral("stops"));
+}
+
+} // namespace Host

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <registries/CommInfo.h>
+
+#include <QTimer>
+
+namespace Host {
+
+class Report;
+
+/// The least that a communication channel can be: while it is started it says, from the event
+/// loop, that it is alive.
+class HeartbeatChannel : public App::CommInfo
+{
+public:
+    explicit HeartbeatChannel(Report& report);
+
+    QString name() const override;
+    void start() override;
+    void stop() override;
+
+private:
+    Report& _report;
+    QTimer _timer;
+};
+
+} // namespace Host

@@ -1,0 +1,115 @@
+#include "SessionListener.h"
+
+#include "Report.h"
+
+#include <app/Application.h>
+#include <ovdoc/DocObject.h>
+#include <ovdoc/Storage.h>
+#include <ovdoc/Transaction.h>
+
+#include <QFileInfo>
+
+namespace Host {
+
+namespace {
+
+QString described(const Doc::Document* document)
+{
+    if (!document)
+        return QStringLiteral("none");
+    const Laser::PrintCountParams counts =
+        document->storage()->queryDocObjectDirect()->printCountData();
+    return QStringLiteral("%1, %2 of %3 finished")
+        .arg(QFileInfo(document->filePath()).fileName())
+        .arg(counts.finishedCount())
+        .arg(counts.targetCount());
+}
+
+} // namespace
+
+SessionListener::SessionListener(Report& report) : _report(report)
+{
+    App::Application& application = App::Application::instance();
+    application.addActiveDocumentListener(this);
+    application.addStartFinishListener(this);
+    application.addCloseDocumentListener(this);
+    application.addNewDocumentListener(this);
+    application.addObjectListListener(this);
+    application.addPluginStateChangeListener(this);
+    application.addPropertyListener(this);
+    application.addSelectionListener(this);
+    application.addTransactionListener(this);
+}
+
+SessionListener::~SessionListener()
+{
+    App::Application& application = App::Application::instance();
+    application.removeActiveDocumentListener(this);
+    application.removeStartFinishListener(this);
+    application.removeCloseDocumentListener(this);
+    application.removeNewDocumentListener(this);
+    application.removeObjectListListener(this);
+    application.removePluginStateChangeListener(this);
+    application.removePropertyListener(this);
+    application.removeSelectionListener(this);
+    application.removeTransactionListener(this);
+}
+
+void SessionListener::updateActiveDocumentListener(Doc::Document* document)
+{
+    report(QStringLiteral("active-document"), QStringLiteral("active now: ") + described(document));
+}
+
+void SessionListener::updateAppStartFinishListener()
+{
+    report(QStringLiteral("start-finish"), QStringLiteral("start-up is complete"));
+}
+
+void SessionListener::updateCloseDocumentListener(Doc::Document* document)
+{
+    report(QStringLiteral("close-document"), QStringLiteral("closed: ") + described(document));
+    _closedDocuments.emplace_back(document);
+}
+
+void SessionListener::updateNewDocumentListener(Doc::Document* document)
+{
+    report(QStringLiteral("new-document"), QStringLiteral("opened: ") + described(document));
+}
+
+void SessionListener::updateObjectListListener(Doc::Document* document)
+{
+    report(QStringLiteral("object-list"), QStringLiteral("changed in: ") + described(document));
+}
+
+void SessionListener::updatePluginStateListener(int state)
+{
+    report(QStringLiteral("plug-in-state"), QStringLiteral("state %1").arg(state));
+}
+
+void SessionListener::updatePropertyListener(Doc::Document* document, bool flag, int value)
+{
+    report(QStringLiteral("property"),
+           QStringLiteral("flag %1, value %2, in: %3")
+               .arg(flag ? QStringLiteral("true") : QStringLiteral("false"))
+               .arg(value)
+               .arg(described(document)));
+}
+
+void SessionListener::updateSelectionListener(Doc::Document* document)
+{
+    report(QStringLiteral("selection"), QStringLiteral("changed in: ") + described(document));
+}
+
+void SessionListener::updateTransactionListener(Doc::Document* document,
+                                                Doc::Transaction* transaction)
+{
+    report(QStringLiteral("transaction"),
+           QStringLiteral("\"%1\" in: %2").arg(transaction->name(), described(document)));
+}
+
+void SessionListener::report(const QString& kind, const QString& what)
+{
+    _report.line(kind + QStringLiteral(" listener"), what);
+}
+
+} // namespace Host

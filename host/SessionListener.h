@@ -1,0 +1,60 @@
+#pragma once
+
+#include <app/ActiveDocumentListener.h>
+#include <app/AppStartFinishListener.h>
+#include <app/CloseDocumentListener.h>
+#include <app/NewDocumentListener.h>
+#include <app/ObjectListListener.h>
+#include <app/PluginStateListener.h>
+#include <app/PropertyListener.h>
+#include <app/SelectionListener.h>
+#include <app/TransactionListener.h>
+#include <ovdoc/Document.h>
+
+#include <QString>
+
+#include <memory>
+#include <vector>
+
+namespace Host {
+
+class Report;
+
+/// A listener of every kind, which reports what it is told. It also takes the documents that are
+/// closed into its keeping, since the library only hands them over.
+class SessionListener : public App::ActiveDocumentListener,
+                        public App::AppStartFinishListener,
+                        public App::CloseDocumentListener,
+                        public App::NewDocumentListener,
+                        public App::ObjectListListener,
+                        public App::PluginStateListener,
+                        public App::PropertyListener,
+                        public App::SelectionListener,
+                        public App::TransactionListener
+{
+public:
+    /// Registers itself with the application object, as a listener of every kind.
+    explicit SessionListener(Report& report);
+    SessionListener(const SessionListener&) = delete;
+    SessionListener& operator=(const SessionListener&) = delete;
+    /// Removes itself, then deletes the documents that were closed.
+    ~SessionListener() override;
+
+    void updateActiveDocumentListener(Doc::Document* document) override;
+    void updateAppStartFinishListener() override;
+    void updateCloseDocumentListener(Doc::Document* document) override;
+    void updateNewDocumentListener(Doc::Document* document) override;
+    void updateObjectListListener(Doc::Document* document) override;
+    void updatePluginStateListener(int state) override;
+    void updatePropertyListener(Doc::Document* document, bool flag, int value) override;
+    void updateSelectionListener(Doc::Document* document) override;
+    void updateTransactionListener(Doc::Document* document, Doc::Transaction* transaction) override;
+
+private:
+    void report(const QString& kind, const QString& what);
+
+    Report& _report;
+    std::vector<std::unique_ptr<Doc::Document>> _closedDocuments;
+};
+
+} // namespace Host

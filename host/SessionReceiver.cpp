@@ -1,0 +1,54 @@
+#include "SessionReceiver.h"
+
+#include "Report.h"
+
+#include <events/SelectionChangeEvent.h>
+#include <events/SwitchScreenLayoutEvent.h>
+#include <events/TransactionEvent.h>
+
+#include <QCoreApplication>
+
+namespace Host {
+
+SessionReceiver::SessionReceiver(Report& report) : _report(report)
+{
+}
+
+bool SessionReceiver::event(QEvent* event)
+{
+    return reported(QStringLiteral("receiver"), *event) || QObject::event(event);
+}
+
+bool SessionReceiver::eventFilter(QObject* watched, QEvent* event)
+{
+    // A filter of the application object sees the events of every object of its thread.
+    return watched == QCoreApplication::instance() &&
+           reported(QStringLiteral("QCoreApplication"), *event);
+}
+
+bool SessionReceiver::reported(const QString& who, const QEvent& event)
+{
+    switch (static_cast<int>(event.type())) {
+    case App::TransactionEvent::eventType: {
+        const auto& posted = static_cast<const App::TransactionEvent&>(event);
+        _report.line(who, QStringLiteral("receives the transaction \"%1\", %2, object types %3")
+                              .arg(posted.transaction().name(),
+                                   posted.hasOnlyChanges() ? QStringLiteral("changes only")
+                                                           : QStringLiteral("more than changes"))
+                              .arg(posted.objectTypeFilter()));
+        return true;
+    }
+    case App::SelectionChangeEvent::eventType:
+        _report.line(who, QStringLiteral("receives a change of the selection"));
+        return true;
+    case Core::SwitchScreenLayoutEvent::eventType:
+        _report.line(
+            who, QStringLiteral("receives a switch to the screen layout of board type %1")
+                     .arg(static_cast<const Core::SwitchScreenLayoutEvent&>(event).boardType()));
+        return true;
+    default:
+        return false;
+    }
+}
+
+} // namespace Host

@@ -1,0 +1,201 @@
+#include <QtTest>
+
+#include <QProcess>
+#include <QRegularExpression>
+
+namespace {
+
+struct Outcome
+{
+    int status = -1;
+    QStringList output;
+    QStringList errors;
+};
+
+QStringList linesOf(const QByteArray& text)
+{
+    QStringList lines = QString::fromLocal8Bit(text).split(QLatin1Char('\n'));
+    lines.removeLast(); // what follows the last line's end
+    return lines;
+}
+
+Outcome runHost(const QStringList& arguments)
+{
+    QProcess host;
+    host.start(QStringLiteral(OVAPP_HOST), arguments);
+    if (!host.waitForFinished() || host.exitStatus() != QProcess::NormalExit)
+        return {};
+    return {host.exitCode(), linesOf(host.readAllStandardOutput()),
+            linesOf(host.readAllStandardError())};
+}
+
+QByteArray contentOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+} // namespace
+
+class tst_host : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void session();
+    void documents_data();
+    void documents();
+    void usage_data();
+    void usage();
+    void directoryThatCannotBeWritten();
+
+private:
+    QTemporaryDir _directory;
+};
+
+void tst_host::session()
+{
+    const QString document = _directory.filePath(QStringLiteral("coaster.ovdoc"));
+    QVERIFY(QFile::copy(QStringLiteral(OVAPP_SAMPLES "/documents/coaster.ovdoc"), document));
+    const Outcome outcome = runHost({QStringLiteral("run"), QStringLiteral("--app-dir"),
+                                     _directory.path(), QStringLiteral("--board"),
+                                     QStringLiteral("4"), QStringLiteral("--document"), document});
+    QCOMPARE(outcome.errors, QStringList());
+    QCOMPARE(outcome.status, 0);
+
+    // Who does what, without the times, and without the beats, which are as many as time allows.
+    QStringList events;
+    for (QString line : outcome.output) {
+        QVERIFY2(line.contains(QRegularExpression(QStringLiteral("^ *[0-9]+ ms  "))),
+                 qPrintable(line));
+        line.remove(QRegularExpression(QStringLiteral("^ *[0-9]+ ms  ")));
+        if (!line.endsWith(QLatin1String("is alive")))
+            events.append(
+                line.replace(QRegularExpression(QStringLiteral("  +")), QStringLiteral(": ")));
+    }
+    QVERIFY(events.size() < outcome.output.size());
+    const QString expected = QStringLiteral(R"(host: starts the library
+log: Application::attachObservers.
+host: has completed its own start-up
+start-finish listener: start-up is complete
+log: Application::doAppStartFinished:: application started.
+host: opens the document
+new-document listener: opened: coaster.ovdoc, 12 of 250 finished
+host: changes the document, notifies and posts
+transaction listener: "Finish a piece" in: coaster.ovdoc, 13 of 250 finished
+property listener: flag true, value 13, in: coaster.ovdoc, 13 of 250 finished
+object-list listener: changed in: coaster.ovdoc, 13 of 250 finished
+selection listener: changed in: coaster.ovdoc, 13 of 250 finished
+plug-in-state listener: state 0
+host: runs the event loop
+receiver: receives the transaction "Finish a piece", changes only, object types -1
+QCoreApplication: receives a change of the selection
+receiver: receives a switch to the screen layout of board type 4
+host: starts and stops the channels
+log: CommInfoRegistry::registerCommInfo: heartbeat channel
+heartbeat channel: starts
+heartbeat channel: stops
+log: CommInfoRegistry::unregisterCommInfo: heartbeat channel
+host: reverts the document: activates it as it is on disk
+active-document listener: active now: coaster.ovdoc, 12 of 250 finished
+host: closes the document
+close-document listener: closed: coaster.ovdoc, 12 of 250 finished
+host: stops the library
+log: destruct application.)");
+    QCOMPARE(events, expected.split(QLatin1Char('\n')));
+    QCOMPARE(contentOf(document),
+             contentOf(QStringLiteral(OVAPP_SAMPLES "/documents/coaster.ovdoc")));
+}
+
+void tst_host::documents_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QString>("problem");
+    QTest::newRow("missing") << "none" << QByteArray() << "there is no such file";
+    QTest::newRow("directory") << "." << QByteArray() << "it is a directory";
+    QTest::newRow("empty") << "empty" << QByteArray("") << "it is empty";
+    QTest::newRow("truncated") << "truncated" << QByteArray(R"({"format": "ovdoc", "ver)")
+                               << "no JSON at byte";
+    QTest::newRow("other version")
+        << "later" << QByteArray(R"({"format": "ovdoc", "version": 2})") << "\"version\"";
+    QTest::newRow("name of two lines") << "a\nb" << QByteArray() << "a\\x0ab";
+#ifdef Q_OS_LINUX
+    // A file that opens and cannot be read, for the administrator either.
+    QTest::newRow("unreadable") << "/proc/self/mem" << QByteArray() << "Input/output error";
+#endif
+}
+
+void tst_host::documents()
+{
+    QFETCH(QString, name);
+    QFETCH(QByteArray, content);
+    QFETCH(QString, problem);
+    const QString path = QDir(_directory.path()).absoluteFilePath(name);
+    if (!content.isNull()) {
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QCOMPARE(file.write(content), content.size());
+    }
+    const Outcome outcome = runHost({QStringLiteral("run"), QStringLiteral("--app-dir"),
+                                     _directory.path(), QStringLiteral("--document"), path});
+    QCOMPARE(outcome.status, 1);
+    QCOMPARE(outcome.errors.size(), 1);
+    const QString error = outcome.errors.first();
+    QVERIFY2(error.startsWith(QLatin1String("ovapp-host: cannot open '")), qPrintable(error));
+    QVERIFY2(error.contains(problem), qPrintable(error));
+    QVERIFY2(outcome.output.last().endsWith(QLatin1String("destruct application.")),
+             "the library was not taken down");
+}
+
+void tst_host::usage_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QString>("text");
+    const auto arguments = [](const char* text) {
+        return QString::fromLatin1(text).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    };
+    QTest::newRow("nothing") << arguments("") << 2 << "a command is missing";
+    QTest::newRow("unknown command") << arguments("dance") << 2 << "no command 'dance'";
+    QTest::newRow("unknown option") << arguments("run --fast") << 2 << "fast";
+    QTest::newRow("option without value") << arguments("run --document") << 2 << "document";
+    QTest::newRow("argument") << arguments("run a.ovdoc") << 2 << "'a.ovdoc'";
+    QTest::newRow("board") << arguments("run --board left") << 2 << "--board: 'left'";
+    QTest::newRow("help") << arguments("--help") << 0 << "run a whole session";
+    QTest::newRow("help on a command") << arguments("run --help") << 0 << "--document <FILE>";
+    QTest::newRow("version") << arguments("--version") << 0 << "ovapp-host ";
+}
+
+void tst_host::usage()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(int, status);
+    QFETCH(QString, text);
+    const Outcome outcome = runHost(arguments);
+    QCOMPARE(outcome.status, status);
+    const QStringList& printed = status == 0 ? outcome.output : outcome.errors;
+    const QStringList& silent = status == 0 ? outcome.errors : outcome.output;
+    QVERIFY2(printed.join(QLatin1Char('\n')).contains(text),
+             qPrintable(printed.join(QLatin1Char('\n'))));
+    QCOMPARE(silent, QStringList());
+    if (status != 0) {
+        QCOMPARE(printed.size(), 1);
+        QVERIFY(printed.first().startsWith(QLatin1String("ovapp-host: ")));
+    }
+}
+
+void tst_host::directoryThatCannotBeWritten()
+{
+    QTemporaryFile file;
+    QVERIFY(file.open());
+    const Outcome outcome = runHost({QStringLiteral("run"), QStringLiteral("--app-dir"),
+                                     file.fileName() + QStringLiteral("/below")});
+    QCOMPARE(outcome.status, 0);
+    QCOMPARE(outcome.errors.size(), 1);
+    QVERIFY(outcome.errors.first().startsWith(
+        QLatin1String("ovapp-host: warning: nothing can be written in '")));
+}
+
+QTEST_GUILESS_MAIN(tst_host)
+#include "tst_host.moc"

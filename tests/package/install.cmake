@@ -1,0 +1,5 @@
+# Installs a build into a prefix with nothing in it from before, and runs the host from there.
+file(REMOVE_RECURSE ${prefix})
+execute_process(COMMAND ${CMAKE_COMMAND} --install ${build} --prefix ${prefix}
+    COMMAND_ERROR_IS_FATAL ANY)
+execute_process(COMMAND ${prefix}/bin/ovapp-host run COMMAND_ERROR_IS_FATAL ANY)

@@ -1,0 +1,19 @@
+#include <app/Application.h>
+#include <ovcore/Settings.h>
+
+#include <QCoreApplication>
+#include <QTemporaryDir>
+#include <QVariant>
+
+// Ends with 0 if the version that ovapp stores is the one of this project's library.
+int main(int argc, char** argv)
+{
+    const QCoreApplication application(argc, argv);
+    const QTemporaryDir directory;
+    Core::Settings::instance().setApplicationDirPath(directory.path());
+    App::Application::init();
+    App::Application::instance().doAppStartFinished();
+    const QVariant version = Core::Settings::instance().value(QStringLiteral("About/version"));
+    App::Application::destruct();
+    return version.toString() == QLatin1String("9.8.7") ? 0 : 1;
+}
