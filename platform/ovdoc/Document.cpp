@@ -88,8 +88,6 @@ bool Document::open(const QString& path)
         return false;
 
     const QByteArray text = file.readAll();
-    if (file.error() != QFile::NoError)
-        return false;
     const QJsonObject members = QJsonDocument::fromJson(text).object();
     if (!isDocument(members))
         return false;
