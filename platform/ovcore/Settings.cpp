@@ -81,9 +81,9 @@ void Settings::setApplicationDirPath(const QString& path)
 
 QString Settings::pluginDirPath() const
 {
-    return d->pluginDirPath.isEmpty()
-               ? QDir(applicationDirPath()).filePath(QStringLiteral("plugins"))
-               : d->pluginDirPath;
+    if (!d->pluginDirPath.isEmpty())
+        return d->pluginDirPath;
+    return QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("plugins"));
 }
 
 void Settings::setPluginDirPath(const QString& path)

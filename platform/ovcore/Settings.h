@@ -43,8 +43,8 @@ public:
     /// Call it before `init`: an open store stays where it is.
     void setApplicationDirPath(const QString& path);
 
-    /// The directory that plug-ins are looked for in; `plugins` in the application directory by
-    /// default.
+    /// The directory that plug-ins are looked for in; by default `plugins` beside the executable,
+    /// which plug-ins come with, wherever the program keeps its files.
     QString pluginDirPath() const;
     void setPluginDirPath(const QString& path);
 
