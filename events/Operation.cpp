@@ -1,0 +1,48 @@
+#include <events/Operation.h>
+
+namespace App {
+
+namespace {
+
+constexpr int wrapThreshold = 65535;
+
+int lastTransactionGroup = 0;
+
+} // namespace
+
+Operation::Operation(int typeFilter) : _typeFilter(typeFilter), _transactionGroup(-1)
+{
+}
+
+Operation::Operation(const Operation& other) = default;
+
+Operation& Operation::operator=(const Operation& other) = default;
+
+Operation::~Operation() = default;
+
+int Operation::typeFilter() const
+{
+    return _typeFilter;
+}
+
+void Operation::setTransactionGroup(int group)
+{
+    _transactionGroup = group;
+}
+
+int Operation::generateTransactionGroup()
+{
+    // The threshold is looked at before counting, so that the number after it is handed out too.
+    if (lastTransactionGroup > wrapThreshold)
+        lastTransactionGroup = 0;
+    else
+        ++lastTransactionGroup;
+    return lastTransactionGroup;
+}
+
+int Operation::transactionGroup() const
+{
+    return _transactionGroup;
+}
+
+} // namespace App
