@@ -1,0 +1,57 @@
+#include <netdiag/PingProcess.h>
+
+#include <netdiag/SystemTools.h>
+
+#include <system/ProcessInterrupt.h>
+
+#include <limits>
+
+namespace {
+
+constexpr qint64 requestInterval = 1000; // milliseconds
+
+} // namespace
+
+PingProcess::PingProcess(QObject* parent)
+    : QProcess(parent), _count(4), _packageSize(64), _limitTimer(this)
+{
+    _limitTimer.setSingleShot(true);
+    _limitTimer.setTimerType(Qt::PreciseTimer);
+    connect(&_limitTimer, &QTimer::timeout, this,
+            [this] { System::interruptProcess(processId()); });
+    // The timer is the context, since the base class still changes its state while it is being
+    // destroyed, when the timer is gone.
+    connect(this, &QProcess::stateChanged, &_limitTimer, [this](ProcessState state) {
+        if (state == NotRunning)
+            _limitTimer.stop();
+    });
+}
+
+PingProcess::~PingProcess() = default;
+
+void PingProcess::setCount(int count)
+{
+    _count = count;
+}
+
+void PingProcess::setPackageSize(int packageSize)
+{
+    _packageSize = packageSize;
+}
+
+void PingProcess::doPing(const QString& host)
+{
+    if (SystemTools::pingRunsUntilStopped && state() == NotRunning)
+        limitRun();
+    start(QLatin1String(SystemTools::ping), QStringList(host));
+}
+
+void PingProcess::limitRun()
+{
+    // The first request goes out at once, so that the last one does an interval short of the
+    // count; half an interval more leaves time for its answer.
+    const qint64 duration = _count * requestInterval - requestInterval / 2;
+    // What no timer can hold, some 24 days, is as good as no limit.
+    if (_count > 0 && duration <= std::numeric_limits<int>::max())
+        _limitTimer.start(static_cast<int>(duration));
+}
