@@ -1,0 +1,98 @@
+#include <netdiag/TracerouteProcess.h>
+
+#include <netdiag/SystemTools.h>
+
+#include <ovcore/Settings.h>
+
+#include <QDir>
+#include <QFile>
+#include <QFileSystemWatcher>
+#include <QProcess>
+
+namespace {
+
+constexpr int quietPeriod = 7000; // milliseconds
+
+} // namespace
+
+TracerouteProcess::TracerouteProcess(QObject* parent)
+    : QObject(parent), _outputFilePath(QDir(Core::Settings::instance().applicationDirPath())
+                                           .filePath(QStringLiteral("traceroute.out"))),
+      _maxHops(10), _packageSize(64), _watcher(nullptr)
+{
+    prepare();
+
+    _watcher = new QFileSystemWatcher(this);
+    _watcher->addPath(_outputFilePath);
+    connect(_watcher, &QFileSystemWatcher::fileChanged, this, &TracerouteProcess::slotOnChanged);
+
+    _quietTimer.setInterval(quietPeriod);
+    _quietTimer.setSingleShot(true);
+    // A coarse timer may be a twentieth early.
+    _quietTimer.setTimerType(Qt::PreciseTimer);
+    connect(&_quietTimer, &QTimer::timeout, this, &TracerouteProcess::finished);
+}
+
+TracerouteProcess::~TracerouteProcess() = default;
+
+void TracerouteProcess::setMaxHops(int maxHops)
+{
+    _maxHops = maxHops;
+}
+
+void TracerouteProcess::setPackageSize(int packageSize)
+{
+    _packageSize = packageSize;
+}
+
+void TracerouteProcess::doTraceroute(const QString& host)
+{
+    prepare();
+
+    QProcess tool;
+    tool.setProgram(QLatin1String(SystemTools::traceroute));
+    tool.setArguments(
+        {QLatin1String(SystemTools::tracerouteMaxHops), QString::number(_maxHops), host});
+    // Appending keeps the two channels, and a tool of an earlier run, from writing over each
+    // other. The channels are not merged, since that does not reach a detached process.
+    tool.setStandardOutputFile(_outputFilePath, QIODevice::Append);
+    tool.setStandardErrorFile(_outputFilePath, QIODevice::Append);
+    tool.startDetached();
+
+    _quietTimer.start();
+    Q_EMIT started();
+}
+
+QByteArray TracerouteProcess::readAllStandardOutput() const
+{
+    QFile file(_outputFilePath);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void TracerouteProcess::slotOnChanged()
+{
+    // Starting over, so that the quiet period counts from this change.
+    _quietTimer.start();
+    Q_EMIT readyReadStandardOutput();
+}
+
+void TracerouteProcess::prepare()
+{
+    if (_watcher) {
+        disconnect(_watcher, &QFileSystemWatcher::fileChanged, this,
+                   &TracerouteProcess::slotOnChanged);
+        // News of the earlier report that is still on its way goes with the path.
+        _watcher->removePath(_outputFilePath);
+    }
+
+    QFile file(_outputFilePath);
+    if (file.open(QIODevice::WriteOnly))
+        file.close();
+
+    if (_watcher) {
+        // Added anew, since the watcher drops a file that was removed.
+        _watcher->addPath(_outputFilePath);
+        connect(_watcher, &QFileSystemWatcher::fileChanged, this,
+                &TracerouteProcess::slotOnChanged);
+    }
+}

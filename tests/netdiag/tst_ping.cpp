@@ -1,0 +1,143 @@
+#include <netdiag/PingProcess.h>
+
+#include <QtTest>
+
+#include <memory>
+
+#ifdef Q_OS_UNIX
+#include <signal.h>
+#endif
+
+namespace {
+
+const QByteArray searchPath = qgetenv("PATH");
+
+} // namespace
+
+class tst_ping : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void metaObject();
+    void commandLine();
+    void limitedRun();
+    void unlimitedRun();
+    void missingTool();
+    void destruction();
+    void systemsTool();
+};
+
+void tst_ping::init()
+{
+    qputenv("PATH", STAND_IN_DIR + (QDir::listSeparator().toLatin1() + searchPath));
+}
+
+void tst_ping::metaObject()
+{
+    const QMetaObject& meta = PingProcess::staticMetaObject;
+    QCOMPARE(meta.className(), "PingProcess");
+    QCOMPARE(meta.superClass(), &QProcess::staticMetaObject);
+    QCOMPARE(meta.methodCount(), meta.methodOffset());
+    QCOMPARE(meta.propertyCount(), meta.propertyOffset());
+}
+
+void tst_ping::commandLine()
+{
+    PingProcess ping;
+    ping.setCount(10);
+    ping.setPackageSize(1000);
+    for (const char* host : {"10.0.0.1", "-x; two words\""}) {
+        ping.doPing(QString::fromLatin1(host));
+        QVERIFY(ping.waitForFinished());
+        QCOMPARE(ping.readAllStandardOutput(), QByteArray(host) + '\n');
+        QCOMPARE(ping.readAllStandardError(), QByteArray("complaint\n"));
+    }
+}
+
+void tst_ping::limitedRun()
+{
+    PingProcess ping;
+    for (const int count : {1, 2}) {
+        ping.setCount(count);
+        QElapsedTimer elapsed;
+        elapsed.start();
+        ping.doPing(QStringLiteral("endless"));
+        // Neither what is set nor what is called during a run has to do with it.
+        ping.setCount(5);
+        QTest::ignoreMessage(QtWarningMsg, "QProcess::start: Process is already running");
+        ping.doPing(QStringLiteral("other"));
+
+        QTRY_COMPARE(ping.state(), QProcess::NotRunning);
+        const qint64 excess = elapsed.elapsed() - (count * 1000 - 500);
+        QVERIFY2(excess >= 0 && excess < 500, qPrintable(QString::number(excess)));
+        QCOMPARE(ping.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(ping.readAllStandardOutput(), QByteArray("endless\nsummary\n"));
+    }
+}
+
+void tst_ping::unlimitedRun()
+{
+    PingProcess ping;
+    // The last is a fifth of a second, were its milliseconds kept in an int.
+    for (const int count : {0, -1, 4294968}) {
+        ping.setCount(1);
+        ping.doPing(QStringLiteral("brief"));
+        QVERIFY(ping.waitForFinished());
+        // The first run's limit would strike during the second.
+        ping.setCount(count);
+        ping.doPing(QStringLiteral("endless"));
+        QTest::qWait(800);
+        QCOMPARE(ping.state(), QProcess::Running);
+        ping.kill();
+        QVERIFY(ping.waitForFinished());
+    }
+}
+
+void tst_ping::missingTool()
+{
+    const QTemporaryDir empty;
+    qputenv("PATH", QFile::encodeName(empty.path()));
+    PingProcess ping;
+    ping.setCount(1);
+    ping.doPing(QStringLiteral("host"));
+    // Beyond the end of the run that there would have been.
+    QTest::qWait(800);
+    QCOMPARE(ping.error(), QProcess::FailedToStart);
+    QCOMPARE(ping.state(), QProcess::NotRunning);
+}
+
+void tst_ping::destruction()
+{
+#ifdef Q_OS_UNIX
+    auto ping = std::make_unique<PingProcess>();
+    ping->doPing(QStringLiteral("endless"));
+    QVERIFY(ping->waitForReadyRead());
+    const auto pid = static_cast<pid_t>(ping->processId());
+    QCOMPARE(::kill(pid, 0), 0);
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("still running")));
+    ping.reset();
+    QCOMPARE(::kill(pid, 0), -1);
+#else
+    QSKIP("No way here to see that a process is gone");
+#endif
+}
+
+void tst_ping::systemsTool()
+{
+    qputenv("PATH", searchPath);
+    if (QStandardPaths::findExecutable(QStringLiteral("ping")).isEmpty())
+        QSKIP("This system has no ping");
+    PingProcess ping;
+    ping.doPing(QStringLiteral("127.0.0.1"));
+    QTRY_COMPARE_WITH_TIMEOUT(ping.state(), QProcess::NotRunning, 10000);
+    QCOMPARE(ping.exitCode(), 0);
+    // Four answers, and the summary.
+    const QByteArray report = ping.readAllStandardOutput();
+    QVERIFY2(report.count("ttl=") + report.count("TTL=") == 4, report);
+    QVERIFY2(report.contains("0%"), report);
+}
+
+QTEST_GUILESS_MAIN(tst_ping)
+#include "tst_ping.moc"
