@@ -1,5 +1,6 @@
 #include "CommandLine.h"
 
+#include "NetworkCommands.h"
 #include "RunCommand.h"
 
 #include <QCommandLineParser>
@@ -25,6 +26,8 @@ struct Command
 
 constexpr Command commands[] = {
     {QLatin1String("run"), QLatin1String("run a whole session and print what happens in it"), run},
+    {QLatin1String("ping"), QLatin1String("see whether a host answers"), ping},
+    {QLatin1String("trace"), QLatin1String("trace the route to a host"), trace},
 };
 
 QString commandList()

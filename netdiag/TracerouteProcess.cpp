@@ -18,7 +18,7 @@ constexpr int quietPeriod = 7000; // milliseconds
 TracerouteProcess::TracerouteProcess(QObject* parent)
     : QObject(parent), _outputFilePath(QDir(Core::Settings::instance().applicationDirPath())
                                            .filePath(QStringLiteral("traceroute.out"))),
-      _maxHops(10), _packageSize(64), _watcher(nullptr)
+      _maxHops(10), _packageSize(64), _watcher(nullptr), _toolProcessId(0)
 {
     prepare();
 
@@ -57,10 +57,16 @@ void TracerouteProcess::doTraceroute(const QString& host)
     // other. The channels are not merged, since that does not reach a detached process.
     tool.setStandardOutputFile(_outputFilePath, QIODevice::Append);
     tool.setStandardErrorFile(_outputFilePath, QIODevice::Append);
-    tool.startDetached();
+    if (!tool.startDetached(&_toolProcessId))
+        _toolProcessId = 0;
 
     _quietTimer.start();
     Q_EMIT started();
+}
+
+qint64 TracerouteProcess::toolProcessId() const
+{
+    return _toolProcessId;
 }
 
 QByteArray TracerouteProcess::readAllStandardOutput() const

@@ -19,10 +19,10 @@ class QFileSystemWatcher;
 ///                      [&trace] { show(trace.readAllStandardOutput()); });
 ///     trace.doTraceroute(QStringLiteral("192.168.0.1"));
 ///
-/// Nothing reports an error: without the tool, or where the file cannot be written, a run is
-/// `started` and `finished` with an empty report. Objects that live at the same time share the
-/// file where they share the application directory. An object belongs to the thread that made it
-/// and needs that thread's event loop.
+/// No signal reports an error: without the tool, or where the file cannot be written, a run is
+/// `started` and `finished` with an empty report; `toolProcessId` tells a missing tool. Objects
+/// that live at the same time share the file where they share the application directory. An object
+/// belongs to the thread that made it and needs that thread's event loop.
 class OVAPP_EXPORT TracerouteProcess : public QObject
 {
     Q_OBJECT
@@ -43,6 +43,10 @@ public:
     /// at once. It may be called during a run: a tool that is still at work goes on, and what it
     /// has yet to say ends up in the new report.
     void doTraceroute(const QString& host);
+
+    /// The process ID of the tool that the last run launched, which may have ended meanwhile; 0
+    /// before the first run and when the tool could not be launched.
+    qint64 toolProcessId() const;
 
     /// The whole report so far, from its first byte; empty when the file cannot be read.
     QByteArray readAllStandardOutput() const;
@@ -67,4 +71,5 @@ private:
     int _packageSize;
     QFileSystemWatcher* _watcher;
     QTimer _quietTimer;
+    qint64 _toolProcessId;
 };

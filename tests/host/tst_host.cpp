@@ -3,6 +3,16 @@
 #include <QProcess>
 #include <QRegularExpression>
 
+#ifdef Q_OS_UNIX
+#include <signal.h>
+#endif
+
+#ifdef Q_OS_WIN
+#define MAX_HOPS_OPTION "-h"
+#else
+#define MAX_HOPS_OPTION "-m"
+#endif
+
 namespace {
 
 struct Outcome
@@ -19,14 +29,24 @@ QStringList linesOf(const QByteArray& text)
     return lines;
 }
 
-Outcome runHost(const QStringList& arguments)
+Outcome outcomeOf(QProcess& host)
 {
-    QProcess host;
-    host.start(QStringLiteral(OVAPP_HOST), arguments);
     if (!host.waitForFinished() || host.exitStatus() != QProcess::NormalExit)
         return {};
     return {host.exitCode(), linesOf(host.readAllStandardOutput()),
             linesOf(host.readAllStandardError())};
+}
+
+Outcome runHost(const QStringList& arguments)
+{
+    QProcess host;
+    host.start(QStringLiteral(OVAPP_HOST), arguments);
+    return outcomeOf(host);
+}
+
+QStringList words(const char* text)
+{
+    return QString::fromLatin1(text).split(QLatin1Char(' '), Qt::SkipEmptyParts);
 }
 
 QByteArray contentOf(const QString& path)
@@ -48,6 +68,10 @@ private Q_SLOTS:
     void usage_data();
     void usage();
     void directoryThatCannotBeWritten();
+    void networkTools_data();
+    void networkTools();
+    void interrupt_data();
+    void interrupt();
 
 private:
     QTemporaryDir _directory;
@@ -153,18 +177,24 @@ void tst_host::usage_data()
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<int>("status");
     QTest::addColumn<QString>("text");
-    const auto arguments = [](const char* text) {
-        return QString::fromLatin1(text).split(QLatin1Char(' '), Qt::SkipEmptyParts);
-    };
-    QTest::newRow("nothing") << arguments("") << 2 << "a command is missing";
-    QTest::newRow("unknown command") << arguments("dance") << 2 << "no command 'dance'";
-    QTest::newRow("unknown option") << arguments("run --fast") << 2 << "fast";
-    QTest::newRow("option without value") << arguments("run --document") << 2 << "document";
-    QTest::newRow("argument") << arguments("run a.ovdoc") << 2 << "'a.ovdoc'";
-    QTest::newRow("board") << arguments("run --board left") << 2 << "--board: 'left'";
-    QTest::newRow("help") << arguments("--help") << 0 << "run a whole session";
-    QTest::newRow("help on a command") << arguments("run --help") << 0 << "--document <FILE>";
-    QTest::newRow("version") << arguments("--version") << 0 << "ovapp-host ";
+    QTest::newRow("nothing") << words("") << 2 << "a command is missing";
+    QTest::newRow("unknown command") << words("dance") << 2 << "no command 'dance'";
+    QTest::newRow("unknown option") << words("run --fast") << 2 << "fast";
+    QTest::newRow("option without value") << words("run --document") << 2 << "document";
+    QTest::newRow("argument") << words("run a.ovdoc") << 2 << "'a.ovdoc'";
+    QTest::newRow("board") << words("run --board left") << 2 << "--board: 'left'";
+    QTest::newRow("no host") << words("ping") << 2 << "one host is wanted, not 0";
+    QTest::newRow("two hosts") << words("trace a b") << 2 << "one host is wanted, not 2";
+    for (const char* host : {"", "-f", "a b", "a\tb", "a\x01"}) {
+        QTest::addRow("host '%s'", host)
+            << QStringList({QStringLiteral("ping"), QStringLiteral("--"), QLatin1String(host)}) << 2
+            << "is no host";
+    }
+    QTest::newRow("count") << words("ping a --count -1") << 2 << "--count: '-1'";
+    QTest::newRow("hops") << words("trace a --max-hops 0") << 2 << "--max-hops: '0'";
+    QTest::newRow("help") << words("--help") << 0 << "run a whole session";
+    QTest::newRow("help on a command") << words("run --help") << 0 << "--document <FILE>";
+    QTest::newRow("version") << words("--version") << 0 << "ovapp-host ";
 }
 
 void tst_host::usage()
@@ -195,6 +225,78 @@ void tst_host::directoryThatCannotBeWritten()
     QCOMPARE(outcome.errors.size(), 1);
     QVERIFY(outcome.errors.first().startsWith(
         QLatin1String("ovapp-host: warning: nothing can be written in '")));
+}
+
+void tst_host::networkTools_data()
+{
+    QTest::addColumn<bool>("installed");
+    QTest::addColumn<QString>("arguments");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QStringList>("output");
+    QTest::addColumn<QStringList>("errors");
+    const QStringList none;
+    const auto missing = [](const char* tool, const char* package) {
+        return QStringList(QStringLiteral("ovapp-host: the system's %1 tool cannot be launched; on "
+                                          "Debian the package %2 brings it")
+                               .arg(QLatin1String(tool), QLatin1String(package)));
+    };
+    QTest::newRow("answered") << true << "ping here" << 0 << words("here") << none;
+    QTest::newRow("until the count")
+        << true << "ping --count 1 endless" << 0 << words("endless summary") << none;
+    QTest::newRow("not answered") << true << "ping unanswered" << 1 << words("unanswered")
+                                  << QStringList(QStringLiteral("ovapp-host: complaint"));
+    QTest::newRow("no ping") << false << "ping here" << 1 << none
+                             << missing("ping", "iputils-ping");
+    QTest::newRow("traced") << true << "trace --max-hops 3 slow" << 0
+                            << words(MAX_HOPS_OPTION " 3 slow complaint later") << none;
+    QTest::newRow("no trace-route")
+        << false << "trace here" << 1 << none << missing("trace-route", "traceroute");
+}
+
+void tst_host::networkTools()
+{
+    QFETCH(bool, installed);
+    QFETCH(QString, arguments);
+    QProcess host;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("PATH"),
+                       installed ? QStringLiteral(STAND_IN_DIR) : _directory.path());
+    host.setProcessEnvironment(environment);
+    host.start(QStringLiteral(OVAPP_HOST), words(qPrintable(arguments)));
+    const Outcome outcome = outcomeOf(host);
+    QTEST(outcome.status, "status");
+    QTEST(outcome.output, "output");
+    QTEST(outcome.errors, "errors");
+}
+
+void tst_host::interrupt_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<int>("status");
+    QTest::newRow("ping") << "ping" << 0;
+    QTest::newRow("trace") << "trace" << 1;
+}
+
+void tst_host::interrupt()
+{
+#ifdef Q_OS_UNIX
+    QFETCH(QString, command);
+    QProcess host;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("PATH"), QStringLiteral(STAND_IN_DIR));
+    host.setProcessEnvironment(environment);
+    host.start(QStringLiteral(OVAPP_HOST), {command, QStringLiteral("endless")});
+    QVERIFY(host.waitForReadyRead());
+    QElapsedTimer elapsed;
+    elapsed.start();
+    QCOMPARE(::kill(static_cast<pid_t>(host.processId()), SIGINT), 0);
+    const Outcome outcome = outcomeOf(host);
+    QTEST(outcome.status, "status");
+    QVERIFY(elapsed.elapsed() < 2000);
+    QCOMPARE(outcome.output.last() == QLatin1String("summary"), outcome.status == 0);
+#else
+    QSKIP("no way here to interrupt one process");
+#endif
 }
 
 QTEST_GUILESS_MAIN(tst_host)

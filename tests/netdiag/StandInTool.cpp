@@ -42,6 +42,8 @@ int main(int argc, char* argv[])
     } else if (std::strcmp(host, "slow") == 0) {
         sleepFor(500);
         say(stdout, "later");
+    } else if (std::strcmp(host, "unanswered") == 0) {
+        return 1;
     }
     return 0;
 }

@@ -173,6 +173,8 @@ void tst_traceroute::quietPeriod()
     }
     QVERIFY(growing.report().endsWith("later\n"));
     QCOMPARE(growing.news.count("finished"), 1);
+    QVERIFY(growing.process->toolProcessId() > 0);
+    QCOMPARE(toolless.process->toolProcessId(), 0);
     for (const Trace* trace : {&silent, &nowhere, &toolless}) {
         QCOMPARE(trace->news, QByteArrayList({"started", "finished"}));
         QCOMPARE(trace->report(), QByteArray());

@@ -1,0 +1,189 @@
+#include "NetworkCommands.h"
+
+#include "CommandLine.h"
+
+#include <app/Application.h>
+#include <netdiag/PingProcess.h>
+#include <netdiag/TracerouteProcess.h>
+#include <ovcore/Settings.h>
+#include <system/InterruptWatcher.h>
+#include <system/ProcessInterrupt.h>
+
+#include <QCommandLineParser>
+#include <QEventLoop>
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <cstdio>
+
+namespace Host {
+
+namespace {
+
+/// Reads the one host and the one number that both commands take, or returns the status to end
+/// with. `number` holds the default before and is at least `least` after.
+std::optional<int> read(const QStringList& arguments, const QString& description,
+                        const QCommandLineOption& option, int least, QString& host, int& number)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(description);
+    parser.addPositionalArgument(QStringLiteral("HOST"), QStringLiteral("A name or an address."));
+    parser.addOption(option);
+    if (const std::optional<int> status = parse(parser, arguments))
+        return status;
+
+    const QStringList hosts = parser.positionalArguments();
+    if (hosts.size() != 1)
+        return fail(BadUsage, QStringLiteral("one host is wanted, not %1").arg(hosts.size()));
+    host = hosts.first();
+    // A tool would take such a host for an option, for nothing, or for two.
+    if (host.isEmpty() || host.startsWith(QLatin1Char('-')) ||
+        std::any_of(host.cbegin(), host.cend(), [](QChar character) {
+            return character.isSpace() || character.category() == QChar::Other_Control;
+        })) {
+        return fail(BadUsage, QStringLiteral("%1 is no host").arg(quoted(host)));
+    }
+
+    if (parser.isSet(option)) {
+        bool isNumber = false;
+        number = parser.value(option).toInt(&isNumber);
+        if (!isNumber || number < least) {
+            return fail(BadUsage, QStringLiteral("--%1: %2 is no whole number from %3 up")
+                                      .arg(option.names().first(), quoted(parser.value(option)))
+                                      .arg(least));
+        }
+    }
+    return std::nullopt;
+}
+
+void print(const QByteArray& text)
+{
+    std::fwrite(text.constData(), 1, static_cast<std::size_t>(text.size()), stdout);
+    std::fflush(stdout);
+}
+
+int failToLaunch(const QString& tool, const QString& package)
+{
+    return fail(JobFailed, QStringLiteral("the system's %1 tool cannot be launched; on Debian the "
+                                          "package %2 brings it")
+                               .arg(tool, package));
+}
+
+int runPing(const QString& host, int count)
+{
+    PingProcess process;
+    QEventLoop loop;
+    bool launched = true;
+    QByteArray complaint;
+    QObject::connect(&process, &QProcess::readyReadStandardOutput,
+                     [&] { print(process.readAllStandardOutput()); });
+    QObject::connect(&process, &QProcess::readyReadStandardError,
+                     [&] { complaint += process.readAllStandardError(); });
+    QObject::connect(&process, &QProcess::errorOccurred, [&](QProcess::ProcessError error) {
+        launched = launched && error != QProcess::FailedToStart;
+        if (!launched)
+            loop.quit();
+    });
+    QObject::connect(&process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), &loop,
+                     &QEventLoop::quit);
+    // The tool prints its summary at the first interrupt; at the next one it has had its chance.
+    const System::InterruptWatcher watcher([&process, interrupted = false]() mutable {
+        if (interrupted)
+            process.kill();
+        else
+            System::interruptProcess(process.processId());
+        interrupted = true;
+    });
+
+    process.setCount(count);
+    process.doPing(host);
+    if (launched)
+        loop.exec();
+    if (!launched)
+        return failToLaunch(QStringLiteral("ping"), QStringLiteral("iputils-ping"));
+    if (process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0)
+        return Success;
+    complaint = complaint.trimmed();
+    return fail(JobFailed, complaint.isEmpty()
+                               ? QStringLiteral("%1 did not answer").arg(quoted(host))
+                               : QString::fromLocal8Bit(complaint));
+}
+
+int runTrace(const QString& host, int maxHops)
+{
+    TracerouteProcess process;
+    QEventLoop loop;
+    int printed = 0;
+    const auto printNews = [&] {
+        const QByteArray report = process.readAllStandardOutput();
+        print(report.mid(printed));
+        printed = report.size();
+    };
+    QObject::connect(&process, &TracerouteProcess::readyReadStandardOutput, printNews);
+    QObject::connect(&process, &TracerouteProcess::finished, &loop, &QEventLoop::quit);
+    bool interrupted = false;
+    // The tool is no child of this process, so the keyboard's interrupt does not reach it.
+    const System::InterruptWatcher watcher([&] {
+        System::interruptProcess(process.toolProcessId());
+        interrupted = true;
+        loop.quit();
+    });
+
+    process.setMaxHops(maxHops);
+    process.doTraceroute(host);
+    if (process.toolProcessId() == 0)
+        return failToLaunch(QStringLiteral("trace-route"), QStringLiteral("traceroute"));
+    loop.exec();
+    printNews();
+    return interrupted ? fail(JobFailed, QStringLiteral("interrupted")) : Success;
+}
+
+/// Does one job with the library up, keeping nothing.
+template <typename Job>
+int withLibrary(Job job)
+{
+    const QTemporaryDir directory;
+    if (!directory.isValid()) {
+        return fail(
+            JobFailed,
+            QStringLiteral("no temporary directory can be made: %1").arg(directory.errorString()));
+    }
+    Core::Settings::instance().setApplicationDirPath(directory.path());
+    App::Application::init();
+    const int status = job();
+    App::Application::destruct();
+    return status;
+}
+
+} // namespace
+
+int ping(const QStringList& arguments)
+{
+    const QCommandLineOption option(QStringLiteral("count"),
+                                    QStringLiteral("How many requests to send; 4 by default, 0 for "
+                                                   "no limit. On Windows the tool decides."),
+                                    QStringLiteral("N"));
+    QString host;
+    int count = 4;
+    if (const std::optional<int> status =
+            read(arguments, QStringLiteral("Sees whether a host answers."), option, 0, host, count))
+        return *status;
+    return withLibrary([&] { return runPing(host, count); });
+}
+
+int trace(const QStringList& arguments)
+{
+    const QCommandLineOption option(QStringLiteral("max-hops"),
+                                    QStringLiteral("How many hops to go at most; 10 by default."),
+                                    QStringLiteral("N"));
+    QString host;
+    int maxHops = 10;
+    if (const std::optional<int> status = read(arguments,
+                                               QStringLiteral("Traces the route to a host. Ends "
+                                                              "seven seconds after the last news."),
+                                               option, 1, host, maxHops))
+        return *status;
+    return withLibrary([&] { return runTrace(host, maxHops); });
+}
+
+} // namespace Host

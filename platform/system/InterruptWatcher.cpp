@@ -1,0 +1,112 @@
+#include <system/InterruptWatcher.h>
+
+#include <QObject>
+
+#ifdef Q_OS_WIN
+#include <qt_windows.h>
+
+#include <atomic>
+#else
+#include <QSocketNotifier>
+
+#include <csignal>
+#include <unistd.h>
+#endif
+
+namespace System {
+
+#ifdef Q_OS_WIN
+
+namespace {
+
+/// The object in whose thread the function is called; null while nobody watches.
+std::atomic<QObject*> target{nullptr};
+std::function<void()> targetFunction;
+
+/// Called by the system on a thread of its own.
+BOOL WINAPI handleInterrupt(DWORD event)
+{
+    QObject* const object = target;
+    if (!object || (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT))
+        return FALSE;
+    QMetaObject::invokeMethod(object, targetFunction, Qt::QueuedConnection);
+    return TRUE;
+}
+
+} // namespace
+
+struct InterruptWatcher::Private
+{
+    QObject context;
+};
+
+InterruptWatcher::InterruptWatcher(std::function<void()> onInterrupt)
+    : d(std::make_unique<Private>())
+{
+    targetFunction = std::move(onInterrupt);
+    target = &d->context;
+    SetConsoleCtrlHandler(handleInterrupt, TRUE);
+}
+
+InterruptWatcher::~InterruptWatcher()
+{
+    SetConsoleCtrlHandler(handleInterrupt, FALSE);
+    target = nullptr;
+}
+
+#else
+
+namespace {
+
+constexpr int watchedSignals[] = {SIGINT, SIGTERM};
+
+/// The end of the pipe that the handler, which may do next to nothing, writes to.
+volatile std::sig_atomic_t pipeToWrite = -1;
+
+void handleInterrupt(int)
+{
+    const char byte = 0;
+    // Where the pipe is full, enough interrupts are on their way already.
+    [[maybe_unused]] const ssize_t written = ::write(pipeToWrite, &byte, 1);
+}
+
+} // namespace
+
+struct InterruptWatcher::Private
+{
+    int pipe[2] = {-1, -1};
+    std::unique_ptr<QSocketNotifier> notifier;
+};
+
+InterruptWatcher::InterruptWatcher(std::function<void()> onInterrupt)
+    : d(std::make_unique<Private>())
+{
+    if (::pipe(d->pipe) != 0)
+        return;
+    pipeToWrite = d->pipe[1];
+    d->notifier = std::make_unique<QSocketNotifier>(d->pipe[0], QSocketNotifier::Read);
+    QObject::connect(d->notifier.get(), &QSocketNotifier::activated, d->notifier.get(),
+                     [this, onInterrupt = std::move(onInterrupt)] {
+                         char byte = 0;
+                         if (::read(d->pipe[0], &byte, 1) == 1)
+                             onInterrupt();
+                     });
+    for (const int signal : watchedSignals)
+        std::signal(signal, handleInterrupt);
+}
+
+InterruptWatcher::~InterruptWatcher()
+{
+    if (!d->notifier)
+        return;
+    for (const int signal : watchedSignals)
+        std::signal(signal, SIG_DFL);
+    d->notifier.reset();
+    pipeToWrite = -1;
+    ::close(d->pipe[0]);
+    ::close(d->pipe[1]);
+}
+
+#endif
+
+} // namespace System

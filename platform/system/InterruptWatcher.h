@@ -1,0 +1,27 @@
+#pragma once
+
+#include <ovsystem_export.h>
+
+#include <functional>
+#include <memory>
+
+namespace System {
+
+/// Takes the interrupts meant for this program (Ctrl+C at the keyboard, and on Unix the request to
+/// terminate) for as long as it lives: instead of ending the program, each one calls a function
+/// from the event loop of the thread that made the watcher. One watcher at a time.
+class OVSYSTEM_EXPORT InterruptWatcher
+{
+public:
+    explicit InterruptWatcher(std::function<void()> onInterrupt);
+    InterruptWatcher(const InterruptWatcher&) = delete;
+    InterruptWatcher& operator=(const InterruptWatcher&) = delete;
+    /// Interrupts end the program again.
+    ~InterruptWatcher();
+
+private:
+    struct Private;
+    std::unique_ptr<Private> d;
+};
+
+} // namespace System
