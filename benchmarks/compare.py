@@ -1,0 +1,149 @@
+#!/usr/bin/env python3
+"""Prints what Google Benchmark measured as tables of medians and ratios.
+
+Usage: compare.py RESULT.json...
+
+A benchmark is named "group/side" or "group/side/size". The sides of a group that have the same
+size make one table, in which each is compared with the side "ovapp". A ratio that is wanted of a
+side stands in the context of the run, as "wanted group/side/size": "ovapp/it <= 1.5" or
+"it/ovapp >= 6".
+
+The exit status is 1 when a benchmark has failed or the results do not fit together. A wanted ratio
+that is not met is reported, no more: timings depend on the machine.
+"""
+
+import json
+import re
+import statistics
+import sys
+
+OURS = "ovapp"
+WANTED_PREFIX = "wanted "
+WANTED = re.compile(r"(ovapp/it|it/ovapp) (<=|>=) ([0-9.]+)")
+NANOSECONDS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
+# What Google Benchmark appends to a name: how the benchmark was run, not what it measures.
+SUFFIX = re.compile(r"/(real_time|manual_time|process_time|(min_time|iterations|repeats):[^/]*)")
+
+
+class Failure(Exception):
+    pass
+
+
+def read_times(result):
+    """The times of every repetition in nanoseconds, by name and in the order they were declared."""
+    runs = {}
+    for run in result["benchmarks"]:
+        if run.get("error_occurred"):
+            raise Failure(f'{run["name"]}: {run["error_message"]}')
+        if run["run_type"] == "iteration":
+            runs.setdefault((run["family_index"], run["run_name"]), []).append(run)
+
+    times = {}
+    for (_, run_name), repetitions in sorted(runs.items()):
+        # The time that a benchmark is declared to be about: the processor's, unless it says so.
+        real = "/real_time" in run_name or "/manual_time" in run_name
+        times[SUFFIX.sub("", run_name)] = [
+            run["real_time" if real else "cpu_time"] * NANOSECONDS[run["time_unit"]]
+            for run in repetitions
+        ]
+    return times
+
+
+def read_wanted(result):
+    """The ratios wanted, by the name of the benchmark."""
+    wanted = {}
+    for key, text in result["context"].items():
+        if key.startswith(WANTED_PREFIX):
+            match = WANTED.fullmatch(text)
+            if not match:
+                raise Failure(f"{key}: cannot understand {text!r}")
+            wanted[key[len(WANTED_PREFIX) :]] = match.groups()
+    return wanted
+
+
+def split(name):
+    """Group, side and size (or None) of a benchmark."""
+    parts = name.split("/")
+    if len(parts) not in (2, 3):
+        raise Failure(f"{name}: not named group/side or group/side/size")
+    return (*parts, None)[:3]
+
+
+def format_time(nanoseconds):
+    for unit in ("s", "ms", "us"):
+        # Three digits of 999.6 in one unit are those of 1 in the next.
+        if nanoseconds >= 0.9995 * NANOSECONDS[unit]:
+            return f"{nanoseconds / NANOSECONDS[unit]:.3g} {unit}"
+    return f"{nanoseconds:.3g} ns"
+
+
+def format_spread(times):
+    """The middle half of the repetitions, as a share of the median."""
+    if len(times) < 2:
+        return ""
+    lower, _, upper = statistics.quantiles(times, n=4, method="inclusive")
+    return f"{100 * (upper - lower) / statistics.median(times):.0f} %"
+
+
+def verdict(wanted, ours, other):
+    ratio, relation, bound = wanted
+    value = ours / other if ratio == "ovapp/it" else other / ours
+    met = value <= float(bound) if relation == "<=" else value >= float(bound)
+    return f'{ratio} {relation} {bound}: {"met" if met else "not met"}'
+
+
+def rows_of(result):
+    """The tables of one result: a title each, and its rows."""
+    times = read_times(result)
+    wanted = read_wanted(result)
+    medians = {split(name): statistics.median(values) for name, values in times.items()}
+
+    tables = {}
+    for name, values in times.items():
+        group, side, size = split(name)
+        median = medians[group, side, size]
+        row = [side, format_time(median), format_spread(values), "", "", ""]
+        if side != OURS:
+            ours = medians.get((group, OURS, size))
+            if ours is None:
+                raise Failure(f"{name}: there is no {OURS} to compare it with")
+            row[3:5] = f"{ours / median:.2f}", f"{median / ours:.2f}"
+            if name in wanted:
+                row[5] = verdict(wanted.pop(name), ours, median)
+        tables.setdefault(group if size is None else f"{group}, {size}", []).append(row)
+    if wanted:
+        raise Failure(f'a ratio is wanted of what was not measured: {", ".join(wanted)}')
+    return tables
+
+
+def print_table(title, rows):
+    head = [title, "median", "spread", "ovapp/it", "it/ovapp", "wanted"]
+    widths = [max(len(row[i]) for row in [head, *rows]) for i in range(len(head))]
+    for row in [head, ["-" * width for width in widths], *rows]:
+        first, *numbers, last = row
+        cells = [first.ljust(widths[0])]
+        cells += [cell.rjust(width) for cell, width in zip(numbers, widths[1:])]
+        print("  ".join([*cells, last]).rstrip())
+    print()
+
+
+def main(paths):
+    if not paths:
+        print(__doc__.strip().splitlines()[2], file=sys.stderr)
+        return 2
+    failed = False
+    for path in paths:
+        try:
+            with open(path, encoding="utf-8") as file:
+                tables = rows_of(json.load(file))
+        except (OSError, ValueError, Failure) as error:
+            print(f"compare.py: {path}: {error}", file=sys.stderr)
+            failed = True
+            continue
+        for title, rows in tables.items():
+            print_table(title, rows)
+    return 1 if failed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))
