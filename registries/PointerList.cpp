@@ -2,28 +2,27 @@
 
 namespace App::PointerList {
 
-namespace {
-
-/// The innermost walk of this thread. Each thread has its own, since different lists may be walked
-/// on different threads.
-thread_local Walk* innermost = nullptr;
-
-} // namespace
-
-Walk::Walk(const void* list) : _list(list), _p_outer(innermost)
+Walk*& Walk::innermost()
 {
-    innermost = this;
+    static thread_local Walk* walk = nullptr;
+    return walk;
 }
 
-Walk::~Walk()
+void Walk::entryAdded(const void* list)
 {
-    innermost = _p_outer;
+    for (Walk* walk = innermost(); walk; walk = walk->_p_outer) {
+        if (walk->_list == list)
+            walk->changed = true;
+    }
 }
 
 void Walk::entryRemoved(const void* list, int index)
 {
-    for (Walk* walk = innermost; walk; walk = walk->_p_outer) {
-        if (walk->_list == list && index < walk->next)
+    for (Walk* walk = innermost(); walk; walk = walk->_p_outer) {
+        if (walk->_list != list)
+            continue;
+        walk->changed = true;
+        if (index < walk->next)
             --walk->next;
     }
 }

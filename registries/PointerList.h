@@ -27,24 +27,36 @@
 namespace App::PointerList {
 
 /// A walk under way: where it stands. The walks of a thread know of each other, so that whoever
-/// removes an entry sets right every walk that is past it. Walking therefore costs nothing but
-/// reading the end afresh before each step, and the list is never copied.
+/// changes a list sets right every walk of it. The list is never copied, and a step of a walk asks
+/// no more than whether there was a change.
 class Walk
 {
 public:
-    explicit Walk(const void* list);
+    explicit Walk(const void* list) : _list(list), _innermost(innermost()), _p_outer(_innermost)
+    {
+        _innermost = this;
+    }
     Walk(const Walk&) = delete;
     Walk& operator=(const Walk&) = delete;
-    ~Walk();
+    ~Walk() { _innermost = _p_outer; }
 
-    /// Tells the walks of `list` that the entry at `index` is gone.
+    /// Tells the walks of `list` that an entry was added at its end.
+    static void entryAdded(const void* list);
+    /// Tells the walks of `list` that the entry at `index` was removed.
     static void entryRemoved(const void* list, int index);
 
     /// The place of the entry to call next.
     int next = 0;
+    /// Set by every change of the list.
+    bool changed = false;
 
 private:
+    /// The innermost walk of this thread, or null. Each thread has its own, since different lists
+    /// may be walked on different threads.
+    static Walk*& innermost();
+
     const void* _list;
+    Walk*& _innermost;
     /// The walk inside which this one takes place, of whichever list.
     Walk* _p_outer;
 };
@@ -56,6 +68,7 @@ bool add(QList<T*>& list, T* entry)
     if (!entry || list.contains(entry))
         return false;
     list.append(entry);
+    Walk::entryAdded(&list);
     return true;
 }
 
@@ -75,8 +88,17 @@ template <typename T, typename Call>
 void walk(const QList<T*>& list, Call call)
 {
     Walk walk(&list);
-    while (walk.next < list.size())
-        call(list.at(walk.next++));
+    while (walk.next < list.size()) {
+        // Until the list changes, its entries, its end and the walk's place stay in registers: to
+        // read them afresh at every step would take as long as the call.
+        walk.changed = false;
+        const auto entries = list.constBegin();
+        const int end = list.size();
+        for (int place = walk.next; place < end && !walk.changed; ++place) {
+            walk.next = place + 1;
+            call(entries[place]);
+        }
+    }
 }
 
 } // namespace App::PointerList
