@@ -108,7 +108,9 @@ Application& Application::instance()
 
 void Application::attachObservers()
 {
-    if (Core::Settings::instance().value(QStringLiteral("Debug/file"), false).toBool()) {
+    const bool toFile =
+        Core::Settings::instance().value(QStringLiteral("Debug/file"), false).toBool();
+    if (toFile && !_p_consoleObserverFile) {
         _p_consoleObserverFile = new Core::ConsoleObserverFile(QStringLiteral("log.txt"));
         Core::ConsoleSingleton::instance().attachObserver(_p_consoleObserverFile);
     }

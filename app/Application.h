@@ -45,13 +45,15 @@ class TransactionListener;
 /// A listener may add and remove listeners, of its own kind too, while it is being told: one that
 /// is removed before its turn is not told, one that is added is told last, in the same pass, and
 /// every other is told once. Adding again what was removed counts as adding: a listener that does
-/// so whenever it is told keeps the pass from ending.
+/// so whenever it is told keeps the pass from ending. What a listener must not do while it is told
+/// of a document is to create, open, activate or close one: the listeners after it, and whoever
+/// made the change, go on with the document that they know.
 class OVAPP_EXPORT Application
 {
 public:
-    /// Brings the program up: the keep-awake request, settings, log file, this object, the lower
-    /// libraries, the two registries, backup and clipboard, in this order. Call it once, before
-    /// any other operation of the library.
+    /// Brings the program up, on an existing `QCoreApplication`: the keep-awake request, settings,
+    /// log file, this object, the lower libraries, the two registries, backup and clipboard, in
+    /// this order. Call it once, before any other operation of the library.
     static void init();
     /// Takes everything down again, nearly in the reverse order, and this object last. Call it
     /// once, at exit; nothing of the library may be called after it. Neither the active document
@@ -60,8 +62,8 @@ public:
     /// The object. Valid from `init` until `destruct` only; it is never made here.
     static Application& instance();
 
-    /// Appends what is logged from here on to "log.txt" if the setting "Debug/file" is true.
-    /// `init` calls it.
+    /// Appends what is logged from here on to "log.txt" if the setting "Debug/file" is true, unless
+    /// that is so already. `init` calls it.
     static void attachObservers();
     /// Ends what `attachObservers` began. `destruct` calls it.
     static void destructObservers();

@@ -33,6 +33,7 @@ function(ovapp_add_library target)
         OUTPUT_NAME ${arg_NAME}
         VERSION ${PROJECT_VERSION}
         SOVERSION ${PROJECT_VERSION_MAJOR})
+    target_compile_features(${target} PUBLIC cxx_std_17)
     ovapp_set_warnings(${target})
     generate_export_header(${target}
         BASE_NAME ${arg_NAME}

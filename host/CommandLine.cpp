@@ -44,18 +44,6 @@ void print(FILE* file, const QString& text)
     QTextStream(file) << text << Qt::endl;
 }
 
-QString onOneLine(const QString& text)
-{
-    QString result;
-    for (const QChar character : text) {
-        if (character.category() == QChar::Other_Control)
-            result += QStringLiteral("\\x%1").arg(character.unicode(), 2, 16, QLatin1Char('0'));
-        else
-            result += character;
-    }
-    return result;
-}
-
 } // namespace
 
 int runCommand(const QStringList& arguments)
@@ -116,6 +104,18 @@ void warn(const QString& message)
 QString quoted(const QString& text)
 {
     return QLatin1Char('\'') + text + QLatin1Char('\'');
+}
+
+QString onOneLine(const QString& text)
+{
+    QString result;
+    for (const QChar character : text) {
+        if (character.category() == QChar::Other_Control)
+            result += QStringLiteral("\\x%1").arg(character.unicode(), 2, 16, QLatin1Char('0'));
+        else
+            result += character;
+    }
+    return result;
 }
 
 } // namespace Host

@@ -33,5 +33,8 @@ void warn(const QString& message);
 
 /// A text of the user's, as messages show it.
 QString quoted(const QString& text);
+/// A text with its control characters escaped, so that it stays one line and does nothing to a
+/// terminal.
+QString onOneLine(const QString& text);
 
 } // namespace Host

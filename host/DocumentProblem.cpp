@@ -23,6 +23,8 @@ QString documentProblem(const QString& path)
     const QByteArray text = file.readAll();
     if (file.error() != QFile::NoError)
         return file.errorString();
+    if (text.isEmpty() && info.size() > 0)
+        return QStringLiteral("it is too large");
     if (text.isEmpty())
         return QStringLiteral("it is empty");
     QJsonParseError error;

@@ -1,5 +1,7 @@
 #include "Report.h"
 
+#include "CommandLine.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QTextStream>
@@ -13,9 +15,9 @@ Report::Report()
 
 void Report::line(const QString& who, const QString& what)
 {
-    QTextStream(stdout)
-        << QStringLiteral("%1 ms  %2  %3").arg(_elapsed.elapsed(), 5).arg(who, -24).arg(what)
-        << Qt::endl;
+    const QString text =
+        QStringLiteral("%1 ms  %2  %3").arg(_elapsed.elapsed(), 5).arg(who, -24).arg(what);
+    QTextStream(stdout) << onOneLine(text) << Qt::endl;
 }
 
 void Report::write(Severity severity, const QByteArray& line)

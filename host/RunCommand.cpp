@@ -22,7 +22,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QEventLoop>
-#include <QTemporaryFile>
+#include <QSettings>
 #include <QTimer>
 
 namespace Host {
@@ -74,22 +74,22 @@ std::optional<int> read(const QStringList& arguments, Options& options)
     options.applicationDir = parser.value(applicationDir);
     if (parser.isSet(board)) {
         bool isNumber = false;
-        options.boardType = parser.value(board).toInt(&isNumber, 0);
+        options.boardType = parser.value(board).toInt(&isNumber);
         if (!isNumber) {
-            return fail(
-                BadUsage,
-                QStringLiteral("--board: %1 is no whole number").arg(quoted(parser.value(board))));
+            return fail(BadUsage, QStringLiteral("--board: %1 is no 32-bit whole number")
+                                      .arg(quoted(parser.value(board))));
         }
     }
     return std::nullopt;
 }
 
-void warnIfNothingCanBeWritten()
+void warnIfSettingsCannotBeKept()
 {
-    const QString path = Core::Settings::instance().applicationDirPath();
-    if (!QTemporaryFile(QDir(path).filePath(QStringLiteral("XXXXXX"))).open()) {
-        warn(QStringLiteral("nothing can be written in %1: settings and log will be lost")
-                 .arg(quoted(path)));
+    const QDir directory(Core::Settings::instance().applicationDirPath());
+    const QSettings store(directory.filePath(QStringLiteral("ovapp.ini")), QSettings::IniFormat);
+    if (!store.isWritable()) {
+        warn(QStringLiteral("%1 cannot be written: settings will be lost")
+                 .arg(quoted(store.fileName())));
     }
 }
 
@@ -162,17 +162,16 @@ int useApplication(const Options& options, Report& report)
     runChannel(report);
 
     host(QStringLiteral("reverts the document: activates it as it is on disk"));
+    int status = Success;
     auto onDisk = std::make_unique<Doc::Document>(new Doc::Storage);
-    if (!onDisk->open(options.document)) {
-        return fail(JobFailed,
-                    QStringLiteral("cannot read %1 again: %2")
-                        .arg(quoted(options.document), documentProblem(options.document)));
-    }
-    application.setActivateDocument(onDisk.release());
+    if (onDisk->open(options.document))
+        application.setActivateDocument(onDisk.release());
+    else
+        status = cannotOpen(options.document);
 
     host(QStringLiteral("closes the document"));
     application.closeDocument();
-    return Success;
+    return status;
 }
 
 } // namespace
@@ -192,7 +191,7 @@ int run(const QStringList& arguments)
 
     report.line(QStringLiteral("host"), QStringLiteral("starts the library"));
     App::Application::init();
-    warnIfNothingCanBeWritten();
+    warnIfSettingsCannotBeKept();
     if (options.boardType)
         Core::BoardEthDescHandler::instance()->setCurrentBoardEthDescType(*options.boardType);
 

@@ -4,10 +4,15 @@
 
 #include <QCoreApplication>
 
+#include <cstdio>
+
 int main(int argc, char** argv)
 {
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("ovapp-host"));
     QCoreApplication::setApplicationVersion(QString::fromUtf8(Core::Version::versionString()));
-    return Host::runCommand(QCoreApplication::arguments());
+    const int status = Host::runCommand(QCoreApplication::arguments());
+    if (status == Host::Success && std::ferror(stdout))
+        return Host::fail(Host::JobFailed, QStringLiteral("standard output cannot be written to"));
+    return status;
 }

@@ -2,7 +2,7 @@
 
 namespace Core {
 
-/// The identifier of an object property.
+/// The identifier of an object property: a number, -1 for none.
 class PropertyTypeID
 {
 public:

@@ -36,6 +36,7 @@ public:
 
     /// The run value of `key`, or `defaultValue` when there is none.
     QVariant runValue(const QString& key, const QVariant& defaultValue = QVariant()) const;
+    /// Sets a run value, before `init` too.
     void setRunValue(const QString& key, const QVariant& value);
 
     /// The directory that the program keeps its files in; the executable's own by default.
@@ -46,6 +47,7 @@ public:
     /// The directory that plug-ins are looked for in; by default `plugins` beside the executable,
     /// which plug-ins come with, wherever the program keeps its files.
     QString pluginDirPath() const;
+    /// Any path, which need not exist; an empty one stands for the default.
     void setPluginDirPath(const QString& path);
 
     /// `fonts` in the application directory.

@@ -32,6 +32,7 @@ public:
 
     /// The path that the document was opened from or will be saved to, as it was given.
     QString filePath() const;
+    /// Says where `save` writes to; no file is touched before.
     void setFilePath(const QString& path);
 
     /// The document's objects; never null.

@@ -72,6 +72,7 @@ struct Workshop
 {
     explicit Workshop(bool withActiveDocument)
     {
+        QFile::link(session.path(QStringLiteral("a")), session.path(QStringLiteral("link.lnk")));
         QDir(session.path(QString())).mkdir(QStringLiteral("more"));
         for (const char* name : {"a", "A", "other", "more/a"})
             session.write(QLatin1String(name), validDocument);
@@ -181,6 +182,11 @@ void tst_documents::states_data()
     QTest::newRow("a, open in other letter case")
         << true << openDocument("A") << "A" << told("close a while a;new A while A") << "A"
         << false;
+#ifdef Q_OS_UNIX
+    QTest::newRow("a, open by a link to it")
+        << true << openDocument("link.lnk") << "link.lnk"
+        << told("close a while a;new link.lnk while link.lnk") << "link.lnk" << false;
+#endif
     QTest::newRow("a, open the same name elsewhere")
         << true << openDocument("more/a") << "a" << told("close a while a;new a while a")
         << "more/a" << false;

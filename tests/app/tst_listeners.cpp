@@ -14,6 +14,8 @@
 #include <events/TransactionEvent.h>
 #include <ovdoc/Document.h>
 #include <ovdoc/Storage.h>
+#include <registries/CommInfo.h>
+#include <registries/CommInfoRegistry.h>
 
 #include <QtTest>
 
@@ -142,6 +144,7 @@ private Q_SLOTS:
     void walkThatChanges();
     void randomChanges();
     void activeDocumentChangesMeanwhile();
+    void walksOnTwoThreads();
     void posting_data();
     void posting();
     void postingFromThreads();
@@ -250,7 +253,8 @@ void tst_listeners::kinds()
 
 void tst_listeners::walkThatChanges_data()
 {
-    // What the listener before the colon does, once, when it is called: +X adds, -X removes.
+    // What the listener before the colon does, once, when it is called: +X adds, -X removes, and
+    // ~X removes from the list of another kind, where it is the first.
     QTest::addColumn<QString>("registered");
     QTest::addColumn<QString>("actions");
     QTest::addColumn<QString>("called");
@@ -290,6 +294,9 @@ void tst_listeners::walkThatChanges_data()
     QTest::newRow("removes what it added") << "AB"
                                            << "A:+C-C"
                                            << "AB";
+    QTest::newRow("changes another list") << "ABC"
+                                          << "B:~A"
+                                          << "ABC";
 }
 
 void tst_listeners::walkThatChanges()
@@ -299,6 +306,9 @@ void tst_listeners::walkThatChanges()
     const Session session;
     Application& application = session.application();
     Actor actors[3];
+    QStringList notes;
+    Listener other("other", notes);
+    application.addSelectionListener(&other);
     const auto actor = [&actors](QChar name) { return &actors[name.unicode() - 'A']; };
 
     QString called;
@@ -309,8 +319,10 @@ void tst_listeners::walkThatChanges()
         for (int i = 2; once && i < actions.size(); i += 2) {
             if (actions.at(i) == QLatin1Char('+'))
                 application.addPluginStateChangeListener(actor(actions.at(i + 1)));
-            else
+            else if (actions.at(i) == QLatin1Char('-'))
                 application.removePluginStateChangeListener(actor(actions.at(i + 1)));
+            else
+                application.removeSelectionListener(&other);
         }
         once = false;
     };
@@ -415,6 +427,45 @@ void tst_listeners::activeDocumentChangesMeanwhile()
     session.application().setActivateDocument(new Doc::Document(new Doc::Storage));
     session.application().notifySelectionListeners(nullptr);
     QCOMPARE(notes, QStringList({QStringLiteral("after: selection null")}));
+}
+
+void tst_listeners::walksOnTwoThreads()
+{
+    constexpr int rounds = 2000;
+    const Session session;
+    Application& application = session.application();
+    int channelStarts = 0;
+    int notifications = 0;
+    struct Channel : App::CommInfo
+    {
+        explicit Channel(int& starts) : _starts(starts) {}
+        void start() override
+        {
+            App::CommInfoRegistry::instance()->unregisterCommInfo(this);
+            if (++_starts % 3 != 0)
+                App::CommInfoRegistry::instance()->registerCommInfo(this);
+        }
+        int& _starts;
+    } channel(channelStarts);
+    Actor actor;
+    actor.act = [&] {
+        ++notifications;
+        application.removePluginStateChangeListener(&actor);
+    };
+
+    std::thread other([&channel] {
+        for (int i = 0; i < rounds; ++i) {
+            App::CommInfoRegistry::instance()->registerCommInfo(&channel);
+            App::CommInfoRegistry::instance()->start();
+        }
+    });
+    for (int i = 0; i < rounds; ++i) {
+        application.addPluginStateChangeListener(&actor);
+        application.notifyPluginStateChangeListener(0);
+    }
+    other.join();
+    QCOMPARE(channelStarts, 3 * rounds);
+    QCOMPARE(notifications, rounds);
 }
 
 void tst_listeners::posting_data()

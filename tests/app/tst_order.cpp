@@ -1,5 +1,6 @@
 #include "RecordingLayer.h"
 
+#include <app/ActiveDocumentListener.h>
 #include <app/Application.h>
 #include <app/AppStartFinishListener.h>
 #include <app/CloseDocumentListener.h>
@@ -18,16 +19,24 @@ namespace {
 
 struct NotingListener : App::AppStartFinishListener,
                         App::NewDocumentListener,
-                        App::CloseDocumentListener
+                        App::CloseDocumentListener,
+                        App::ActiveDocumentListener
 {
     void updateAppStartFinishListener() override { RecordingLayer::note(QStringLiteral("told")); }
-    void updateNewDocumentListener(Doc::Document* document) override
+    void updateNewDocumentListener(Doc::Document* document) override { note("new", document); }
+    void updateCloseDocumentListener(Doc::Document* document) override { note("close", document); }
+    void updateActiveDocumentListener(Doc::Document* document) override
     {
-        RecordingLayer::note(QStringLiteral("new ") + document->filePath());
+        note("active", document);
     }
-    void updateCloseDocumentListener(Doc::Document* document) override
+    static void note(const char* kind, const Doc::Document* document)
     {
-        RecordingLayer::note(QStringLiteral("close ") + document->filePath());
+        const auto nameOf = [](const Doc::Document* named) {
+            return named ? named->filePath() : QStringLiteral("none");
+        };
+        RecordingLayer::note(QStringLiteral("%1 %2 while %3")
+                                 .arg(QLatin1String(kind), nameOf(document),
+                                      nameOf(Application::instance().activateDocument())));
     }
 };
 
@@ -207,70 +216,91 @@ void tst_order::shutdown()
 
 void tst_order::documents_data()
 {
-    QTest::addColumn<bool>("exists");
+    QTest::addColumn<QString>("operation");
     QTest::addColumn<bool>("opens");
     QTest::addColumn<bool>("resets");
     QTest::addColumn<QString>("expected");
-    QTest::newRow("new") << false << true << true << R"(
+    const QString created = QStringLiteral(R"(
         Doc::Storage
         Doc::Document
-        Doc::Document::setFilePath(PATH)
-        close old
-        Core::Settings::setRunValue(File/Document, QString PATH)
-        Core::Settings::setValue(File/Document, QString PATH)
-        new PATH)";
-    QTest::newRow("opened, count reset") << true << true << true << R"(
-        Doc::Storage
-        Doc::Document
-        Doc::Document::open(PATH)
+        )");
+    const QString read = created + QStringLiteral(R"(Doc::Document::open(FILE)
         Core::Settings::value(Print/resetCountAfterOpened, bool false)
-        Doc::DocObject::setPrintCountData(0 of 9)
-        close old
-        Core::Settings::setRunValue(File/Document, QString PATH)
-        Core::Settings::setValue(File/Document, QString PATH)
-        new PATH)";
-    QTest::newRow("opened, count kept") << true << true << false << R"(
-        Doc::Storage
-        Doc::Document
-        Doc::Document::open(PATH)
-        Core::Settings::value(Print/resetCountAfterOpened, bool false)
-        close old
-        Core::Settings::setRunValue(File/Document, QString PATH)
-        Core::Settings::setValue(File/Document, QString PATH)
-        new PATH)";
-    QTest::newRow("does not open") << true << false << true << R"(
-        Doc::Storage
-        Doc::Document
-        Doc::Document::open(PATH)
-        Doc::~Document(PATH))";
+        )");
+    const QString activated = QStringLiteral(R"(close old while old
+        Core::Settings::setRunValue(File/Document, QString FILE)
+        Core::Settings::setValue(File/Document, QString FILE)
+        new FILE while FILE)");
+    QTest::newRow("new") << "new FILE" << true << true
+                         << created + QLatin1String("Doc::Document::setFilePath(FILE)\n") +
+                                activated;
+    QTest::newRow("opened, count reset")
+        << "open FILE" << true << true
+        << read + QLatin1String("Doc::DocObject::setPrintCountData(0 of 9)\n") + activated;
+    QTest::newRow("opened, count kept") << "open FILE" << true << false << read + activated;
+    QTest::newRow("does not open")
+        << "open FILE" << false << true << created + QLatin1String(R"(Doc::Document::open(FILE)
+        Doc::~Document(FILE))");
+    QTest::newRow("directory") << "open DIRECTORY" << true << true << "";
+    QTest::newRow("activated") << "activate b" << true << true << R"(Doc::~Document(old)
+        Core::Settings::setRunValue(File/Document, QString b)
+        Core::Settings::setValue(File/Document, QString b)
+        active b while b)";
+    QTest::newRow("none activated") << "activate" << true << true << R"(Doc::~Document(old)
+        active none while none)";
+    QTest::newRow("closed") << "close" << true << true << "close old while old";
 }
 
 void tst_order::documents()
 {
-    QFETCH(bool, exists);
-    QFETCH(bool, opens);
+    QFETCH(QString, operation);
     QFETCH(bool, resets);
     QFETCH(QString, expected);
     QTemporaryDir directory;
-    const QString path = directory.filePath(QStringLiteral("piece.ovdoc"));
-    if (exists)
-        QVERIFY(QFile(path).open(QIODevice::WriteOnly));
+    const QString file = directory.filePath(QStringLiteral("piece.ovdoc"));
+    for (QString* text : {&operation, &expected}) {
+        text->replace(QLatin1String("FILE"), file);
+        text->replace(QLatin1String("DIRECTORY"), directory.path());
+    }
+    const QString verb = operation.section(QLatin1Char(' '), 0, 0);
+    const QString path = operation.section(QLatin1Char(' '), 1);
+    if (verb == QLatin1String("open"))
+        QVERIFY(QFile(file).open(QIODevice::WriteOnly));
 
     Application::init();
+    Application& application = Application::instance();
     NotingListener listener;
-    Application::instance().addNewDocumentListener(&listener);
-    Application::instance().addCloseDocumentListener(&listener);
-    auto old = std::make_unique<Doc::Document>(nullptr);
-    old->setFilePath(QStringLiteral("old"));
-    Application::instance().setActivateDocument(old.get());
+    application.addNewDocumentListener(&listener);
+    application.addCloseDocumentListener(&listener);
+    application.addActiveDocumentListener(&listener);
+    const auto documentAt = [](const QString& itsPath) {
+        auto document = std::make_unique<Doc::Document>(nullptr);
+        document->setFilePath(itsPath);
+        return document;
+    };
+    auto old = documentAt(QStringLiteral("old"));
+    application.setActivateDocument(old.get());
+    auto other = path.isEmpty() ? nullptr : documentAt(path);
 
+    QFETCH(bool, opens);
     layer.documentOpens = opens;
     layer.settings.insert(QStringLiteral("Print/resetCountAfterOpened"), resets);
     layer.calls.clear();
-    const std::unique_ptr<Doc::Document> document(Application::instance().newDocument(path));
-    QCOMPARE(document != nullptr, opens);
-    QCOMPARE(layer.calls,
-             lines(expected.replace(QLatin1String("PATH"), path).toUtf8().constData()));
+    if (verb == QLatin1String("new")) {
+        application.newDocument(path);
+    } else if (verb == QLatin1String("open")) {
+        application.openDocument(path);
+    } else if (verb == QLatin1String("close")) {
+        application.closeDocument();
+    } else {
+        old.release();
+        application.setActivateDocument(other.get());
+    }
+    QCOMPARE(layer.calls, lines(expected.toUtf8().constData()));
+
+    if (application.activateDocument() != old.get() &&
+        application.activateDocument() != other.get())
+        delete application.activateDocument();
     Application::destruct();
 }
 

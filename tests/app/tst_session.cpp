@@ -6,6 +6,8 @@
 #include <ovcore/ConsoleSingleton.h>
 #include <ovdoc/Document.h>
 #include <ovdoc/Storage.h>
+#include <registries/ExtendPluginInfo.h>
+#include <registries/ExtendPluginRegistry.h>
 #include <system/ExecutionState.h>
 
 #include <QSettings>
@@ -65,7 +67,8 @@ void tst_session::logFile()
         QCOMPARE(linesOf(log), written);
         Core::Settings::instance().setApplicationDirPath(QFileInfo(log).path());
         Application::init();
-        QCOMPARE(linesOf(log).size(), written.size() + 1);
+        Application::attachObservers();
+        QCOMPARE(linesOf(log).size(), written.size() + 2);
     }
     QCOMPARE(written, QByteArrayList({"Application::attachObservers.",
                                       "Application::doAppStartFinished:: application started.",
@@ -119,16 +122,24 @@ void tst_session::keepsAwake()
 
 void tst_session::startsAgainAfresh()
 {
+    struct Description : App::ExtendPluginInfo
+    {
+        QString description() const override { return QString(); }
+        int supportedBoardTypes() const override { return 1; }
+    };
     {
         const Session session("[Board]\ntype=6\n");
         QCOMPARE(Core::BoardEthDescHandler::instance()->currentBoardEthDescType(), 6);
         Core::BoardEthDescHandler::instance()->setCurrentBoardEthDescType(8);
+        Description description;
+        App::ExtendPluginRegistry::instance().registerExtendInfo(&description);
         session.application().newDocument(session.path(QStringLiteral("left.ovdoc")));
         delete session.application().activateDocument();
     }
     QVERIFY(!Core::BoardEthDescHandler::instance());
-    const Session session;
+    const Session session("[Board]\ntype=left\n");
     QCOMPARE(Core::BoardEthDescHandler::instance()->currentBoardEthDescType(), 1);
+    QCOMPARE(App::ExtendPluginRegistry::instance().count(), 0);
     QVERIFY(!session.application().activateDocument());
     QVERIFY(!Core::Settings::instance().runValue(QStringLiteral("File/Document")).isValid());
 }
