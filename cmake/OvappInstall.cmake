@@ -1,4 +1,4 @@
-# The CMake package: find_package(ovapp CONFIG) gives ovapp::ovapp.
+# The CMake package: find_package(ovapp CONFIG) gives ovapp::ovapp and ovapp_add_plugin.
 include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/ovapp)
@@ -8,5 +8,6 @@ configure_package_config_file(cmake/ovappConfig.cmake.in ${PROJECT_BINARY_DIR}/o
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/ovappConfigVersion.cmake
     COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/ovappConfig.cmake ${PROJECT_BINARY_DIR}/ovappConfigVersion.cmake
+    cmake/OvappPlugin.cmake
     DESTINATION ${package_dir})
 install(EXPORT ovappTargets NAMESPACE ovapp:: DESTINATION ${package_dir})

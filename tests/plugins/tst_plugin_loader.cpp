@@ -1,0 +1,237 @@
+#include "PluginFixture.h"
+
+#include <plugins/ExtendPluginInterface.h>
+
+#include <QtTest>
+
+#include <climits>
+#include <optional>
+
+using App::PluginLoader;
+using Verdict = PluginLoader::Verdict;
+Q_DECLARE_METATYPE(Verdict)
+
+/// Has all that a plug-in has, but does not say so.
+class Undeclared : public QObject, public App::ExtendPluginInterface
+{
+    Q_OBJECT
+
+public:
+    quint64 pluginID() const override { return 1; }
+    int supportedBoardTypes() const override { return 2; }
+    void start() override {}
+    void stop() override {}
+    App::PluginInfo pluginInfo() const override { return App::PluginInfo(); }
+};
+
+class tst_plugin_loader : public QObject
+{
+    Q_OBJECT
+
+    const QString a = QStringLiteral("PluginA");
+    const QString b = QStringLiteral("PluginB");
+    const QString c = QStringLiteral("PluginC");
+    std::optional<PluginFixture> _fixture;
+
+    /// "P x", "P y" for the plug-in P and "x y".
+    static QStringList calls(const QString& plugin, const char* names)
+    {
+        QStringList all;
+        for (const QString& name : QString::fromLatin1(names).split(u' '))
+            all += plugin + u' ' + name;
+        return all;
+    }
+
+    static QStringList names()
+    {
+        QStringList all;
+        for (int i = 0; i < 4; ++i)
+            all += PluginLoader::pluginInfoOf(i).get(QStringLiteral("Name")).toString();
+        return all;
+    }
+
+    void writeThree() const
+    {
+        QVERIFY(_fixture->write(QStringLiteral("A.dll"), PluginFixture::built(a)));
+        QVERIFY(_fixture->write(QStringLiteral("b.dll"), PluginFixture::built(b)));
+        QVERIFY(_fixture->write(QStringLiteral("sub/C.dll"), PluginFixture::built(c)));
+    }
+
+private Q_SLOTS:
+    void init() { _fixture.emplace(); }
+    void cleanup() { _fixture.reset(); }
+
+    void scansInOrder()
+    {
+        for (const char* name : {"b.dll", "A.dll", "X.DLL", "_.dll", "notes.txt", "dll",
+                                 "old.dll.bak", ".hidden.dll", ".hidden/d.dll", "Sub2/y.dLl",
+                                 "sub/c.dll", "sub/de/e/p.dll", "dir.dll/in.dll", "real/r.dll"})
+            QVERIFY(_fixture->write(QString::fromLatin1(name)));
+        // Links to a directory above, to one that the scan would come to later, and to one outside.
+        const QString plugins = _fixture->plugin(QString());
+        QVERIFY(QFile::link(plugins, plugins + QStringLiteral("sub/loop")));
+        QVERIFY(QFile::link(plugins + QStringLiteral("real"), plugins + QStringLiteral("link")));
+        QVERIFY(QDir().mkdir(_fixture->path(QStringLiteral("outside"))));
+        QVERIFY(QFile::link(_fixture->path(QStringLiteral("outside")),
+                            plugins + QStringLiteral("zone")));
+        QVERIFY(_fixture->write(QStringLiteral("zone/z.dll")));
+
+        QStringList expected;
+        for (const char* name : {"_.dll", "A.dll", "b.dll", "X.DLL", "dir.dll/in.dll", "link/r.dll",
+                                 "sub/c.dll", "sub/de/e/p.dll", "Sub2/y.dLl", "zone/z.dll"})
+            expected += plugins + QString::fromLatin1(name);
+        QCOMPARE(PluginLoader::pluginFiles(), expected);
+    }
+
+    void scansOnce()
+    {
+        QCOMPARE(PluginLoader::pluginFiles(), QStringList());
+        QVERIFY(_fixture->write(QStringLiteral("one.dll")));
+        const QStringList one = PluginLoader::pluginFiles();
+        QCOMPARE(one.size(), 1);
+        QVERIFY(_fixture->write(QStringLiteral("another.dll")));
+        QCOMPARE(PluginLoader::pluginFiles(), one);
+        PluginLoader::loadPlugins(true);
+        QCOMPARE(PluginLoader::pluginCount(), 2);
+
+        Core::Settings::instance().setPluginDirPath(_fixture->path(QStringLiteral("missing")));
+        QVERIFY(PluginLoader::pluginsPath().isEmpty());
+        PluginLoader::loadPlugins(true);
+        QCOMPARE(PluginLoader::pluginFiles(), QStringList());
+    }
+
+    void judges_data()
+    {
+        QTest::addColumn<int>("boardTypes");
+        QTest::addColumn<int>("board");
+        QTest::addColumn<quint64>("id");
+        QTest::addColumn<Verdict>("verdict");
+        QTest::newRow("one of two bits") << 6 << 2 << quint64(1) << Verdict::Accepted;
+        QTest::newRow("highest bits") << INT_MIN << -1 << (quint64(1) << 63) << Verdict::Accepted;
+        QTest::newRow("other bit") << 4 << 2 << quint64(1) << Verdict::OtherBoard;
+        QTest::newRow("no bit") << 0 << -1 << quint64(1) << Verdict::OtherBoard;
+        QTest::newRow("no board") << -1 << 0 << quint64(1) << Verdict::OtherBoard;
+        QTest::newRow("both wrong") << 4 << 2 << quint64(0) << Verdict::OtherBoard;
+        QTest::newRow("identifier 0") << 2 << 2 << quint64(0) << Verdict::NoIdentifier;
+    }
+    void judges()
+    {
+        QFETCH(int, boardTypes);
+        QFETCH(int, board);
+        QFETCH(quint64, id);
+        QFETCH(Verdict, verdict);
+        Core::BoardEthDescHandler::instance()->setCurrentBoardEthDescType(board);
+        RecordingPlugin plugin(QStringLiteral("P"), id, boardTypes);
+
+        const char* asked = verdict == Verdict::OtherBoard ? "boards" : "boards id";
+        QCOMPARE(PluginLoader::verdictOn(&plugin), verdict);
+        QCOMPARE(RecordingPlugin::takeCalls(), calls(QStringLiteral("P"), asked));
+        QCOMPARE(names().first(), QString());
+
+        const bool isAccepted = verdict == Verdict::Accepted;
+        QCOMPARE(PluginLoader::loadPlugin(&plugin, true, QString()), isAccepted);
+        QCOMPARE(RecordingPlugin::takeCalls(),
+                 calls(QStringLiteral("P"), isAccepted ? "boards id info start" : asked));
+        QCOMPARE(names().first(), QString(isAccepted ? QStringLiteral("P") : QString()));
+    }
+
+    void judgesOtherObjects()
+    {
+        QObject bare;
+        Undeclared undeclared;
+        QCOMPARE(PluginLoader::verdictOn(nullptr), Verdict::NoPlugin);
+        QCOMPARE(PluginLoader::verdictOn(&bare), Verdict::NoInterface);
+        QCOMPARE(PluginLoader::verdictOn(&undeclared), Verdict::NoInterface);
+        QVERIFY(!PluginLoader::loadPlugin(nullptr, true, QString()));
+        PluginLoader::unloadPlugin(static_cast<QObject*>(nullptr));
+        PluginLoader::unloadPlugin(&bare);
+        QVERIFY(undeclared.optionalFlag() && undeclared.optionalText().isEmpty());
+        QVERIFY(undeclared.isActive() && !undeclared.needSaveDocBeforeStart());
+
+        RecordingPlugin plugin(QStringLiteral("P"), 1, -1);
+        PluginLoader::unloadPlugin(&plugin);
+        QCOMPARE(RecordingPlugin::takeCalls(), calls(QStringLiteral("P"), "stop"));
+        Core::BoardEthDescHandler::destruct();
+        QCOMPARE(PluginLoader::verdictOn(&plugin), Verdict::OtherBoard);
+    }
+
+    void loadsAndUnloadsInOrder()
+    {
+        const QString board = QStringLiteral("PluginOfOtherBoard");
+        const QString noIdentifier = QStringLiteral("PluginWithoutIdentifier");
+        writeThree();
+        QVERIFY(_fixture->write(QStringLiteral("a1.dll"), PluginFixture::built(board)));
+        QVERIFY(_fixture->write(QStringLiteral("b1.dll"),
+                                PluginFixture::built(QStringLiteral("OtherInterface"))));
+        QVERIFY(_fixture->write(QStringLiteral("sub/d.dll"), PluginFixture::built(noIdentifier)));
+
+        PluginLoader::loadPlugins(true);
+        QCOMPARE(RecordingPlugin::takeCalls(),
+                 calls(a, "boards id info start") + calls(board, "boards destroy") +
+                     calls(b, "boards id info start") + calls(c, "boards id info start") +
+                     calls(noIdentifier, "boards id destroy"));
+        for (const char* name : {"b.dll", "A.dll", "b1.dll", "sub/d.dll", "missing.dll"})
+            PluginLoader::unloadPlugin(_fixture->plugin(QString::fromLatin1(name)));
+        QCOMPARE(RecordingPlugin::takeCalls(), QStringList());
+        PluginLoader::unloadPlugin(_fixture->plugin(QStringLiteral("sub/../sub/C.dll")));
+        QCOMPARE(RecordingPlugin::takeCalls(), calls(c, "stop destroy"));
+        PluginLoader::unloadPlugin(_fixture->plugin(QStringLiteral("b.dll")));
+        QCOMPARE(RecordingPlugin::takeCalls(), calls(b, "stop destroy"));
+        PluginLoader::unloadPlugins();
+        QCOMPARE(RecordingPlugin::takeCalls(), calls(a, "stop destroy"));
+
+        QCOMPARE(PluginLoader::pluginCount(), 6);
+        QCOMPARE(names(), QStringList({a, b, c, QString()}));
+        for (const int index : {-1, 3, 6})
+            QCOMPARE(PluginLoader::pluginInfoOf(index).keys(),
+                     QStringList{QStringLiteral("QtVersion")});
+    }
+
+    void loadsTwice()
+    {
+        writeThree();
+        const char* taken = "boards id info";
+        PluginLoader::loadPlugins(false);
+        QCOMPARE(RecordingPlugin::takeCalls(), calls(a, taken) + calls(b, taken) + calls(c, taken));
+        PluginLoader::loadPlugins(true);
+        taken = "boards id info start";
+        QCOMPARE(RecordingPlugin::takeCalls(), calls(a, taken) + calls(b, taken) + calls(c, taken));
+        QCOMPARE(names(), QStringList({a, b, c, QString()}));
+
+        // While the file of the last one is gone, none can be unloaded. Each is loaded twice over,
+        // and gone only with the second.
+        const QString file = _fixture->plugin(QStringLiteral("sub/C.dll"));
+        QVERIFY(QFile::rename(file, file + u'~'));
+        PluginLoader::unloadPlugins();
+        QCOMPARE(RecordingPlugin::takeCalls(), QStringList());
+        QVERIFY(QFile::rename(file + u'~', file));
+        for (const char* ended : {"stop", "stop destroy"}) {
+            PluginLoader::unloadPlugins();
+            QCOMPARE(RecordingPlugin::takeCalls(),
+                     calls(c, ended) + calls(b, ended) + calls(a, ended));
+        }
+    }
+
+    void keepsIDValue()
+    {
+        const auto runValue = [] {
+            return Core::Settings::instance().runValue(QStringLiteral("PluginIDValue"));
+        };
+        QVERIFY(!PluginLoader::writePluginIDValue(0));
+        PluginLoader::initPluginIDValue();
+        QVERIFY(PluginLoader::writePluginIDValue(ULLONG_MAX));
+        QVERIFY(!PluginLoader::writePluginIDValue(ULLONG_MAX));
+        QCOMPARE(runValue(), QVariant(0ULL));
+
+        Core::Settings::destruct();
+        Core::Settings::instance().setApplicationDirPath(_fixture->path(QString()));
+        Core::Settings::instance().init();
+        PluginLoader::initPluginIDValue();
+        QCOMPARE(runValue(), QVariant(ULLONG_MAX));
+        Core::Settings::instance().setValue(QStringLiteral("Plugin/value"), QStringLiteral("many"));
+        QCOMPARE(PluginLoader::readPluginIDValue(), 0ULL);
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_plugin_loader)
+#include "tst_plugin_loader.moc"

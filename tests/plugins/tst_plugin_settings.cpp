@@ -1,0 +1,194 @@
+#include <ovcore/Settings.h>
+#include <plugins/PluginBaseSettings.h>
+
+#include <QProcess>
+#include <QSettings>
+#include <QtTest>
+
+#include <cstdio>
+#include <optional>
+
+using App::PluginBaseSettings;
+
+static const QString marker = QStringLiteral("Marker");
+static const QString key = QStringLiteral("Laser/speed");
+
+/// What the child process does: counts in its settings, and tells each number once it is stored.
+[[noreturn]] static void count(const QString& applicationDirPath)
+{
+    Core::Settings::instance().setApplicationDirPath(applicationDirPath);
+    PluginBaseSettings settings(marker);
+    for (int i = 1;; ++i) {
+        settings.setValue(key, i);
+        std::printf("%d\n", i);
+        std::fflush(stdout);
+    }
+}
+
+class tst_plugin_settings : public QObject
+{
+    Q_OBJECT
+
+    std::optional<QTemporaryDir> _directory;
+
+    QString path(const QString& name) const { return QDir(_directory->path()).filePath(name); }
+    QByteArray contentOf(const QString& name) const
+    {
+        QFile file(path(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        _directory.emplace();
+        Core::Settings::instance().setApplicationDirPath(_directory->path());
+    }
+    void cleanup() { Core::Settings::destruct(); }
+
+    void namesItsFiles_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("ini");
+        QTest::addColumn<QString>("config");
+        QTest::newRow("name") << marker << QStringLiteral("Marker/Marker.ini")
+                              << QStringLiteral("Marker/Marker.cfg");
+        QTest::newRow("empty") << QString() << QStringLiteral(".ini") << QStringLiteral(".cfg");
+        QTest::newRow("missing parent")
+            << QStringLiteral("x/y") << QString() << QStringLiteral("x/y/x/y.cfg");
+    }
+    void namesItsFiles()
+    {
+        QFETCH(QString, name);
+        QFETCH(QString, ini);
+        QFETCH(QString, config);
+        for (const int value : {1, 2}) {
+            PluginBaseSettings settings(name);
+            QCOMPARE(settings.workingDirPath(), path(name));
+            QCOMPARE(settings.defaultConfigPath(), path(config));
+            QCOMPARE(settings.value(key, 1), QVariant(1));
+            settings.setValue(key, value);
+            QCOMPARE(QFile::exists(path(name)), !ini.isEmpty());
+            QCOMPARE(contentOf(ini).contains("speed=" + QByteArray::number(value)), !ini.isEmpty());
+        }
+    }
+
+    void keepsRunValuesApart()
+    {
+        PluginBaseSettings settings(marker);
+        settings.setRunValue(key, 1);
+        QCOMPARE(settings.value(key, 7), QVariant(7));
+        settings.setValue(key, 2);
+        QCOMPARE(settings.runValue(key), QVariant(1));
+        QVERIFY(!PluginBaseSettings(marker).hasRunValue(key));
+
+        QFile config(settings.defaultConfigPath());
+        QVERIFY(config.open(QIODevice::WriteOnly));
+        config.close();
+        for (int i = 0; i < 2; ++i) {
+            settings.resetParams();
+            QVERIFY(!config.exists());
+            QVERIFY(QFile::exists(path(QStringLiteral("Marker/Marker.ini"))));
+            QVERIFY(contentOf(QStringLiteral("Marker/Marker.ini")).trimmed().isEmpty());
+            QVERIFY(settings.hasRunValue(key));
+        }
+        settings.removeRunValue(key);
+        QVERIFY(!settings.hasRunValue(key) && !settings.runValue(key).isValid());
+    }
+
+    void copies()
+    {
+        std::optional<PluginBaseSettings> source(marker);
+        source->setRunValue(key, 1);
+        source->qSettings().setValue(key, 2);
+        PluginBaseSettings copy(*source);
+        PluginBaseSettings assigned(QStringLiteral("Other"));
+        assigned.qSettings().setValue(key, 3);
+        assigned = *source;
+        QVERIFY(contentOf(QStringLiteral("Other/Other.ini")).contains("speed=3"));
+        source->removeRunValue(key);
+        source.reset();
+
+        int value = 2;
+        for (PluginBaseSettings* settings : {&copy, &assigned}) {
+            const PluginBaseSettings& itself = *settings;
+            *settings = itself;
+            QCOMPARE(settings->runValue(key), QVariant(1));
+            QCOMPARE(settings->workingDirPath(), path(marker));
+            QCOMPARE(settings->value(key).toInt(), value);
+            settings->setValue(key, ++value);
+            QVERIFY(contentOf(QStringLiteral("Marker/Marker.ini"))
+                        .contains("speed=" + QByteArray::number(value)));
+        }
+    }
+
+    void worksWithoutDirectory()
+    {
+        QFile obstacle(path(marker));
+        QVERIFY(obstacle.open(QIODevice::WriteOnly));
+        {
+            PluginBaseSettings settings(marker);
+            const PluginBaseSettings copiedBefore(settings);
+            QCOMPARE(settings.value(key, 1), QVariant(1));
+            settings.setValue(key, 2);
+            QCOMPARE(PluginBaseSettings(copiedBefore).value(key), QVariant(2));
+            QCOMPARE(PluginBaseSettings(settings).value(key), QVariant(2));
+            settings.resetParams();
+            QCOMPARE(settings.value(key, 1), QVariant(1));
+            settings.setValue(key, 3);
+        }
+        QCOMPARE(PluginBaseSettings(marker).value(key, 1), QVariant(1));
+        QCOMPARE(QDir(_directory->path())
+                     .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+                 QStringList{marker});
+        QCOMPARE(obstacle.size(), 0);
+    }
+
+    void survivesBeingKilled()
+    {
+        // Enough beside the counter for a half-written file to show.
+        const QByteArray bulk(50000, 'x');
+        for (int round = 0; round < 20; ++round) {
+            // Elsewhere each time: Qt waits half a minute for the lock of a writer that was killed
+            // before it had put its name to it.
+            const QString directory = path(QString::number(round));
+            QVERIFY(QDir().mkdir(directory));
+            Core::Settings::instance().setApplicationDirPath(directory);
+            PluginBaseSettings(marker).setValue(QStringLiteral("bulk"), bulk);
+
+            QProcess child;
+            child.start(QCoreApplication::applicationFilePath(),
+                        {QStringLiteral("--count"), directory}, QIODevice::ReadOnly);
+            int last = 0;
+            // The moment varies, so that the end comes at any point of a call.
+            while (last < 20 + 3 * round) {
+                QVERIFY(child.waitForReadyRead(20000));
+                while (child.canReadLine())
+                    last = child.readLine().toInt();
+            }
+            QTest::qSleep(1 + round % 5);
+            child.kill();
+            QVERIFY(child.waitForFinished());
+            while (child.canReadLine())
+                last = child.readLine().toInt();
+
+            PluginBaseSettings settings(marker);
+            const int stored = settings.value(key).toInt();
+            QVERIFY2(stored == last || stored == last + 1,
+                     qPrintable(QStringLiteral("%1 after %2").arg(stored).arg(last)));
+            QCOMPARE(settings.qSettings().status(), QSettings::NoError);
+            QCOMPARE(settings.value(QStringLiteral("bulk")).toByteArray(), bulk);
+        }
+    }
+};
+
+int main(int argc, char* argv[])
+{
+    QCoreApplication application(argc, argv);
+    if (QCoreApplication::arguments().value(1) == QLatin1String("--count"))
+        count(QCoreApplication::arguments().value(2));
+    tst_plugin_settings test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_plugin_settings.moc"
