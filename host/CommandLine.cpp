@@ -1,6 +1,7 @@
 #include "CommandLine.h"
 
 #include "NetworkCommands.h"
+#include "PluginsCommand.h"
 #include "RunCommand.h"
 
 #include <QCommandLineParser>
@@ -26,6 +27,8 @@ struct Command
 
 constexpr Command commands[] = {
     {QLatin1String("run"), QLatin1String("run a whole session and print what happens in it"), run},
+    {QLatin1String("plugins"), QLatin1String("list the plug-in files and what becomes of them"),
+     plugins},
     {QLatin1String("ping"), QLatin1String("see whether a host answers"), ping},
     {QLatin1String("trace"), QLatin1String("trace the route to a host"), trace},
 };
@@ -88,6 +91,14 @@ std::optional<int> parse(QCommandLineParser& parser, const QStringList& argument
     if (!parsed)
         return fail(BadUsage, parser.errorText());
     return std::nullopt;
+}
+
+std::optional<int> noArguments(const QCommandLineParser& parser)
+{
+    if (parser.positionalArguments().isEmpty())
+        return std::nullopt;
+    return fail(BadUsage, QStringLiteral("%1 is no option, and nothing else is taken")
+                              .arg(quoted(parser.positionalArguments().first())));
 }
 
 int fail(ExitStatus status, const QString& message)

@@ -25,6 +25,10 @@ int runCommand(const QStringList& arguments);
 /// Returns the status to end with if that is all: after --help, --version and wrong usage.
 std::optional<int> parse(QCommandLineParser& parser, const QStringList& arguments);
 
+/// Returns the status to end with if a command that takes none was given other arguments than
+/// options.
+std::optional<int> noArguments(const QCommandLineParser& parser);
+
 /// Says on standard error what is wrong, and returns the status to end with. Control characters in
 /// the message are escaped, so that it stays one line.
 int fail(ExitStatus status, const QString& message);

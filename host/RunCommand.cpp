@@ -5,92 +5,39 @@
 #include "HeartbeatChannel.h"
 #include "Report.h"
 #include "SessionListener.h"
+#include "SessionOptions.h"
 #include "SessionReceiver.h"
 
 #include <app/Application.h>
 #include <events/SwitchScreenLayoutEvent.h>
 #include <ovcore/BoardEthDescHandler.h>
 #include <ovcore/ConsoleSingleton.h>
-#include <ovcore/Settings.h>
 #include <ovdoc/DocObject.h>
 #include <ovdoc/Document.h>
 #include <ovdoc/Storage.h>
 #include <ovdoc/Transaction.h>
+#include <plugins/PluginLoader.h>
 #include <registries/CommInfoRegistry.h>
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QDir>
 #include <QEventLoop>
-#include <QSettings>
+#include <QPluginLoader>
 #include <QTimer>
 
 namespace Host {
 
 namespace {
 
-struct Options
-{
-    QString document;
-    QString applicationDir;
-    std::optional<int> boardType;
-};
+/// Who the report says it was.
+const QString host = QStringLiteral("host");
 
 QString sampleDocument()
 {
     const QDir samples(QCoreApplication::applicationDirPath() + QLatin1Char('/') +
                        QLatin1String(OVAPP_SAMPLES_PATH));
     return QDir::cleanPath(samples.filePath(QStringLiteral("documents/coaster.ovdoc")));
-}
-
-/// Fills `options`, or returns the status to end with.
-std::optional<int> read(const QStringList& arguments, Options& options)
-{
-    QCommandLineParser parser;
-    parser.setApplicationDescription(
-        QStringLiteral("Runs a whole session on a document and prints what happens in it. The "
-                       "document's file is not changed."));
-    const QCommandLineOption document(QStringLiteral("document"),
-                                      QStringLiteral("The document to open; a sample by default."),
-                                      QStringLiteral("FILE"), sampleDocument());
-    const QCommandLineOption applicationDir(
-        QStringLiteral("app-dir"),
-        QStringLiteral("Where settings and log are kept; the executable's directory by default."),
-        QStringLiteral("DIR"));
-    const QCommandLineOption board(
-        QStringLiteral("board"),
-        QStringLiteral("The type of the control board; the setting \"Board/type\" by default."),
-        QStringLiteral("TYPE"));
-    parser.addOptions({document, applicationDir, board});
-    if (const std::optional<int> status = parse(parser, arguments))
-        return status;
-
-    if (!parser.positionalArguments().isEmpty()) {
-        return fail(BadUsage, QStringLiteral("run takes no argument %1; a document is given with "
-                                             "--document")
-                                  .arg(quoted(parser.positionalArguments().first())));
-    }
-    options.document = parser.value(document);
-    options.applicationDir = parser.value(applicationDir);
-    if (parser.isSet(board)) {
-        bool isNumber = false;
-        options.boardType = parser.value(board).toInt(&isNumber);
-        if (!isNumber) {
-            return fail(BadUsage, QStringLiteral("--board: %1 is no 32-bit whole number")
-                                      .arg(quoted(parser.value(board))));
-        }
-    }
-    return std::nullopt;
-}
-
-void warnIfSettingsCannotBeKept()
-{
-    const QDir directory(Core::Settings::instance().applicationDirPath());
-    const QSettings store(directory.filePath(QStringLiteral("ovapp.ini")), QSettings::IniFormat);
-    if (!store.isWritable()) {
-        warn(QStringLiteral("%1 cannot be written: settings will be lost")
-                 .arg(quoted(store.fileName())));
-    }
 }
 
 /// One piece more is finished, which is told to listeners of every kind that a change concerns,
@@ -108,7 +55,6 @@ void changeDocument(Doc::Document* document, SessionReceiver& receiver)
     application.notifyPropertyListeners(document, true, counts.finishedCount());
     application.notifyObjectListListener(document);
     application.notifySelectionListeners(document);
-    application.notifyPluginStateChangeListener(0);
 
     constexpr int everyObjectType = -1;
     application.postTransactionEvent(transaction, true, everyObjectType, &receiver);
@@ -118,7 +64,7 @@ void changeDocument(Doc::Document* document, SessionReceiver& receiver)
                        Core::BoardEthDescHandler::instance()->currentBoardEthDescType()));
 }
 
-void runChannel(Report& report)
+void runChannels(Report& report)
 {
     App::CommInfoRegistry& channels = *App::CommInfoRegistry::instance();
     HeartbeatChannel heartbeat(report);
@@ -137,40 +83,66 @@ int cannotOpen(const QString& path)
                 QStringLiteral("cannot open %1: %2").arg(quoted(path), documentProblem(path)));
 }
 
-/// What an executable does between start-up and shutdown.
-int useApplication(const Options& options, Report& report)
+/// Opens the document, changes it, reverts it and closes it.
+int useDocument(const QString& path, SessionReceiver& receiver, Report& report)
 {
-    const auto host = [&report](const QString& what) { report.line(QStringLiteral("host"), what); };
     App::Application& application = App::Application::instance();
+    report.line(host, QStringLiteral("opens the document"));
+    Doc::Document* document = application.openDocument(path);
+    if (!document)
+        return cannotOpen(path);
+
+    report.line(host, QStringLiteral("changes the document, notifies and posts"));
+    changeDocument(document, receiver);
+    report.line(host, QStringLiteral("runs the event loop"));
+    QCoreApplication::processEvents();
+
+    report.line(host, QStringLiteral("starts and stops the channels"));
+    runChannels(report);
+
+    report.line(host, QStringLiteral("reverts the document: activates it as it is on disk"));
+    int status = Success;
+    auto onDisk = std::make_unique<Doc::Document>(new Doc::Storage);
+    if (onDisk->open(path))
+        application.setActivateDocument(onDisk.release());
+    else
+        status = cannotOpen(path);
+
+    report.line(host, QStringLiteral("closes the document"));
+    application.closeDocument();
+    return status;
+}
+
+void loadPlugins(Report& report)
+{
+    using App::PluginLoader;
+    report.line(host, QStringLiteral("loads and starts the plug-ins"));
+    PluginLoader::initPluginIDValue();
+    PluginLoader::loadPlugins(true);
+    const QDir directory(PluginLoader::pluginsPath());
+    for (const QString& file : PluginLoader::pluginFiles()) {
+        report.line(host, directory.relativeFilePath(file) +
+                              (QPluginLoader(file).isLoaded()
+                                   ? QStringLiteral(" is accepted")
+                                   : QStringLiteral(" is refused; ovapp-host plugins says why")));
+    }
+    App::Application::instance().notifyPluginStateChangeListener(PluginLoader::pluginCount());
+}
+
+/// What an executable does between start-up and shutdown.
+int useApplication(const QString& document, Report& report)
+{
     SessionListener listener(report);
     SessionReceiver receiver(report);
     QCoreApplication::instance()->installEventFilter(&receiver);
-    host(QStringLiteral("has completed its own start-up"));
-    application.doAppStartFinished();
+    loadPlugins(report);
+    report.line(host, QStringLiteral("has completed its own start-up"));
+    App::Application::instance().doAppStartFinished();
 
-    host(QStringLiteral("opens the document"));
-    Doc::Document* document = application.openDocument(options.document);
-    if (!document)
-        return cannotOpen(options.document);
+    const int status = useDocument(document, receiver, report);
 
-    host(QStringLiteral("changes the document, notifies and posts"));
-    changeDocument(document, receiver);
-    host(QStringLiteral("runs the event loop"));
-    QCoreApplication::processEvents();
-
-    host(QStringLiteral("starts and stops the channels"));
-    runChannel(report);
-
-    host(QStringLiteral("reverts the document: activates it as it is on disk"));
-    int status = Success;
-    auto onDisk = std::make_unique<Doc::Document>(new Doc::Storage);
-    if (onDisk->open(options.document))
-        application.setActivateDocument(onDisk.release());
-    else
-        status = cannotOpen(options.document);
-
-    host(QStringLiteral("closes the document"));
-    application.closeDocument();
+    report.line(host, QStringLiteral("stops and unloads the plug-ins"));
+    App::PluginLoader::unloadPlugins();
     return status;
 }
 
@@ -178,26 +150,30 @@ int useApplication(const Options& options, Report& report)
 
 int run(const QStringList& arguments)
 {
-    Options options;
-    if (const std::optional<int> status = read(arguments, options))
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        QStringLiteral("Runs a whole session on a document and prints what happens in it. The "
+                       "document's file is not changed."));
+    const QCommandLineOption document(QStringLiteral("document"),
+                                      QStringLiteral("The document to open; a sample by default."),
+                                      QStringLiteral("FILE"), sampleDocument());
+    parser.addOption(document);
+    SessionOptions options(parser);
+    if (const std::optional<int> status = parse(parser, arguments))
+        return *status;
+    if (const std::optional<int> status = noArguments(parser))
+        return *status;
+    if (const std::optional<int> status = options.read(parser))
         return *status;
 
     Report report;
     Core::ConsoleSingleton::instance().attachObserver(&report);
-    if (!options.applicationDir.isEmpty()) {
-        QDir().mkpath(options.applicationDir);
-        Core::Settings::instance().setApplicationDirPath(options.applicationDir);
-    }
+    report.line(host, QStringLiteral("starts the library"));
+    options.startLibrary();
 
-    report.line(QStringLiteral("host"), QStringLiteral("starts the library"));
-    App::Application::init();
-    warnIfSettingsCannotBeKept();
-    if (options.boardType)
-        Core::BoardEthDescHandler::instance()->setCurrentBoardEthDescType(*options.boardType);
+    const int status = useApplication(parser.value(document), report);
 
-    const int status = useApplication(options, report);
-
-    report.line(QStringLiteral("host"), QStringLiteral("stops the library"));
+    report.line(host, QStringLiteral("stops the library"));
     App::Application::destruct();
     Core::ConsoleSingleton::instance().detachObserver(&report);
     return status;

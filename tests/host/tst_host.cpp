@@ -81,9 +81,12 @@ void tst_host::session()
 {
     const QString document = _directory.filePath(QStringLiteral("coaster.ovdoc"));
     QVERIFY(QFile::copy(QStringLiteral(OVAPP_SAMPLES "/documents/coaster.ovdoc"), document));
-    const Outcome outcome = runHost({QStringLiteral("run"), QStringLiteral("--app-dir"),
-                                     _directory.path(), QStringLiteral("--board"),
-                                     QStringLiteral("4"), QStringLiteral("--document"), document});
+    // Plug-ins have a test of their own.
+    const QTemporaryDir noPlugins;
+    const Outcome outcome = runHost(words("run --board 4 --app-dir %1 --plugins %2 --document %3")
+                                        .replaceInStrings(QStringLiteral("%1"), _directory.path())
+                                        .replaceInStrings(QStringLiteral("%2"), noPlugins.path())
+                                        .replaceInStrings(QStringLiteral("%3"), document));
     QCOMPARE(outcome.errors, QStringList());
     QCOMPARE(outcome.status, 0);
 
@@ -100,6 +103,8 @@ void tst_host::session()
     QVERIFY(events.size() < outcome.output.size());
     const QString expected = QStringLiteral(R"(host: starts the library
 log: Application::attachObservers.
+host: loads and starts the plug-ins
+plug-in-state listener: state 0
 host: has completed its own start-up
 start-finish listener: start-up is complete
 log: Application::doAppStartFinished:: application started.
@@ -110,7 +115,6 @@ transaction listener: "Finish a piece" in: coaster.ovdoc, 13 of 250 finished
 property listener: flag true, value 13, in: coaster.ovdoc, 13 of 250 finished
 object-list listener: changed in: coaster.ovdoc, 13 of 250 finished
 selection listener: changed in: coaster.ovdoc, 13 of 250 finished
-plug-in-state listener: state 0
 host: runs the event loop
 receiver: receives the transaction "Finish a piece", changes only, object types -1
 QCoreApplication: receives a change of the selection
@@ -124,6 +128,7 @@ host: reverts the document: activates it as it is on disk
 active-document listener: active now: coaster.ovdoc, 12 of 250 finished
 host: closes the document
 close-document listener: closed: coaster.ovdoc, 12 of 250 finished
+host: stops and unloads the plug-ins
 host: stops the library
 log: destruct application.)");
     QCOMPARE(events, expected.split(QLatin1Char('\n')));

@@ -1,0 +1,82 @@
+#include "SessionOptions.h"
+
+#include "CommandLine.h"
+
+#include <app/Application.h>
+#include <ovcore/BoardEthDescHandler.h>
+#include <ovcore/Settings.h>
+
+#include <QCommandLineParser>
+#include <QDir>
+#include <QSettings>
+
+namespace Host {
+
+namespace {
+
+void warnIfSettingsCannotBeKept()
+{
+    const QDir directory(Core::Settings::instance().applicationDirPath());
+    const QSettings store(directory.filePath(QStringLiteral("ovapp.ini")), QSettings::IniFormat);
+    if (!store.isWritable()) {
+        warn(QStringLiteral("%1 cannot be written: settings will be lost")
+                 .arg(quoted(store.fileName())));
+    }
+}
+
+} // namespace
+
+SessionOptions::SessionOptions(QCommandLineParser& parser)
+    : _applicationDirOption(
+          QStringLiteral("app-dir"),
+          QStringLiteral("Where settings and log are kept; the executable's directory by default."),
+          QStringLiteral("DIR")),
+      _pluginDirOption(
+          QStringLiteral("plugins"),
+          QStringLiteral("Where plug-ins are looked for; \"plugins\" beside the executable by "
+                         "default."),
+          QStringLiteral("DIR")),
+      _boardOption(
+          QStringLiteral("board"),
+          QStringLiteral("The type of the control board; the setting \"Board/type\" by default."),
+          QStringLiteral("TYPE"))
+{
+    parser.addOptions({_pluginDirOption, _boardOption, _applicationDirOption});
+}
+
+std::optional<int> SessionOptions::read(const QCommandLineParser& parser)
+{
+    _applicationDir = parser.value(_applicationDirOption);
+    if (parser.isSet(_pluginDirOption)) {
+        _pluginDir = parser.value(_pluginDirOption);
+        if (!QFileInfo(_pluginDir).isDir()) {
+            return fail(
+                BadUsage,
+                QStringLiteral("--plugins: there is no directory %1").arg(quoted(_pluginDir)));
+        }
+    }
+    if (parser.isSet(_boardOption)) {
+        bool isNumber = false;
+        _boardType = parser.value(_boardOption).toInt(&isNumber);
+        if (!isNumber) {
+            return fail(BadUsage, QStringLiteral("--board: %1 is no 32-bit whole number")
+                                      .arg(quoted(parser.value(_boardOption))));
+        }
+    }
+    return std::nullopt;
+}
+
+void SessionOptions::startLibrary() const
+{
+    if (!_applicationDir.isEmpty()) {
+        QDir().mkpath(_applicationDir);
+        Core::Settings::instance().setApplicationDirPath(_applicationDir);
+    }
+    Core::Settings::instance().setPluginDirPath(_pluginDir);
+    App::Application::init();
+    warnIfSettingsCannotBeKept();
+    if (_boardType)
+        Core::BoardEthDescHandler::instance()->setCurrentBoardEthDescType(*_boardType);
+}
+
+} // namespace Host

@@ -1,0 +1,130 @@
+#include "TriggerChannel.h"
+
+#include <app/Application.h>
+#include <ovcore/ConsoleSingleton.h>
+#include <ovdoc/DocObject.h>
+#include <ovdoc/Document.h>
+#include <ovdoc/Storage.h>
+#include <plugins/PluginBaseSettings.h>
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTcpServer>
+#include <QTcpSocket>
+
+namespace {
+
+constexpr int defaultPort = 27180;
+constexpr int maximumClients = 8;
+constexpr int maximumLineLength = 256; // bytes
+/// A client that asks on and on without reading the answers is sent away at this many bytes.
+constexpr int maximumBacklog = 64 * 1024;
+
+QByteArray line(const QJsonObject& object)
+{
+    return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
+}
+
+QByteArray error(const char* text)
+{
+    return line({{QStringLiteral("error"), QLatin1String(text)}});
+}
+
+QByteArray status()
+{
+    const Doc::Document* document = App::Application::instance().activateDocument();
+    if (!document) {
+        return line({{QStringLiteral("document"), QJsonValue()},
+                     {QStringLiteral("finished"), 0},
+                     {QStringLiteral("target"), 0}});
+    }
+    const Laser::PrintCountParams counts =
+        document->storage()->queryDocObjectDirect()->printCountData();
+    return line({{QStringLiteral("document"), document->filePath()},
+                 {QStringLiteral("finished"), counts.finishedCount()},
+                 {QStringLiteral("target"), counts.targetCount()}});
+}
+
+void sendAway(QTcpSocket* client, const QByteArray& farewell)
+{
+    client->disconnect();
+    QObject::connect(client, &QTcpSocket::disconnected, client, &QObject::deleteLater);
+    client->write(farewell);
+    client->disconnectFromHost();
+}
+
+} // namespace
+
+TriggerChannel::TriggerChannel() = default;
+
+TriggerChannel::~TriggerChannel() = default;
+
+QString TriggerChannel::name() const
+{
+    return QStringLiteral("TCP trigger");
+}
+
+void TriggerChannel::start()
+{
+    if (_server)
+        return;
+    App::PluginBaseSettings settings(QStringLiteral("TcpTrigger"));
+    const int port = settings.value(QStringLiteral("Server/port"), defaultPort).toInt();
+
+    auto server = std::make_unique<QTcpServer>();
+    Core::ConsoleSingleton& console = Core::ConsoleSingleton::instance();
+    if (port < 0 || port > 0xffff) {
+        console.warning("TriggerChannel::start: %d is no port", port);
+        return;
+    }
+    if (!server->listen(QHostAddress::LocalHost, static_cast<quint16>(port))) {
+        console.warning("TriggerChannel::start: cannot listen on port %d: %s", port,
+                        server->errorString().toLocal8Bit().constData());
+        return;
+    }
+    console.log("TriggerChannel::start: listening on port %d", int(server->serverPort()));
+    _server = std::move(server);
+    QObject::connect(_server.get(), &QTcpServer::newConnection, _server.get(), [this] {
+        while (QTcpSocket* client = _server->nextPendingConnection())
+            welcome(client);
+    });
+}
+
+void TriggerChannel::stop()
+{
+    if (!_server)
+        return;
+    _server.reset();
+    Core::ConsoleSingleton::instance().log("TriggerChannel::stop: no longer listening");
+}
+
+void TriggerChannel::welcome(QTcpSocket* client)
+{
+    if (_server->findChildren<QTcpSocket*>().size() > maximumClients) {
+        sendAway(client, error("too many clients; try again later"));
+        return;
+    }
+    QObject::connect(client, &QTcpSocket::disconnected, client, &QObject::deleteLater);
+    QObject::connect(client, &QTcpSocket::readyRead, client,
+                     [client, this] { answerLines(client); });
+}
+
+void TriggerChannel::answerLines(QTcpSocket* client)
+{
+    while (client->canReadLine()) {
+        // One byte more shows that a line is too long; two are its end.
+        const QByteArray request = client->readLine(maximumLineLength + 3).trimmed();
+        if (request.size() > maximumLineLength) {
+            sendAway(client, error("the line is too long"));
+            return;
+        }
+        client->write(request == "status" ? status()
+                                          : error("unknown request; the one there is: status"));
+        if (client->bytesToWrite() > maximumBacklog) {
+            client->abort();
+            return;
+        }
+    }
+    if (client->bytesAvailable() > maximumLineLength)
+        sendAway(client, error("the line is too long"));
+}
