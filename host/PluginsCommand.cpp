@@ -116,10 +116,14 @@ int plugins(const QStringList& arguments)
     options.startLibrary();
     const bool profiled = parser.isSet(profile);
     const Reports reports = examine(profiled);
-    if (parser.isSet(json))
+    if (parser.isSet(json)) {
         printJson(reports);
-    else
+    } else if (reports.empty()) {
+        QTextStream(stdout) << "There is no plug-in file in "
+                            << quoted(Core::Settings::instance().pluginDirPath()) << Qt::endl;
+    } else {
         printTable(reports, profiled);
+    }
     App::Application::destruct();
 
     const bool allAccepted = std::all_of(reports.begin(), reports.end(),
