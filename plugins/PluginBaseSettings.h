@@ -49,8 +49,11 @@ public:
 
     /// The run value of `key`; an invalid one when there is none.
     QVariant runValue(const QString& key) const;
+    /// Sets the run value of `key`, an invalid one too; it is never written to any file.
     void setRunValue(const QString& key, const QVariant& value);
+    /// Whether `key` has a run value, were it an invalid one.
     bool hasRunValue(const QString& key) const;
+    /// Takes the run value of `key` away, if there is one; a stored value stays.
     void removeRunValue(const QString& key);
 
     /// Removes every stored value and deletes the default configuration file; run values stay.

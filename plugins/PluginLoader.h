@@ -96,14 +96,14 @@ public:
     static PluginInfo pluginInfoOf(int index);
 
     /// The stored plug-in ID value, the setting "Plugin/value"; `defaultPluginValue` when it is not
-    /// stored, 0 when it is no such number.
+    /// stored, and 0 when it is no unsigned 64-bit number.
     static unsigned long long readPluginIDValue();
     /// Stores the plug-in ID value. Returns false, and writes nothing, when it is stored already.
     /// The run value stays as it is.
     static bool writePluginIDValue(unsigned long long value);
     /// Makes the stored plug-in ID value that of this run, the run value "PluginIDValue".
     static void initPluginIDValue();
-    /// 0.
+    /// What `readPluginIDValue` gives while nothing is stored: 0.
     static unsigned long long defaultPluginValue();
 
 private:

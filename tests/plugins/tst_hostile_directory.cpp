@@ -72,7 +72,6 @@ class tst_hostile_directory : public QObject
             write(bytes);
             write(plugin.left(64) + bytes);
             write(plugin.left(4096) + bytes + "QTMETADATA !" + bytes);
-            write(plugin.left(size).leftJustified(plugin.size(), '\0'));
         }
     }
 
@@ -104,8 +103,10 @@ private Q_SLOTS:
         const QByteArray plugin = PluginFixture::built(a);
         QVERIFY(plugin.size() > 4096);
         for (int i = 0; i < 64; ++i) {
+            const QByteArray begun = plugin.left(plugin.size() / 64 * i);
             write(plugin.left(i));
-            write(plugin.left(plugin.size() / 64 * i));
+            write(begun);
+            write(begun.leftJustified(plugin.size(), '\0'));
         }
         writeSound(PluginFixture::built(b));
         writeRandom(plugin);
