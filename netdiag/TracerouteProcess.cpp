@@ -3,11 +3,12 @@
 #include <netdiag/SystemTools.h>
 
 #include <ovcore/Settings.h>
+#include <system/DetachedProcess.h>
 
 #include <QDir>
 #include <QFile>
 #include <QFileSystemWatcher>
-#include <QProcess>
+#include <QStringList>
 
 namespace {
 
@@ -49,16 +50,12 @@ void TracerouteProcess::doTraceroute(const QString& host)
 {
     prepare();
 
-    QProcess tool;
-    tool.setProgram(QLatin1String(SystemTools::traceroute));
-    tool.setArguments(
-        {QLatin1String(SystemTools::tracerouteMaxHops), QString::number(_maxHops), host});
-    // Appending keeps the two channels, and a tool of an earlier run, from writing over each
-    // other. The channels are not merged, since that does not reach a detached process.
-    tool.setStandardOutputFile(_outputFilePath, QIODevice::Append);
-    tool.setStandardErrorFile(_outputFilePath, QIODevice::Append);
-    if (!tool.startDetached(&_toolProcessId))
-        _toolProcessId = 0;
+    // Appending keeps the tool's two channels, and a tool of an earlier run, from writing over each
+    // other.
+    _toolProcessId = System::startDetached(
+        QLatin1String(SystemTools::traceroute),
+        {QLatin1String(SystemTools::tracerouteMaxHops), QString::number(_maxHops), host},
+        _outputFilePath);
 
     _quietTimer.start();
     Q_EMIT started();
