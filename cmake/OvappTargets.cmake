@@ -34,6 +34,9 @@ function(ovapp_add_library target)
         VERSION ${PROJECT_VERSION}
         SOVERSION ${PROJECT_VERSION_MAJOR})
     target_compile_features(${target} PUBLIC cxx_std_17)
+    if(WIN32)
+        set_property(TARGET ${target} PROPERTY PREFIX "")
+    endif()
     ovapp_set_warnings(${target})
     generate_export_header(${target}
         BASE_NAME ${arg_NAME}
@@ -52,8 +55,9 @@ function(ovapp_add_library target)
 
     if(OVAPP_INSTALL)
         install(TARGETS ${target} EXPORT ovappTargets
-            RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
-            LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+            RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime
+            LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime
+                NAMELINK_COMPONENT development
             ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
             FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ovapp
             FILE_SET export_header DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ovapp)

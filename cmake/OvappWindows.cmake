@@ -1,0 +1,34 @@
+# On Windows the executables find DLLs in their own directory: those of Qt and of the compiler go
+# there too, in the build tree and in what is installed.
+
+set(compiler_dlls "")
+if(MINGW)
+    # They lie in the compiler's library directories or beside the compiler.
+    cmake_path(GET CMAKE_CXX_COMPILER PARENT_PATH compiler_dir)
+    foreach(name libgcc_s_seh-1.dll libstdc++-6.dll libwinpthread-1.dll)
+        execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${name}
+            OUTPUT_VARIABLE dll OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+        if(NOT IS_ABSOLUTE ${dll})
+            set(dll ${compiler_dir}/${name})
+        endif()
+        if(NOT EXISTS ${dll})
+            message(FATAL_ERROR "The compiler has no ${name}")
+        endif()
+        list(APPEND compiler_dlls ${dll})
+    endforeach()
+endif()
+
+set(copied_dlls $<TARGET_FILE:Qt5::Core> ${compiler_dlls})
+if(OVAPP_BUILD_TESTS)
+    find_package(Qt5 5.15 REQUIRED COMPONENTS Test)
+    list(APPEND copied_dlls $<TARGET_FILE:Qt5::Test>)
+endif()
+add_custom_target(runtime_dlls ALL
+    COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}
+    COMMAND ${CMAKE_COMMAND} -E copy_if_different ${copied_dlls} ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}
+    VERBATIM)
+
+if(OVAPP_INSTALL)
+    install(FILES $<TARGET_FILE:Qt5::Core> ${compiler_dlls}
+        DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
+endif()
