@@ -11,3 +11,12 @@ install(FILES ${PROJECT_BINARY_DIR}/ovappConfig.cmake ${PROJECT_BINARY_DIR}/ovap
     cmake/OvappPlugin.cmake
     DESTINATION ${package_dir})
 install(EXPORT ovappTargets NAMESPACE ovapp:: DESTINATION ${package_dir})
+
+# `cpack` packs what is needed to run the host, not what is needed to build against the library, into
+# an archive of one folder.
+set(CPACK_GENERATOR ZIP)
+set(CPACK_ARCHIVE_COMPONENT_INSTALL ON)
+set(CPACK_COMPONENTS_ALL runtime)
+set(CPACK_COMPONENTS_GROUPING ALL_COMPONENTS_IN_ONE)
+set(CPACK_COMPONENT_INCLUDE_TOPLEVEL_DIRECTORY ON)
+include(CPack)

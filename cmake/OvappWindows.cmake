@@ -1,7 +1,12 @@
 # On Windows the executables find DLLs in their own directory: those of Qt and of the compiler go
 # there too, in the build tree and in what is installed.
 
-set(compiler_dlls "")
+set(runtime_dlls $<TARGET_FILE:Qt5::Core>)
+if(OVAPP_BUILD_HOST)
+    # A sample plug-in needs it.
+    find_package(Qt5 5.15 REQUIRED COMPONENTS Network)
+    list(APPEND runtime_dlls $<TARGET_FILE:Qt5::Network>)
+endif()
 if(MINGW)
     # They lie in the compiler's library directories or beside the compiler.
     cmake_path(GET CMAKE_CXX_COMPILER PARENT_PATH compiler_dir)
@@ -14,21 +19,21 @@ if(MINGW)
         if(NOT EXISTS ${dll})
             message(FATAL_ERROR "The compiler has no ${name}")
         endif()
-        list(APPEND compiler_dlls ${dll})
+        list(APPEND runtime_dlls ${dll})
     endforeach()
 endif()
 
-set(copied_dlls $<TARGET_FILE:Qt5::Core> ${compiler_dlls})
+set(test_dlls "")
 if(OVAPP_BUILD_TESTS)
     find_package(Qt5 5.15 REQUIRED COMPONENTS Test)
-    list(APPEND copied_dlls $<TARGET_FILE:Qt5::Test>)
+    set(test_dlls $<TARGET_FILE:Qt5::Test>)
 endif()
-add_custom_target(runtime_dlls ALL
+add_custom_target(copy_dlls ALL
     COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}
-    COMMAND ${CMAKE_COMMAND} -E copy_if_different ${copied_dlls} ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}
+    COMMAND ${CMAKE_COMMAND} -E copy_if_different
+        ${runtime_dlls} ${test_dlls} ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}
     VERBATIM)
 
 if(OVAPP_INSTALL)
-    install(FILES $<TARGET_FILE:Qt5::Core> ${compiler_dlls}
-        DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
+    install(FILES ${runtime_dlls} DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
 endif()
