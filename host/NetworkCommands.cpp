@@ -56,8 +56,10 @@ std::optional<int> read(const QStringList& arguments, const QString& description
     return std::nullopt;
 }
 
-void print(const QByteArray& text)
+void print(QByteArray text)
 {
+    // On Windows the tools end their lines as the standard output does by itself.
+    text.replace('\r', QByteArray());
     std::fwrite(text.constData(), 1, static_cast<std::size_t>(text.size()), stdout);
     std::fflush(stdout);
 }

@@ -63,9 +63,24 @@ private Q_SLOTS:
 
     void scansInOrder()
     {
-        for (const char* name : {"b.dll", "A.dll", "X.DLL", "_.dll", "notes.txt", "dll",
-                                 "old.dll.bak", ".hidden.dll", ".hidden/d.dll", "Sub2/y.dLl",
-                                 "sub/c.dll", "sub/de/e/p.dll", "dir.dll/in.dll", "real/r.dll"})
+        for (const char* name :
+             {"b.dll", "A.dll", "X.DLL", "_.dll", "notes.txt", "dll", "old.dll.bak", "Sub2/y.dLl",
+              "sub/c.dll", "sub/de/e/p.dll", "dir.dll/in.dll"})
+            QVERIFY(_fixture->write(QString::fromLatin1(name)));
+        QStringList expected;
+        for (const char* name : {"_.dll", "A.dll", "b.dll", "X.DLL", "dir.dll/in.dll", "sub/c.dll",
+                                 "sub/de/e/p.dll", "Sub2/y.dLl"})
+            expected += _fixture->plugin(QString::fromLatin1(name));
+        QCOMPARE(PluginLoader::pluginFiles(), expected);
+    }
+
+    void scansLinksAndSkipsHidden()
+    {
+#ifdef Q_OS_WIN
+        QSKIP("Here a dot hides nothing, and Qt makes shortcuts instead of links");
+#endif
+        for (const char* name :
+             {"b.dll", ".hidden.dll", ".hidden/d.dll", "sub/c.dll", "real/r.dll"})
             QVERIFY(_fixture->write(QString::fromLatin1(name)));
         // Links to a directory above, to one that the scan would come to later, and to one outside.
         const QString plugins = _fixture->plugin(QString());
@@ -77,8 +92,7 @@ private Q_SLOTS:
         QVERIFY(_fixture->write(QStringLiteral("zone/z.dll")));
 
         QStringList expected;
-        for (const char* name : {"_.dll", "A.dll", "b.dll", "X.DLL", "dir.dll/in.dll", "link/r.dll",
-                                 "sub/c.dll", "sub/de/e/p.dll", "Sub2/y.dLl", "zone/z.dll"})
+        for (const char* name : {"b.dll", "link/r.dll", "sub/c.dll", "zone/z.dll"})
             expected += plugins + QString::fromLatin1(name);
         QCOMPARE(PluginLoader::pluginFiles(), expected);
     }
