@@ -7,6 +7,11 @@ set(CMAKE_SYSTEM_PROCESSOR AMD64)
 set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
 set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
 
+# Symbols that are not exported are for debuggers alone, and most of a file's size.
+foreach(kind EXE MODULE SHARED)
+    set(CMAKE_${kind}_LINKER_FLAGS_RELEASE_INIT -s)
+endforeach()
+
 set(CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32)
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
