@@ -72,16 +72,18 @@ QString explain(Verdict verdict, const QString& boards, const QString& loadError
 QString loadError(const QPluginLoader& loader)
 {
     const QString error = loader.errorString();
-    return error == QPluginLoader().errorString() ? QStringLiteral("the file is cut short") : error;
+    return error == QPluginLoader().errorString()
+               ? QStringLiteral("it is no library of this system, or cut short")
+               : error;
 }
 
 } // namespace
 
-PluginReport::PluginReport(const QString& file) : _loader(file), _verdict(Verdict::NoPlugin)
+PluginReport::PluginReport(const QString& file) : _file(file), _verdict(Verdict::NoPlugin)
 {
     QObject* object = nullptr;
-    _loadTime =
-        millisecondsOf([this, &object] { object = App::PluginLoader::rootObjectOf(_loader); });
+    _loadTime = millisecondsOf(
+        [this, &object] { object = App::PluginLoader::rootObjectOf(_file, _loader); });
     _verdict = App::PluginLoader::verdictOn(object);
     if (const auto* plugin = qobject_cast<App::PluginInterface*>(object)) {
         _boards = hexadecimal(static_cast<quint32>(plugin->supportedBoardTypes()));
@@ -99,7 +101,7 @@ bool PluginReport::isAccepted() const
 
 QString PluginReport::fileName() const
 {
-    return QDir(App::PluginLoader::pluginsPath()).relativeFilePath(_loader.fileName());
+    return QDir(App::PluginLoader::pluginsPath()).relativeFilePath(_file);
 }
 
 QString PluginReport::name() const
@@ -147,7 +149,7 @@ QJsonObject PluginReport::toJson() const
     const auto orNull = [](const QString& text) {
         return text.isEmpty() ? QJsonValue() : QJsonValue(text);
     };
-    QJsonObject object{{QStringLiteral("file"), _loader.fileName()},
+    QJsonObject object{{QStringLiteral("file"), _file},
                        {QStringLiteral("name"), orNull(_name)},
                        {QStringLiteral("identifier"), orNull(_identifier)},
                        {QStringLiteral("boards"), orNull(_boards)},

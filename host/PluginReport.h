@@ -44,6 +44,7 @@ public:
     QJsonObject toJson() const;
 
 private:
+    const QString _file;
     QPluginLoader _loader;
     App::PluginLoader::Verdict _verdict;
     QString _name;

@@ -81,19 +81,21 @@ void PluginLoader::loadPlugins(bool startPlugins)
     for (const QString& file : files) {
         if (isDiscard(file))
             continue;
-        auto loader = std::make_unique<QPluginLoader>(file);
-        if (loadPlugin(rootObjectOf(*loader), startPlugins, file))
+        auto loader = std::make_unique<QPluginLoader>();
+        if (loadPlugin(rootObjectOf(file, *loader), startPlugins, file))
             _pluginLoaders.append(loader.release());
         else
             loader->unload();
     }
 }
 
-QObject* PluginLoader::rootObjectOf(QPluginLoader& loader)
+QObject* PluginLoader::rootObjectOf(const QString& file, QPluginLoader& loader)
 {
+    if (!isCompletePluginFile(file))
+        return nullptr;
+    loader.setFileName(file);
     // Without metadata it is no Qt plug-in, and there is nothing to look into.
-    if (loader.metaData().isEmpty() ||
-        !(loader.isLoaded() || isCompletePluginFile(loader.fileName())))
+    if (loader.metaData().isEmpty())
         return nullptr;
     return loader.instance();
 }

@@ -66,10 +66,11 @@ public:
     /// `startPlugins`, starts each plug-in before the next is loaded. Plug-ins that are loaded
     /// already stay so, and are accepted, and started, once more: call `unloadPlugins` before.
     static void loadPlugins(bool startPlugins);
-    /// Loads the loader's file, unless it is loaded, and returns its root object; null when it is
-    /// no Qt plug-in or cannot be loaded. Unlike `QPluginLoader::instance` it refuses a file that
-    /// was cut short, where the system's own loader would crash.
-    static QObject* rootObjectOf(QPluginLoader& loader);
+    /// Sets a loader on a file, loads the file unless it is loaded, and returns its root object;
+    /// null when it is no Qt plug-in or cannot be loaded. Unlike `QPluginLoader` it leaves a file
+    /// alone that is no library of this system or was cut short, where Qt or the system's own
+    /// loader would crash: the loader then has no file.
+    static QObject* rootObjectOf(const QString& file, QPluginLoader& loader);
     /// Takes one root object as a plug-in: keeps its info and, with `startPlugins`, starts it.
     /// Returns false, and leaves the object alone, unless `verdictOn` accepts it. `filePath`, the
     /// file that it came from, does not matter. The object is not owned, nor unloaded later.

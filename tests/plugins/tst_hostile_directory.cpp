@@ -46,7 +46,8 @@ class tst_hostile_directory : public QObject
     Q_OBJECT
 
     PluginFixture _fixture;
-    int _number = 1000;
+    static constexpr int firstNumber = 1000;
+    int _number = firstNumber;
     QStringList _soundFiles;
 
     QString nextPath() { return _fixture.plugin(QStringLiteral("%1.dll").arg(++_number)); }
@@ -102,11 +103,19 @@ private Q_SLOTS:
         const QString c = QStringLiteral("PluginC");
         const QByteArray plugin = PluginFixture::built(a);
         QVERIFY(plugin.size() > 4096);
+        // A file that goes on in zeros lacks its table of sections, which ELF has last, or on
+        // Windows what it imports, which stands before the last quarter.
+#ifdef Q_OF_ELF
+        constexpr int noticedParts = 64;
+#else
+        constexpr int noticedParts = 48;
+#endif
         for (int i = 0; i < 64; ++i) {
             const QByteArray begun = plugin.left(plugin.size() / 64 * i);
             write(plugin.left(i));
             write(begun);
-            write(begun.leftJustified(plugin.size(), '\0'));
+            if (i < noticedParts)
+                write(begun.leftJustified(plugin.size(), '\0'));
         }
         writeSound(PluginFixture::built(b));
         writeRandom(plugin);
@@ -126,7 +135,8 @@ private Q_SLOTS:
 
         PluginLoader::loadPlugins(true);
         const QStringList files = PluginLoader::pluginFiles();
-        QVERIFY(files.size() > 250);
+        // All but the links that lead to no file, and the directory.
+        QVERIFY(files.size() >= _number - firstNumber - 6);
         QStringList expected;
         for (const QString& name : {b, c, a}) {
             for (const char* call : {" boards", " id", " info", " start"})
@@ -134,8 +144,9 @@ private Q_SLOTS:
         }
         QCOMPARE(RecordingPlugin::takeCalls(), expected);
         for (const QString& file : files) {
-            QPluginLoader loader(file);
-            QCOMPARE(PluginLoader::rootObjectOf(loader) != nullptr, _soundFiles.contains(file));
+            QPluginLoader loader;
+            QCOMPARE(PluginLoader::rootObjectOf(file, loader) != nullptr,
+                     _soundFiles.contains(file));
             loader.unload();
         }
 
