@@ -10,6 +10,7 @@ endif()
 if(MINGW)
     # They lie in the compiler's library directories or beside the compiler.
     cmake_path(GET CMAKE_CXX_COMPILER PARENT_PATH compiler_dir)
+    file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/compiler-dlls)
     foreach(name libgcc_s_seh-1.dll libstdc++-6.dll libwinpthread-1.dll)
         execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${name}
             OUTPUT_VARIABLE dll OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
@@ -19,7 +20,11 @@ if(MINGW)
         if(NOT EXISTS ${dll})
             message(FATAL_ERROR "The compiler has no ${name}")
         endif()
-        list(APPEND runtime_dlls ${dll})
+        # Of some, nearly all is for debuggers.
+        set(stripped_dll ${PROJECT_BINARY_DIR}/compiler-dlls/${name})
+        execute_process(COMMAND ${CMAKE_STRIP} -o ${stripped_dll} ${dll}
+            COMMAND_ERROR_IS_FATAL ANY)
+        list(APPEND runtime_dlls ${stripped_dll})
     endforeach()
 endif()
 

@@ -2,4 +2,4 @@
 file(REMOVE_RECURSE ${prefix})
 execute_process(COMMAND ${CMAKE_COMMAND} --install ${build} --prefix ${prefix}
     COMMAND_ERROR_IS_FATAL ANY)
-execute_process(COMMAND ${prefix}/bin/ovapp-host run COMMAND_ERROR_IS_FATAL ANY)
+execute_process(COMMAND ${emulator} ${host} run COMMAND_ERROR_IS_FATAL ANY)
