@@ -56,12 +56,13 @@ std::optional<int> read(const QStringList& arguments, const QString& description
     return std::nullopt;
 }
 
-void print(QByteArray text)
+/// Prints a part of a tool's report; false when nobody takes it any more.
+bool print(QByteArray text)
 {
     // On Windows the tools end their lines as the standard output does by itself.
     text.replace('\r', QByteArray());
-    std::fwrite(text.constData(), 1, static_cast<std::size_t>(text.size()), stdout);
-    std::fflush(stdout);
+    const auto size = static_cast<std::size_t>(text.size());
+    return std::fwrite(text.constData(), 1, size, stdout) == size && std::fflush(stdout) == 0;
 }
 
 int failToLaunch(const QString& tool, const QString& package)
@@ -77,8 +78,10 @@ int runPing(const QString& host, int count)
     QEventLoop loop;
     bool launched = true;
     QByteArray complaint;
-    QObject::connect(&process, &QProcess::readyReadStandardOutput,
-                     [&] { print(process.readAllStandardOutput()); });
+    QObject::connect(&process, &QProcess::readyReadStandardOutput, [&] {
+        if (!print(process.readAllStandardOutput()))
+            System::interruptProcess(process.processId());
+    });
     QObject::connect(&process, &QProcess::readyReadStandardError,
                      [&] { complaint += process.readAllStandardError(); });
     QObject::connect(&process, &QProcess::errorOccurred, [&](QProcess::ProcessError error) {
@@ -118,7 +121,8 @@ int runTrace(const QString& host, int maxHops)
     int printed = 0;
     const auto printNews = [&] {
         const QByteArray report = process.readAllStandardOutput();
-        print(report.mid(printed));
+        if (!print(report.mid(printed)))
+            loop.quit();
         printed = report.size();
     };
     QObject::connect(&process, &TracerouteProcess::readyReadStandardOutput, printNews);

@@ -52,7 +52,9 @@ QString explain(Verdict verdict, const QString& boards, const QString& loadError
     case Verdict::Accepted:
         return QStringLiteral("accepted");
     case Verdict::NoPlugin:
-        return QStringLiteral("refused: Qt cannot load it as a plug-in: %1").arg(loadError);
+        return QStringLiteral("refused: Qt cannot load it as a plug-in: %1; is it built for this "
+                              "system, with Q_PLUGIN_METADATA in its class?")
+            .arg(loadError);
     case Verdict::NoInterface:
         return QStringLiteral("refused: its root object does not answer to \"%1\"; name "
                               "App::PluginInterface in its Q_INTERFACES")
@@ -81,6 +83,8 @@ QString loadError(const QPluginLoader& loader)
 
 PluginReport::PluginReport(const QString& file) : _file(file), _verdict(Verdict::NoPlugin)
 {
+    // A symbol that is missing would otherwise end the program when it is first called.
+    _loader.setLoadHints(QLibrary::ResolveAllSymbolsHint | QLibrary::PreventUnloadHint);
     QObject* object = nullptr;
     _loadTime = millisecondsOf(
         [this, &object] { object = App::PluginLoader::rootObjectOf(_file, _loader); });

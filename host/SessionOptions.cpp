@@ -57,7 +57,8 @@ std::optional<int> SessionOptions::read(const QCommandLineParser& parser)
     }
     if (parser.isSet(_boardOption)) {
         bool isNumber = false;
-        _boardType = parser.value(_boardOption).toInt(&isNumber);
+        const QString type = parser.value(_boardOption);
+        _boardType = type.toInt(&isNumber, type.startsWith(QLatin1String("0x")) ? 16 : 10);
         if (!isNumber) {
             return fail(BadUsage, QStringLiteral("--board: %1 is no 32-bit whole number")
                                       .arg(quoted(parser.value(_boardOption))));

@@ -9,7 +9,9 @@
 #else
 #include <QSocketNotifier>
 
+#include <cerrno>
 #include <csignal>
+#include <fcntl.h>
 #include <unistd.h>
 #endif
 
@@ -58,16 +60,19 @@ InterruptWatcher::~InterruptWatcher()
 
 namespace {
 
-constexpr int watchedSignals[] = {SIGINT, SIGTERM};
+/// Ctrl+C, the request to terminate, and the end of the terminal.
+constexpr int watchedSignals[] = {SIGINT, SIGTERM, SIGHUP};
 
 /// The end of the pipe that the handler, which may do next to nothing, writes to.
 volatile std::sig_atomic_t pipeToWrite = -1;
 
 void handleInterrupt(int)
 {
+    const int error = errno;
     const char byte = 0;
     // Where the pipe is full, enough interrupts are on their way already.
     [[maybe_unused]] const ssize_t written = ::write(pipeToWrite, &byte, 1);
+    errno = error;
 }
 
 } // namespace
@@ -83,6 +88,10 @@ InterruptWatcher::InterruptWatcher(std::function<void()> onInterrupt)
 {
     if (::pipe(d->pipe) != 0)
         return;
+    for (const int end : d->pipe) {
+        ::fcntl(end, F_SETFL, O_NONBLOCK);
+        ::fcntl(end, F_SETFD, FD_CLOEXEC);
+    }
     pipeToWrite = d->pipe[1];
     d->notifier = std::make_unique<QSocketNotifier>(d->pipe[0], QSocketNotifier::Read);
     QObject::connect(d->notifier.get(), &QSocketNotifier::activated, d->notifier.get(),

@@ -8,8 +8,9 @@
 namespace System {
 
 /// Takes the interrupts meant for this program (Ctrl+C at the keyboard, and on Unix the request to
-/// terminate) for as long as it lives: instead of ending the program, each one calls a function
-/// from the event loop of the thread that made the watcher. One watcher at a time.
+/// terminate and the end of the terminal) for as long as it lives: instead of ending the program,
+/// each one calls a function from the event loop of the thread that made the watcher. One watcher
+/// at a time.
 class OVSYSTEM_EXPORT InterruptWatcher
 {
 public:

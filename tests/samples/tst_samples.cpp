@@ -148,17 +148,23 @@ void tst_samples::tcpTriggerLimits()
         return client->waitForConnected() ? std::move(client) : nullptr;
     };
 
-    for (const QByteArray& request : {QByteArray(257, 'x') + '\n', QByteArray(300, 'x')}) {
+    for (const QByteArray& request :
+         {QByteArray(257, 'x') + '\n', QByteArray(300, 'x'), QByteArray(300, ' ') + "status\n"}) {
         const auto client = connected();
         QVERIFY(client);
         const QByteArrayList lines = answers(*client, request, 2);
         QCOMPARE(lines, QByteArrayList({R"({"error":"the line is too long"})"}));
     }
 
+    const auto patient = connected();
+    QVERIFY(patient);
+    QCOMPARE(answers(*patient, QByteArray("status\n").repeated(2000), 2000).size(), 2000);
+    patient->abort();
+
     std::vector<std::unique_ptr<QTcpSocket>> clients;
     for (int i = 0; i < 8; ++i) {
         clients.push_back(connected());
-        QVERIFY(answers(*clients.back(), QByteArray(256, 'x') + "\r\n", 1)
+        QVERIFY(answers(*clients.back(), QByteArray(256, 'x') + "\n", 1)
                     .first()
                     .contains("unknown request"));
     }

@@ -69,12 +69,15 @@ void TriggerChannel::start()
     if (_server)
         return;
     App::PluginBaseSettings settings(QStringLiteral("TcpTrigger"));
-    const int port = settings.value(QStringLiteral("Server/port"), defaultPort).toInt();
+    const QVariant setting = settings.value(QStringLiteral("Server/port"), defaultPort);
+    bool isNumber = false;
+    const int port = setting.toInt(&isNumber);
 
     auto server = std::make_unique<QTcpServer>();
     Core::ConsoleSingleton& console = Core::ConsoleSingleton::instance();
-    if (port < 0 || port > 0xffff) {
-        console.warning("TriggerChannel::start: %d is no port", port);
+    if (!isNumber || port < 0 || port > 0xffff) {
+        console.warning("TriggerChannel::start: %s is no port",
+                        setting.toString().toLocal8Bit().constData());
         return;
     }
     if (!server->listen(QHostAddress::LocalHost, static_cast<quint16>(port))) {
@@ -112,19 +115,21 @@ void TriggerChannel::welcome(QTcpSocket* client)
 void TriggerChannel::answerLines(QTcpSocket* client)
 {
     while (client->canReadLine()) {
-        // One byte more shows that a line is too long; two are its end.
-        const QByteArray request = client->readLine(maximumLineLength + 3).trimmed();
-        if (request.size() > maximumLineLength) {
+        const QByteArray text = client->readLine(maximumLineLength + 2);
+        const QByteArray request = text.trimmed();
+        if (!text.endsWith('\n') || request.size() > maximumLineLength) {
             sendAway(client, error("the line is too long"));
             return;
         }
         client->write(request == "status" ? status()
                                           : error("unknown request; the one there is: status"));
+        // What the client has not read yet, and the system does not take, is the backlog.
+        client->flush();
         if (client->bytesToWrite() > maximumBacklog) {
             client->abort();
             return;
         }
     }
-    if (client->bytesAvailable() > maximumLineLength)
+    if (client->bytesAvailable() > maximumLineLength + 1)
         sendAway(client, error("the line is too long"));
 }
