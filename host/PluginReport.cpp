@@ -52,9 +52,7 @@ QString explain(Verdict verdict, const QString& boards, const QString& loadError
     case Verdict::Accepted:
         return QStringLiteral("accepted");
     case Verdict::NoPlugin:
-        return QStringLiteral("refused: Qt cannot load it as a plug-in: %1; is it built for this "
-                              "system, with Q_PLUGIN_METADATA in its class?")
-            .arg(loadError);
+        return QStringLiteral("refused: Qt cannot load it as a plug-in: %1").arg(loadError);
     case Verdict::NoInterface:
         return QStringLiteral("refused: its root object does not answer to \"%1\"; name "
                               "App::PluginInterface in its Q_INTERFACES")
@@ -74,6 +72,8 @@ QString explain(Verdict verdict, const QString& boards, const QString& loadError
 QString loadError(const QPluginLoader& loader)
 {
     const QString error = loader.errorString();
+    if (!loader.fileName().isEmpty() && loader.metaData().isEmpty())
+        return error + QStringLiteral("; is Q_PLUGIN_METADATA in its class?");
     return error == QPluginLoader().errorString()
                ? QStringLiteral("it is no library of this system, or cut short")
                : error;
