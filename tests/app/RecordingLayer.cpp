@@ -1,5 +1,7 @@
 #include "RecordingLayer.h"
 
+#include <support/Literals.h>
+
 #include <ovcore/BoardEthDescHandler.h>
 #include <ovcore/ConsoleObserverFile.h>
 #include <ovcore/ConsoleSingleton.h>
@@ -44,12 +46,12 @@ namespace {
 
 void note(const char* call, const QString& arguments)
 {
-    RecordingLayer::note(QLatin1String(call) + QLatin1Char('(') + arguments + QLatin1Char(')'));
+    RecordingLayer::note(QLatin1String(call) + u'(' + arguments + u')');
 }
 
 QString text(const QVariant& value)
 {
-    return QLatin1String(value.typeName()) + QLatin1Char(' ') + value.toString();
+    return QLatin1String(value.typeName()) + u' ' + value.toString();
 }
 
 } // namespace
@@ -110,28 +112,28 @@ Settings& Settings::instance()
 
 QVariant Settings::value(const QString& key, const QVariant& defaultValue) const
 {
-    note("Core::Settings::value", key + QLatin1String(", ") + text(defaultValue));
+    note("Core::Settings::value", key + ", "_s + text(defaultValue));
     return RecordingLayer::instance().settings.value(key, defaultValue);
 }
 
 void Settings::setValue(const QString& key, const QVariant& value)
 {
-    note("Core::Settings::setValue", key + QLatin1String(", ") + text(value));
+    note("Core::Settings::setValue", key + ", "_s + text(value));
 }
 
 void Settings::setRunValue(const QString& key, const QVariant& value)
 {
-    note("Core::Settings::setRunValue", key + QLatin1String(", ") + text(value));
+    note("Core::Settings::setRunValue", key + ", "_s + text(value));
 }
 
 QString Settings::sysFontDirPath() const
 {
-    return QStringLiteral("system fonts");
+    return "system fonts"_s;
 }
 
 QString Settings::usrFontDirPath() const
 {
-    return QStringLiteral("user fonts");
+    return "user fonts"_s;
 }
 
 const char* Version::versionString()
@@ -147,12 +149,12 @@ ConsoleSingleton& ConsoleSingleton::instance()
 
 void ConsoleSingleton::attachObserver(ConsoleObserver*)
 {
-    RecordingLayer::note(QStringLiteral("Core::ConsoleSingleton::attachObserver"));
+    RecordingLayer::note("Core::ConsoleSingleton::attachObserver"_s);
 }
 
 void ConsoleSingleton::detachObserver(ConsoleObserver*)
 {
-    RecordingLayer::note(QStringLiteral("Core::ConsoleSingleton::detachObserver"));
+    RecordingLayer::note("Core::ConsoleSingleton::detachObserver"_s);
 }
 
 void ConsoleSingleton::log(const char* format, ...)
@@ -170,7 +172,7 @@ ConsoleObserverFile::ConsoleObserverFile(const QString& fileName)
 
 ConsoleObserverFile::~ConsoleObserverFile()
 {
-    RecordingLayer::note(QStringLiteral("Core::~ConsoleObserverFile"));
+    RecordingLayer::note("Core::~ConsoleObserverFile"_s);
 }
 
 void ConsoleObserverFile::write(Severity, const QByteArray&)
@@ -188,7 +190,7 @@ FontLibrary::FontDatabase& FontLibrary::FontDatabase::instance()
 void FontLibrary::FontDatabase::addFontsFromDirectory(const QString& directory, bool flag)
 {
     note("FontLibrary::FontDatabase::addFontsFromDirectory",
-         directory + (flag ? QLatin1String(", true") : QLatin1String(", false")));
+         directory + (flag ? ", true"_s : ", false"_s));
 }
 
 namespace Doc {
@@ -205,7 +207,7 @@ struct Document::Private
 
 Document::Document(Storage* storage) : d(std::make_unique<Private>())
 {
-    RecordingLayer::note(QStringLiteral("Doc::Document"));
+    RecordingLayer::note("Doc::Document"_s);
     d->storage.reset(storage);
 }
 
@@ -239,7 +241,7 @@ Storage* Document::storage() const
 
 Storage::Storage() : _p_docObject(QSharedPointer<DocObject>::create())
 {
-    RecordingLayer::note(QStringLiteral("Doc::Storage"));
+    RecordingLayer::note("Doc::Storage"_s);
 }
 
 Storage::~Storage() = default;
@@ -260,7 +262,7 @@ Laser::PrintCountParams DocObject::printCountData() const
 void DocObject::setPrintCountData(const Laser::PrintCountParams& printCount)
 {
     note("Doc::DocObject::setPrintCountData",
-         QStringLiteral("%1 of %2").arg(printCount.finishedCount()).arg(printCount.targetCount()));
+         "%1 of %2"_s.arg(printCount.finishedCount()).arg(printCount.targetCount()));
 }
 
 } // namespace Doc

@@ -1,4 +1,5 @@
 #include <support/ConsoleRecorder.h>
+#include <support/Literals.h>
 #include <support/Session.h>
 
 #include <app/AppStartFinishListener.h>
@@ -33,161 +34,151 @@ class tst_session : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void shutdownWithoutStartUp();
-    void logFile();
-    void noLogFile();
-    void startFinished();
-    void keepsAwake();
-    void startsAgainAfresh();
-    void directoryThatCannotBeWritten();
-    void shutdownDeletesNothingItWasGiven();
-};
-
-void tst_session::shutdownWithoutStartUp()
-{
-    const ConsoleRecorder console;
-    Application::destruct();
-    QCOMPARE(console.lines, QByteArrayList());
-}
-
-void tst_session::logFile()
-{
-    const QByteArray longLine(1 << 20, 'x');
-    ConsoleRecorder console;
-    QByteArrayList written;
-    QString log;
+    void shutdownWithoutStartUp()
     {
-        Session session("[Debug]\nfile=true\n");
-        session.application().doAppStartFinished();
-        Core::ConsoleSingleton::instance().log("%s", longLine.constData());
-        Core::ConsoleSingleton::instance().warning("two\nlines\r\t\x1b[0m");
-        log = session.path(QStringLiteral("log.txt"));
-        written = linesOf(log);
+        const ConsoleRecorder console;
         Application::destruct();
-        QCOMPARE(linesOf(log), written);
-        Core::Settings::instance().setApplicationDirPath(QFileInfo(log).path());
-        Application::init();
-        Application::attachObservers();
-        QCOMPARE(linesOf(log).size(), written.size() + 2);
+        QCOMPARE(console.lines, QByteArrayList());
     }
-    QCOMPARE(written, QByteArrayList({"Application::attachObservers.",
-                                      "Application::doAppStartFinished:: application started.",
-                                      longLine, "two\\nlines\\r\\t\\x1b[0m", ""}));
-    QCOMPARE(console.lines.last(), "destruct application.");
-}
 
-void tst_session::noLogFile()
-{
-    ConsoleRecorder console;
-    const Session session;
-    QCOMPARE(console.lines, QByteArrayList({"Application::attachObservers."}));
-    QVERIFY(!QFile::exists(session.path(QStringLiteral("log.txt"))));
-}
-
-void tst_session::startFinished()
-{
-    struct Second : App::AppStartFinishListener
+    void logFile()
     {
-        void updateAppStartFinishListener() override { ++calls; }
-        int calls = 0;
-    };
-    struct First : App::AppStartFinishListener
-    {
-        void updateAppStartFinishListener() override
+        const QByteArray longLine(1 << 20, 'x');
+        ConsoleRecorder console;
+        QByteArrayList written;
+        QString log;
         {
-            Application::instance().addStartFinishListener(&second);
+            Session session("[Debug]\nfile=true\n");
+            session.application().doAppStartFinished();
+            Core::ConsoleSingleton::instance().log("%s", longLine.constData());
+            Core::ConsoleSingleton::instance().warning("two\nlines\r\t\x1b[0m");
+            log = session.path("log.txt"_s);
+            written = linesOf(log);
+            Application::destruct();
+            QCOMPARE(linesOf(log), written);
+            Core::Settings::instance().setApplicationDirPath(QFileInfo(log).path());
+            Application::init();
+            Application::attachObservers();
+            QCOMPARE(linesOf(log).size(), written.size() + 2);
         }
-        Second second;
-    };
+        QCOMPARE(written, QByteArrayList({"Application::attachObservers.",
+                                          "Application::doAppStartFinished:: application started.",
+                                          longLine, "two\\nlines\\r\\t\\x1b[0m", ""}));
+        QCOMPARE(console.lines.last(), "destruct application.");
+    }
 
-    const Session session;
-    First first;
-    session.application().addStartFinishListener(&first);
-    session.application().doAppStartFinished();
-    QCOMPARE(first.second.calls, 1);
-
-    const QSettings onDisk(session.path(QStringLiteral("ovapp.ini")), QSettings::IniFormat);
-    QCOMPARE(onDisk.value(QStringLiteral("About/version")).toString(),
-             QStringLiteral(OVAPP_VERSION));
-}
-
-void tst_session::keepsAwake()
-{
+    void noLogFile()
     {
+        ConsoleRecorder console;
         const Session session;
-        QCOMPARE(System::setThreadExecutionState(0x80000041u), 0x80000041u);
+        QCOMPARE(console.lines, QByteArrayList({"Application::attachObservers."}));
+        QVERIFY(!QFile::exists(session.path("log.txt"_s)));
     }
-    QCOMPARE(System::setThreadExecutionState(0x80000000u), 0x80000000u);
-}
 
-void tst_session::startsAgainAfresh()
-{
-    struct Description : App::ExtendPluginInfo
+    void startFinished()
     {
-        QString description() const override { return QString(); }
-        int supportedBoardTypes() const override { return 1; }
-    };
-    {
-        const Session session("[Board]\ntype=6\n");
-        QCOMPARE(Core::BoardEthDescHandler::instance()->currentBoardEthDescType(), 6);
-        Core::BoardEthDescHandler::instance()->setCurrentBoardEthDescType(8);
-        Description description;
-        App::ExtendPluginRegistry::instance().registerExtendInfo(&description);
-        session.application().newDocument(session.path(QStringLiteral("left.ovdoc")));
-        delete session.application().activateDocument();
-    }
-    QVERIFY(!Core::BoardEthDescHandler::instance());
-    const Session session("[Board]\ntype=left\n");
-    QCOMPARE(Core::BoardEthDescHandler::instance()->currentBoardEthDescType(), 1);
-    QCOMPARE(App::ExtendPluginRegistry::instance().count(), 0);
-    QVERIFY(!session.application().activateDocument());
-    QVERIFY(!Core::Settings::instance().runValue(QStringLiteral("File/Document")).isValid());
-}
+        struct Second : App::AppStartFinishListener
+        {
+            void updateAppStartFinishListener() override { ++calls; }
+            int calls = 0;
+        };
+        struct First : App::AppStartFinishListener
+        {
+            void updateAppStartFinishListener() override
+            {
+                Application::instance().addStartFinishListener(&second);
+            }
+            Second second;
+        };
 
-void tst_session::directoryThatCannotBeWritten()
-{
-    QTemporaryFile file;
-    QVERIFY(file.open());
-    // No one, not even the system's administrator, can write below a file.
-    Core::Settings::instance().setApplicationDirPath(file.fileName());
-    Application::init();
-    Core::Settings::instance().setValue(QStringLiteral("Debug/file"), true);
-    Application::attachObservers();
-    Application::instance().doAppStartFinished();
-    QCOMPARE(Core::Settings::instance().value(QStringLiteral("About/version")).toString(),
-             QStringLiteral(OVAPP_VERSION));
-    Application::destruct();
-    QCOMPARE(QFileInfo(file.fileName()).size(), 0);
-}
-
-void tst_session::shutdownDeletesNothingItWasGiven()
-{
-    struct Listener : App::AppStartFinishListener
-    {
-        explicit Listener(bool& deleted) : _deleted(deleted) {}
-        ~Listener() override { _deleted = true; }
-        void updateAppStartFinishListener() override {}
-        bool& _deleted;
-    };
-    struct Document : Doc::Document
-    {
-        explicit Document(bool& deleted) : Doc::Document(new Doc::Storage), _deleted(deleted) {}
-        ~Document() override { _deleted = true; }
-        bool& _deleted;
-    };
-
-    bool listenerDeleted = false;
-    bool documentDeleted = false;
-    const auto listener = std::make_unique<Listener>(listenerDeleted);
-    const auto document = std::make_unique<Document>(documentDeleted);
-    {
         const Session session;
-        session.application().addStartFinishListener(listener.get());
-        session.application().setActivateDocument(document.get());
+        First first;
+        session.application().addStartFinishListener(&first);
+        session.application().doAppStartFinished();
+        QCOMPARE(first.second.calls, 1);
+
+        const QSettings onDisk(session.path("ovapp.ini"_s), QSettings::IniFormat);
+        QCOMPARE(onDisk.value("About/version"_s).toString(), QStringLiteral(OVAPP_VERSION));
     }
-    QVERIFY(!listenerDeleted);
-    QVERIFY(!documentDeleted);
-}
+
+    void keepsAwake()
+    {
+        {
+            const Session session;
+            QCOMPARE(System::setThreadExecutionState(0x80000041u), 0x80000041u);
+        }
+        QCOMPARE(System::setThreadExecutionState(0x80000000u), 0x80000000u);
+    }
+
+    void startsAgainAfresh()
+    {
+        struct Description : App::ExtendPluginInfo
+        {
+            QString description() const override { return QString(); }
+            int supportedBoardTypes() const override { return 1; }
+        };
+        {
+            const Session session("[Board]\ntype=6\n");
+            QCOMPARE(Core::BoardEthDescHandler::instance()->currentBoardEthDescType(), 6);
+            Core::BoardEthDescHandler::instance()->setCurrentBoardEthDescType(8);
+            Description description;
+            App::ExtendPluginRegistry::instance().registerExtendInfo(&description);
+            session.application().newDocument(session.path("left.ovdoc"_s));
+            delete session.application().activateDocument();
+        }
+        QVERIFY(!Core::BoardEthDescHandler::instance());
+        const Session session("[Board]\ntype=left\n");
+        QCOMPARE(Core::BoardEthDescHandler::instance()->currentBoardEthDescType(), 1);
+        QCOMPARE(App::ExtendPluginRegistry::instance().count(), 0);
+        QVERIFY(!session.application().activateDocument());
+        QVERIFY(!Core::Settings::instance().runValue("File/Document"_s).isValid());
+    }
+
+    void directoryThatCannotBeWritten()
+    {
+        QTemporaryFile file;
+        QVERIFY(file.open());
+        // No one, not even the system's administrator, can write below a file.
+        Core::Settings::instance().setApplicationDirPath(file.fileName());
+        Application::init();
+        Core::Settings::instance().setValue("Debug/file"_s, true);
+        Application::attachObservers();
+        Application::instance().doAppStartFinished();
+        QCOMPARE(Core::Settings::instance().value("About/version"_s).toString(),
+                 QStringLiteral(OVAPP_VERSION));
+        Application::destruct();
+        QCOMPARE(QFileInfo(file.fileName()).size(), 0);
+    }
+
+    void shutdownDeletesNothingItWasGiven()
+    {
+        struct Listener : App::AppStartFinishListener
+        {
+            explicit Listener(bool& deleted) : _deleted(deleted) {}
+            ~Listener() override { _deleted = true; }
+            void updateAppStartFinishListener() override {}
+            bool& _deleted;
+        };
+        struct Document : Doc::Document
+        {
+            explicit Document(bool& deleted) : Doc::Document(new Doc::Storage), _deleted(deleted) {}
+            ~Document() override { _deleted = true; }
+            bool& _deleted;
+        };
+
+        bool listenerDeleted = false;
+        bool documentDeleted = false;
+        const auto listener = std::make_unique<Listener>(listenerDeleted);
+        const auto document = std::make_unique<Document>(documentDeleted);
+        {
+            const Session session;
+            session.application().addStartFinishListener(listener.get());
+            session.application().setActivateDocument(document.get());
+        }
+        QVERIFY(!listenerDeleted);
+        QVERIFY(!documentDeleted);
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_session)
 #include "tst_session.moc"

@@ -1,3 +1,5 @@
+#include <support/Literals.h>
+
 #include <ovcore/ConsoleObserver.h>
 #include <ovcore/ConsoleSingleton.h>
 #include <ovcore/Settings.h>
@@ -49,103 +51,170 @@ class tst_platform : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void settings();
-    void settingsDirectories();
-    void consoleFromThreads();
-    void consoleObserverDetachesAnother();
+    void settings()
+    {
+        QTemporaryDir directory;
+        const QString stored = "Group/stored"_s;
+        const QString run = "Group/run"_s;
+        const auto start = [&]() -> Settings& {
+            Settings::instance().setApplicationDirPath(directory.path());
+            Settings::instance().init();
+            return Settings::instance();
+        };
+
+        Settings& early = Settings::instance();
+        early.setValue(stored, 1);
+        QCOMPARE(early.value(stored, 2).toInt(), 2);
+
+        Settings& settings = start();
+        QCOMPARE(settings.value(stored, 3).toInt(), 3);
+        settings.setValue(stored, Q_UINT64_C(18446744073709551615));
+        settings.setRunValue(run, 4);
+        settings.setRunValue(stored, 5);
+        QVERIFY(!settings.value(run).isValid());
+        QCOMPARE(settings.value(stored).toULongLong(), Q_UINT64_C(18446744073709551615));
+        QCOMPARE(settings.runValue(stored).toInt(), 5);
+        QCOMPARE(settings.runValue("Group/none"_s, 6).toInt(), 6);
+        QVERIFY(
+            contentOf(directory.filePath("ovapp.ini"_s)).contains("stored=18446744073709551615"));
+
+        Settings::destruct();
+        Settings& fresh = start();
+        QCOMPARE(fresh.value(stored).toULongLong(), Q_UINT64_C(18446744073709551615));
+        QVERIFY(!fresh.runValue(run).isValid());
+        Settings::destruct();
+    }
+
+    void settingsDirectories()
+    {
+        const QString executables = QCoreApplication::applicationDirPath();
+        const QString plugins = QDir(executables).filePath("plugins"_s);
+        QCOMPARE(Settings::instance().applicationDirPath(), executables);
+        Settings::instance().setApplicationDirPath("/a"_s);
+        QCOMPARE(Settings::instance().sysFontDirPath(), "/a/fonts"_s);
+        QCOMPARE(Settings::instance().pluginDirPath(), plugins);
+        Settings::instance().setPluginDirPath("/p"_s);
+        QCOMPARE(Settings::instance().pluginDirPath(), "/p"_s);
+        Settings::destruct();
+        QCOMPARE(Settings::instance().applicationDirPath(), executables);
+        Settings::destruct();
+    }
+
+    void consoleFromThreads()
+    {
+        constexpr int perThread = 500;
+        Counter steady;
+        ConsoleSingleton::instance().attachObserver(&steady);
+        ConsoleSingleton::instance().attachObserver(&steady);
+        std::vector<std::thread> threads;
+        for (int number = 0; number < 2; ++number) {
+            threads.emplace_back([number] {
+                for (int i = 0; i < perThread; ++i) {
+                    Counter passing;
+                    ConsoleSingleton::instance().attachObserver(&passing);
+                    ConsoleSingleton::instance().log("%d of thread %d", i, number);
+                    ConsoleSingleton::instance().detachObserver(&passing);
+                }
+            });
+        }
+        for (std::thread& thread : threads)
+            thread.join();
+        ConsoleSingleton::instance().detachObserver(&steady);
+        ConsoleSingleton::instance().log("to nobody");
+        QCOMPARE(steady.calls, 2 * perThread);
+    }
+
+    void consoleObserverDetachesAnother()
+    {
+        Counter first;
+        Counter second;
+        first.other = &second;
+        ConsoleSingleton::instance().attachObserver(&first);
+        ConsoleSingleton::instance().attachObserver(&second);
+        ConsoleSingleton::instance().log("detach");
+        ConsoleSingleton::instance().detachObserver(&first);
+        QCOMPARE(first.calls, 1);
+        QCOMPARE(second.calls, 0);
+    }
+
     void documentKeepsWhatItDoesNotKnow_data();
-    void documentKeepsWhatItDoesNotKnow();
-    void documentThatCannotBeSaved();
-    void documentAfterFailedOpen();
-    void fonts();
+    void documentKeepsWhatItDoesNotKnow()
+    {
+        QFETCH(QByteArray, before);
+        QTemporaryDir directory;
+        const QString path = directory.filePath("piece.ovdoc"_s);
+        QVERIFY(write(path, before));
+
+        Doc::Document document(new Doc::Storage);
+        QVERIFY(document.open(path));
+        Laser::PrintCountParams counts;
+        counts.setFinishedCount(2);
+        counts.setTargetCount(2147483647);
+        document.storage()->queryDocObjectDirect()->setPrintCountData(counts);
+#ifdef Q_OS_UNIX
+        // Another file takes the former one's place; nothing is written over.
+        QFile former(path);
+        QVERIFY(former.open(QIODevice::ReadOnly));
+#endif
+        QVERIFY(document.save());
+        QTEST(contentOf(path), "after");
+#ifdef Q_OS_UNIX
+        QCOMPARE(former.readAll(), before);
+#endif
+
+        Doc::Document again(new Doc::Storage);
+        QVERIFY(again.open(path));
+        counts = again.storage()->queryDocObjectDirect()->printCountData();
+        QCOMPARE(counts.finishedCount(), 2);
+        QCOMPARE(counts.targetCount(), 2147483647);
+    }
+
+    void documentThatCannotBeSaved()
+    {
+        QTemporaryDir directory;
+        Doc::Document document(new Doc::Storage);
+        for (const QString& path : {directory.path(), directory.filePath("no/such"_s)}) {
+            document.setFilePath(path);
+            QVERIFY(!document.save());
+        }
+        QVERIFY(QDir(directory.path()).isEmpty());
+    }
+
+    void documentAfterFailedOpen()
+    {
+        QTemporaryDir directory;
+        const QString good = directory.filePath("good"_s);
+        const QString bad = directory.filePath("bad"_s);
+        QVERIFY(write(good, R"({"format": "ovdoc", "version": 1, "printCount": {"finished": 4}})"));
+        QVERIFY(write(bad, R"({"format": "ovdoc", "version": 1,
+        "printCount": {"finished": 8, "target": "many"}})"));
+        Doc::Document document(new Doc::Storage);
+        QVERIFY(document.open(good));
+        QVERIFY(!document.open(bad));
+        QCOMPARE(document.filePath(), good);
+        QCOMPARE(document.storage()->queryDocObjectDirect()->printCountData().finishedCount(), 4);
+    }
+
+    void fonts()
+    {
+        QTemporaryDir directory;
+        const auto path = [&directory](const char* name) {
+            return directory.filePath(QLatin1String(name));
+        };
+        for (const char* name : {"b.ttf", "a.OTF", "c.txt", "more/d.ttc"})
+            QVERIFY(write(path(name), QByteArray()));
+
+        FontLibrary::FontDatabase& fonts = FontLibrary::FontDatabase::instance();
+        fonts.addFontsFromDirectory(path("missing"), true);
+        fonts.addFontsFromDirectory(path("."), false);
+        QCOMPARE(fonts.fontFiles(), QStringList({path("a.OTF"), path("b.ttf")}));
+        fonts.addFontsFromDirectory(directory.path(), true);
+        QCOMPARE(fonts.fontFiles(),
+                 QStringList({path("a.OTF"), path("b.ttf"), path("more/d.ttc")}));
+    }
 };
 
-void tst_platform::settings()
-{
-    QTemporaryDir directory;
-    const QString stored = QStringLiteral("Group/stored");
-    const QString run = QStringLiteral("Group/run");
-    const auto start = [&]() -> Settings& {
-        Settings::instance().setApplicationDirPath(directory.path());
-        Settings::instance().init();
-        return Settings::instance();
-    };
-
-    Settings& early = Settings::instance();
-    early.setValue(stored, 1);
-    QCOMPARE(early.value(stored, 2).toInt(), 2);
-
-    Settings& settings = start();
-    QCOMPARE(settings.value(stored, 3).toInt(), 3);
-    settings.setValue(stored, Q_UINT64_C(18446744073709551615));
-    settings.setRunValue(run, 4);
-    settings.setRunValue(stored, 5);
-    QVERIFY(!settings.value(run).isValid());
-    QCOMPARE(settings.value(stored).toULongLong(), Q_UINT64_C(18446744073709551615));
-    QCOMPARE(settings.runValue(stored).toInt(), 5);
-    QCOMPARE(settings.runValue(QStringLiteral("Group/none"), 6).toInt(), 6);
-    QVERIFY(contentOf(directory.filePath(QStringLiteral("ovapp.ini")))
-                .contains("stored=18446744073709551615"));
-
-    Settings::destruct();
-    Settings& fresh = start();
-    QCOMPARE(fresh.value(stored).toULongLong(), Q_UINT64_C(18446744073709551615));
-    QVERIFY(!fresh.runValue(run).isValid());
-    Settings::destruct();
-}
-
-void tst_platform::settingsDirectories()
-{
-    const QString executables = QCoreApplication::applicationDirPath();
-    const QString plugins = QDir(executables).filePath(QStringLiteral("plugins"));
-    QCOMPARE(Settings::instance().applicationDirPath(), executables);
-    Settings::instance().setApplicationDirPath(QStringLiteral("/a"));
-    QCOMPARE(Settings::instance().sysFontDirPath(), QStringLiteral("/a/fonts"));
-    QCOMPARE(Settings::instance().pluginDirPath(), plugins);
-    Settings::instance().setPluginDirPath(QStringLiteral("/p"));
-    QCOMPARE(Settings::instance().pluginDirPath(), QStringLiteral("/p"));
-    Settings::destruct();
-    QCOMPARE(Settings::instance().applicationDirPath(), executables);
-    Settings::destruct();
-}
-
-void tst_platform::consoleFromThreads()
-{
-    constexpr int perThread = 500;
-    Counter steady;
-    ConsoleSingleton::instance().attachObserver(&steady);
-    ConsoleSingleton::instance().attachObserver(&steady);
-    std::vector<std::thread> threads;
-    for (int number = 0; number < 2; ++number) {
-        threads.emplace_back([number] {
-            for (int i = 0; i < perThread; ++i) {
-                Counter passing;
-                ConsoleSingleton::instance().attachObserver(&passing);
-                ConsoleSingleton::instance().log("%d of thread %d", i, number);
-                ConsoleSingleton::instance().detachObserver(&passing);
-            }
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
-    ConsoleSingleton::instance().detachObserver(&steady);
-    ConsoleSingleton::instance().log("to nobody");
-    QCOMPARE(steady.calls, 2 * perThread);
-}
-
-void tst_platform::consoleObserverDetachesAnother()
-{
-    Counter first;
-    Counter second;
-    first.other = &second;
-    ConsoleSingleton::instance().attachObserver(&first);
-    ConsoleSingleton::instance().attachObserver(&second);
-    ConsoleSingleton::instance().log("detach");
-    ConsoleSingleton::instance().detachObserver(&first);
-    QCOMPARE(first.calls, 1);
-    QCOMPARE(second.calls, 0);
-}
-
+// Not in the class, whose reader, moc, stumbles over such raw strings.
 void tst_platform::documentKeepsWhatItDoesNotKnow_data()
 {
     QTest::addColumn<QByteArray>("before");
@@ -181,80 +250,6 @@ void tst_platform::documentKeepsWhatItDoesNotKnow_data()
     "printCount": { "new": {}, "target": 2147483647, "finished": 2 }
 }
 )");
-}
-
-void tst_platform::documentKeepsWhatItDoesNotKnow()
-{
-    QFETCH(QByteArray, before);
-    QTemporaryDir directory;
-    const QString path = directory.filePath(QStringLiteral("piece.ovdoc"));
-    QVERIFY(write(path, before));
-
-    Doc::Document document(new Doc::Storage);
-    QVERIFY(document.open(path));
-    Laser::PrintCountParams counts;
-    counts.setFinishedCount(2);
-    counts.setTargetCount(2147483647);
-    document.storage()->queryDocObjectDirect()->setPrintCountData(counts);
-#ifdef Q_OS_UNIX
-    // Another file takes the former one's place; nothing is written over.
-    QFile former(path);
-    QVERIFY(former.open(QIODevice::ReadOnly));
-#endif
-    QVERIFY(document.save());
-    QTEST(contentOf(path), "after");
-#ifdef Q_OS_UNIX
-    QCOMPARE(former.readAll(), before);
-#endif
-
-    Doc::Document again(new Doc::Storage);
-    QVERIFY(again.open(path));
-    counts = again.storage()->queryDocObjectDirect()->printCountData();
-    QCOMPARE(counts.finishedCount(), 2);
-    QCOMPARE(counts.targetCount(), 2147483647);
-}
-
-void tst_platform::documentThatCannotBeSaved()
-{
-    QTemporaryDir directory;
-    Doc::Document document(new Doc::Storage);
-    for (const QString& path : {directory.path(), directory.filePath(QStringLiteral("no/such"))}) {
-        document.setFilePath(path);
-        QVERIFY(!document.save());
-    }
-    QVERIFY(QDir(directory.path()).isEmpty());
-}
-
-void tst_platform::documentAfterFailedOpen()
-{
-    QTemporaryDir directory;
-    const QString good = directory.filePath(QStringLiteral("good"));
-    const QString bad = directory.filePath(QStringLiteral("bad"));
-    QVERIFY(write(good, R"({"format": "ovdoc", "version": 1, "printCount": {"finished": 4}})"));
-    QVERIFY(write(bad, R"({"format": "ovdoc", "version": 1,
-        "printCount": {"finished": 8, "target": "many"}})"));
-    Doc::Document document(new Doc::Storage);
-    QVERIFY(document.open(good));
-    QVERIFY(!document.open(bad));
-    QCOMPARE(document.filePath(), good);
-    QCOMPARE(document.storage()->queryDocObjectDirect()->printCountData().finishedCount(), 4);
-}
-
-void tst_platform::fonts()
-{
-    QTemporaryDir directory;
-    const auto path = [&directory](const char* name) {
-        return directory.filePath(QLatin1String(name));
-    };
-    for (const char* name : {"b.ttf", "a.OTF", "c.txt", "more/d.ttc"})
-        QVERIFY(write(path(name), QByteArray()));
-
-    FontLibrary::FontDatabase& fonts = FontLibrary::FontDatabase::instance();
-    fonts.addFontsFromDirectory(path("missing"), true);
-    fonts.addFontsFromDirectory(path("."), false);
-    QCOMPARE(fonts.fontFiles(), QStringList({path("a.OTF"), path("b.ttf")}));
-    fonts.addFontsFromDirectory(directory.path(), true);
-    QCOMPARE(fonts.fontFiles(), QStringList({path("a.OTF"), path("b.ttf"), path("more/d.ttc")}));
 }
 
 QTEST_GUILESS_MAIN(tst_platform)

@@ -2,6 +2,8 @@
 
 #include "RecordingPlugin.h"
 
+#include <support/Literals.h>
+
 #include <ovcore/BoardEthDescHandler.h>
 #include <ovcore/Settings.h>
 #include <plugins/PluginLoader.h>
@@ -18,11 +20,11 @@ public:
     PluginFixture()
     {
         Core::Settings::instance().setApplicationDirPath(_directory.path());
-        Core::Settings::instance().setPluginDirPath(path(QStringLiteral("plugins")));
+        Core::Settings::instance().setPluginDirPath(path("plugins"_s));
         Core::Settings::instance().init();
         Core::BoardEthDescHandler::init();
         Core::BoardEthDescHandler::instance()->setCurrentBoardEthDescType(2);
-        QDir(_directory.path()).mkdir(QStringLiteral("plugins"));
+        QDir(_directory.path()).mkdir("plugins"_s);
         App::PluginLoader::loadPlugins(false);
     }
     ~PluginFixture()
@@ -34,7 +36,7 @@ public:
 
     /// The path of a file in the application directory, and of one in the plug-in directory.
     QString path(const QString& name) const { return QDir(_directory.path()).filePath(name); }
-    QString plugin(const QString& name) const { return path(QStringLiteral("plugins/") + name); }
+    QString plugin(const QString& name) const { return path("plugins/"_s + name); }
 
     /// Writes a file in the plug-in directory, and the directories that it lies in.
     bool write(const QString& name, const QByteArray& content = QByteArray()) const

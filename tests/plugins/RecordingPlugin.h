@@ -1,5 +1,7 @@
 #pragma once
 
+#include <support/Literals.h>
+
 #include <ovcore/Settings.h>
 #include <plugins/PluginInterface.h>
 
@@ -16,17 +18,17 @@ public:
         : _name(name), _identifier(identifier), _boards(boards)
     {
     }
-    ~RecordingPlugin() override { record(QStringLiteral("destroy")); }
+    ~RecordingPlugin() override { record("destroy"_s); }
 
-    quint64 pluginID() const override { return record(QStringLiteral("id")), _identifier; }
-    int supportedBoardTypes() const override { return record(QStringLiteral("boards")), _boards; }
-    void start() override { record(QStringLiteral("start")); }
-    void stop() override { record(QStringLiteral("stop")); }
+    quint64 pluginID() const override { return record("id"_s), _identifier; }
+    int supportedBoardTypes() const override { return record("boards"_s), _boards; }
+    void start() override { record("start"_s); }
+    void stop() override { record("stop"_s); }
     App::PluginInfo pluginInfo() const override
     {
-        record(QStringLiteral("info"));
+        record("info"_s);
         App::PluginInfo info;
-        info.set(QStringLiteral("Name"), _name);
+        info.set("Name"_s, _name);
         return info;
     }
 
@@ -39,7 +41,7 @@ public:
     }
 
 private:
-    static QString key() { return QStringLiteral("calls"); }
+    static QString key() { return "calls"_s; }
     void record(const QString& call) const
     {
         const QStringList calls = Core::Settings::instance().runValue(key()).toStringList();

@@ -1,5 +1,7 @@
 #include "PluginFixture.h"
 
+#include <support/Literals.h>
+
 #include <QPluginLoader>
 #include <QtTest>
 
@@ -50,7 +52,7 @@ class tst_hostile_directory : public QObject
     int _number = firstNumber;
     QStringList _soundFiles;
 
-    QString nextPath() { return _fixture.plugin(QStringLiteral("%1.dll").arg(++_number)); }
+    QString nextPath() { return _fixture.plugin("%1.dll"_s.arg(++_number)); }
     void write(const QByteArray& content)
     {
         QFile file(nextPath());
@@ -60,7 +62,7 @@ class tst_hostile_directory : public QObject
     void writeSound(const QByteArray& content)
     {
         write(content);
-        _soundFiles += _fixture.plugin(QStringLiteral("%1.dll").arg(_number));
+        _soundFiles += _fixture.plugin("%1.dll"_s.arg(_number));
     }
 
     void writeRandom(const QByteArray& plugin)
@@ -78,29 +80,29 @@ class tst_hostile_directory : public QObject
 
     void makeLinks()
     {
-        QVERIFY(QFile::link(_fixture.path(QStringLiteral("nowhere")), nextPath()));
-        QVERIFY(QFile::link(_fixture.plugin(QStringLiteral(".")), nextPath()));
+        QVERIFY(QFile::link(_fixture.path("nowhere"_s), nextPath()));
+        QVERIFY(QFile::link(_fixture.plugin("."_s), nextPath()));
         const QString self = nextPath();
         QVERIFY(QFile::link(self, self));
         // A directory named as a plug-in is, that leads back to all the others.
         const QString directory = nextPath();
         QVERIFY(QDir().mkdir(directory));
-        QVERIFY(QFile::link(_fixture.path(QString()), directory + QStringLiteral("/up")));
+        QVERIFY(QFile::link(_fixture.path(QString()), directory + "/up"_s));
 #ifdef Q_OS_UNIX
         // Whoever opens a pipe waits for a writer.
-        const QString pipe = _fixture.path(QStringLiteral("pipe"));
+        const QString pipe = _fixture.path("pipe"_s);
         QCOMPARE(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
         QVERIFY(QFile::link(pipe, nextPath()));
-        QVERIFY(QFile::link(QStringLiteral("/dev/zero"), nextPath()));
+        QVERIFY(QFile::link("/dev/zero"_s, nextPath()));
 #endif
     }
 
 private Q_SLOTS:
     void loadsTheSoundOnesAlone()
     {
-        const QString a = QStringLiteral("PluginA");
-        const QString b = QStringLiteral("PluginB");
-        const QString c = QStringLiteral("PluginC");
+        const QString a = "PluginA"_s;
+        const QString b = "PluginB"_s;
+        const QString c = "PluginC"_s;
         const QByteArray plugin = PluginFixture::built(a);
         QVERIFY(plugin.size() > 4096);
         // A file that goes on in zeros lacks its table of sections, which ELF has last, or on
@@ -153,7 +155,7 @@ private Q_SLOTS:
         PluginLoader::unloadPlugins();
         expected.clear();
         for (const QString& name : {a, c, b})
-            expected += {name + QLatin1String(" stop"), name + QLatin1String(" destroy")};
+            expected += {name + " stop"_s, name + " destroy"_s};
         QCOMPARE(RecordingPlugin::takeCalls(), expected);
     }
 };

@@ -1,3 +1,5 @@
+#include <support/Literals.h>
+
 #include <plugins/PluginInfo.h>
 
 #include <QtTest>
@@ -8,9 +10,9 @@ class tst_plugin_info : public QObject
 {
     Q_OBJECT
 
-    const QString version = QStringLiteral("QtVersion");
-    const QString upper = QStringLiteral("Name");
-    const QString lower = QStringLiteral("name");
+    const QString version = "QtVersion"_s;
+    const QString upper = "Name"_s;
+    const QString lower = "name"_s;
 
 private Q_SLOTS:
     void keepsKeysInOrder()
@@ -24,7 +26,7 @@ private Q_SLOTS:
         QCOMPARE(info.keys(), QStringList({upper, version, lower}));
         QCOMPARE(info.get(version, 5), QVariant(3));
         QCOMPARE(info.get(lower, 5), QVariant());
-        QCOMPARE(info.get(QStringLiteral("Missing"), 5), QVariant(5));
+        QCOMPARE(info.get("Missing"_s, 5), QVariant(5));
     }
 
     void copiesAndMoves()

@@ -1,5 +1,7 @@
 #include "PluginFixture.h"
 
+#include <support/Literals.h>
+
 #include <plugins/ExtendPluginInterface.h>
 
 #include <QtTest>
@@ -28,9 +30,9 @@ class tst_plugin_loader : public QObject
 {
     Q_OBJECT
 
-    const QString a = QStringLiteral("PluginA");
-    const QString b = QStringLiteral("PluginB");
-    const QString c = QStringLiteral("PluginC");
+    const QString a = "PluginA"_s;
+    const QString b = "PluginB"_s;
+    const QString c = "PluginC"_s;
     std::optional<PluginFixture> _fixture;
 
     /// "P x", "P y" for the plug-in P and "x y".
@@ -46,15 +48,15 @@ class tst_plugin_loader : public QObject
     {
         QStringList all;
         for (int i = 0; i < 4; ++i)
-            all += PluginLoader::pluginInfoOf(i).get(QStringLiteral("Name")).toString();
+            all += PluginLoader::pluginInfoOf(i).get("Name"_s).toString();
         return all;
     }
 
     void writeThree() const
     {
-        QVERIFY(_fixture->write(QStringLiteral("A.dll"), PluginFixture::built(a)));
-        QVERIFY(_fixture->write(QStringLiteral("b.dll"), PluginFixture::built(b)));
-        QVERIFY(_fixture->write(QStringLiteral("sub/C.dll"), PluginFixture::built(c)));
+        QVERIFY(_fixture->write("A.dll"_s, PluginFixture::built(a)));
+        QVERIFY(_fixture->write("b.dll"_s, PluginFixture::built(b)));
+        QVERIFY(_fixture->write("sub/C.dll"_s, PluginFixture::built(c)));
     }
 
 private Q_SLOTS:
@@ -84,12 +86,11 @@ private Q_SLOTS:
             QVERIFY(_fixture->write(QString::fromLatin1(name)));
         // Links to a directory above, to one that the scan would come to later, and to one outside.
         const QString plugins = _fixture->plugin(QString());
-        QVERIFY(QFile::link(plugins, plugins + QStringLiteral("sub/loop")));
-        QVERIFY(QFile::link(plugins + QStringLiteral("real"), plugins + QStringLiteral("link")));
-        QVERIFY(QDir().mkdir(_fixture->path(QStringLiteral("outside"))));
-        QVERIFY(QFile::link(_fixture->path(QStringLiteral("outside")),
-                            plugins + QStringLiteral("zone")));
-        QVERIFY(_fixture->write(QStringLiteral("zone/z.dll")));
+        QVERIFY(QFile::link(plugins, plugins + "sub/loop"_s));
+        QVERIFY(QFile::link(plugins + "real"_s, plugins + "link"_s));
+        QVERIFY(QDir().mkdir(_fixture->path("outside"_s)));
+        QVERIFY(QFile::link(_fixture->path("outside"_s), plugins + "zone"_s));
+        QVERIFY(_fixture->write("zone/z.dll"_s));
 
         QStringList expected;
         for (const char* name : {"b.dll", "link/r.dll", "sub/c.dll", "zone/z.dll"})
@@ -100,15 +101,15 @@ private Q_SLOTS:
     void scansOnce()
     {
         QCOMPARE(PluginLoader::pluginFiles(), QStringList());
-        QVERIFY(_fixture->write(QStringLiteral("one.dll")));
+        QVERIFY(_fixture->write("one.dll"_s));
         const QStringList one = PluginLoader::pluginFiles();
         QCOMPARE(one.size(), 1);
-        QVERIFY(_fixture->write(QStringLiteral("another.dll")));
+        QVERIFY(_fixture->write("another.dll"_s));
         QCOMPARE(PluginLoader::pluginFiles(), one);
         PluginLoader::loadPlugins(true);
         QCOMPARE(PluginLoader::pluginCount(), 2);
 
-        Core::Settings::instance().setPluginDirPath(_fixture->path(QStringLiteral("missing")));
+        Core::Settings::instance().setPluginDirPath(_fixture->path("missing"_s));
         QVERIFY(PluginLoader::pluginsPath().isEmpty());
         PluginLoader::loadPlugins(true);
         QCOMPARE(PluginLoader::pluginFiles(), QStringList());
@@ -135,18 +136,18 @@ private Q_SLOTS:
         QFETCH(quint64, id);
         QFETCH(Verdict, verdict);
         Core::BoardEthDescHandler::instance()->setCurrentBoardEthDescType(board);
-        RecordingPlugin plugin(QStringLiteral("P"), id, boardTypes);
+        RecordingPlugin plugin("P"_s, id, boardTypes);
 
         const char* asked = verdict == Verdict::OtherBoard ? "boards" : "boards id";
         QCOMPARE(PluginLoader::verdictOn(&plugin), verdict);
-        QCOMPARE(RecordingPlugin::takeCalls(), calls(QStringLiteral("P"), asked));
+        QCOMPARE(RecordingPlugin::takeCalls(), calls("P"_s, asked));
         QCOMPARE(names().first(), QString());
 
         const bool isAccepted = verdict == Verdict::Accepted;
         QCOMPARE(PluginLoader::loadPlugin(&plugin, true, QString()), isAccepted);
         QCOMPARE(RecordingPlugin::takeCalls(),
-                 calls(QStringLiteral("P"), isAccepted ? "boards id info start" : asked));
-        QCOMPARE(names().first(), QString(isAccepted ? QStringLiteral("P") : QString()));
+                 calls("P"_s, isAccepted ? "boards id info start" : asked));
+        QCOMPARE(names().first(), QString(isAccepted ? "P"_s : QString()));
     }
 
     void judgesOtherObjects()
@@ -162,22 +163,21 @@ private Q_SLOTS:
         QVERIFY(undeclared.optionalFlag() && undeclared.optionalText().isEmpty());
         QVERIFY(undeclared.isActive() && !undeclared.needSaveDocBeforeStart());
 
-        RecordingPlugin plugin(QStringLiteral("P"), 1, -1);
+        RecordingPlugin plugin("P"_s, 1, -1);
         PluginLoader::unloadPlugin(&plugin);
-        QCOMPARE(RecordingPlugin::takeCalls(), calls(QStringLiteral("P"), "stop"));
+        QCOMPARE(RecordingPlugin::takeCalls(), calls("P"_s, "stop"));
         Core::BoardEthDescHandler::destruct();
         QCOMPARE(PluginLoader::verdictOn(&plugin), Verdict::OtherBoard);
     }
 
     void loadsAndUnloadsInOrder()
     {
-        const QString board = QStringLiteral("PluginOfOtherBoard");
-        const QString noIdentifier = QStringLiteral("PluginWithoutIdentifier");
+        const QString board = "PluginOfOtherBoard"_s;
+        const QString noIdentifier = "PluginWithoutIdentifier"_s;
         writeThree();
-        QVERIFY(_fixture->write(QStringLiteral("a1.dll"), PluginFixture::built(board)));
-        QVERIFY(_fixture->write(QStringLiteral("b1.dll"),
-                                PluginFixture::built(QStringLiteral("OtherInterface"))));
-        QVERIFY(_fixture->write(QStringLiteral("sub/d.dll"), PluginFixture::built(noIdentifier)));
+        QVERIFY(_fixture->write("a1.dll"_s, PluginFixture::built(board)));
+        QVERIFY(_fixture->write("b1.dll"_s, PluginFixture::built("OtherInterface"_s)));
+        QVERIFY(_fixture->write("sub/d.dll"_s, PluginFixture::built(noIdentifier)));
 
         PluginLoader::loadPlugins(true);
         QCOMPARE(RecordingPlugin::takeCalls(),
@@ -187,9 +187,9 @@ private Q_SLOTS:
         for (const char* name : {"b.dll", "A.dll", "b1.dll", "sub/d.dll", "missing.dll"})
             PluginLoader::unloadPlugin(_fixture->plugin(QString::fromLatin1(name)));
         QCOMPARE(RecordingPlugin::takeCalls(), QStringList());
-        PluginLoader::unloadPlugin(_fixture->plugin(QStringLiteral("sub/../sub/C.dll")));
+        PluginLoader::unloadPlugin(_fixture->plugin("sub/../sub/C.dll"_s));
         QCOMPARE(RecordingPlugin::takeCalls(), calls(c, "stop destroy"));
-        PluginLoader::unloadPlugin(_fixture->plugin(QStringLiteral("b.dll")));
+        PluginLoader::unloadPlugin(_fixture->plugin("b.dll"_s));
         QCOMPARE(RecordingPlugin::takeCalls(), calls(b, "stop destroy"));
         PluginLoader::unloadPlugins();
         QCOMPARE(RecordingPlugin::takeCalls(), calls(a, "stop destroy"));
@@ -197,8 +197,7 @@ private Q_SLOTS:
         QCOMPARE(PluginLoader::pluginCount(), 6);
         QCOMPARE(names(), QStringList({a, b, c, QString()}));
         for (const int index : {-1, 3, 6})
-            QCOMPARE(PluginLoader::pluginInfoOf(index).keys(),
-                     QStringList{QStringLiteral("QtVersion")});
+            QCOMPARE(PluginLoader::pluginInfoOf(index).keys(), QStringList{"QtVersion"_s});
     }
 
     void loadsTwice()
@@ -214,7 +213,7 @@ private Q_SLOTS:
 
         // While the file of the last one is gone, none can be unloaded. Each is loaded twice over,
         // and gone only with the second.
-        const QString file = _fixture->plugin(QStringLiteral("sub/C.dll"));
+        const QString file = _fixture->plugin("sub/C.dll"_s);
         QVERIFY(QFile::rename(file, file + u'~'));
         PluginLoader::unloadPlugins();
         QCOMPARE(RecordingPlugin::takeCalls(), QStringList());
@@ -228,9 +227,7 @@ private Q_SLOTS:
 
     void keepsIDValue()
     {
-        const auto runValue = [] {
-            return Core::Settings::instance().runValue(QStringLiteral("PluginIDValue"));
-        };
+        const auto runValue = [] { return Core::Settings::instance().runValue("PluginIDValue"_s); };
         QVERIFY(!PluginLoader::writePluginIDValue(0));
         PluginLoader::initPluginIDValue();
         QVERIFY(PluginLoader::writePluginIDValue(ULLONG_MAX));
@@ -242,7 +239,7 @@ private Q_SLOTS:
         Core::Settings::instance().init();
         PluginLoader::initPluginIDValue();
         QCOMPARE(runValue(), QVariant(ULLONG_MAX));
-        Core::Settings::instance().setValue(QStringLiteral("Plugin/value"), QStringLiteral("many"));
+        Core::Settings::instance().setValue("Plugin/value"_s, "many"_s);
         QCOMPARE(PluginLoader::readPluginIDValue(), 0ULL);
     }
 };

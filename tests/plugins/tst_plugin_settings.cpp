@@ -1,3 +1,5 @@
+#include <support/Literals.h>
+
 #include <ovcore/Settings.h>
 #include <plugins/PluginBaseSettings.h>
 
@@ -10,8 +12,8 @@
 
 using App::PluginBaseSettings;
 
-static const QString marker = QStringLiteral("Marker");
-static const QString key = QStringLiteral("Laser/speed");
+static const QString marker = "Marker"_s;
+static const QString key = "Laser/speed"_s;
 
 /// What the child process does: counts in its settings, and tells each number once it is stored.
 [[noreturn]] static void count(const QString& applicationDirPath)
@@ -51,11 +53,11 @@ private Q_SLOTS:
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("ini");
         QTest::addColumn<QString>("config");
-        QTest::newRow("name") << marker << QStringLiteral("Marker/Marker.ini")
-                              << QStringLiteral("Marker/Marker.cfg");
-        QTest::newRow("empty") << QString() << QStringLiteral(".ini") << QStringLiteral(".cfg");
-        QTest::newRow("missing parent")
-            << QStringLiteral("x/y") << QString() << QStringLiteral("x/y/x/y.cfg");
+        QTest::newRow("name") << marker << "Marker/Marker.ini"_s
+                              << "Marker/Marker.cfg"_s;
+        QTest::newRow("empty") << QString() << ".ini"_s
+                               << ".cfg"_s;
+        QTest::newRow("missing parent") << "x/y"_s << QString() << "x/y/x/y.cfg"_s;
     }
     void namesItsFiles()
     {
@@ -88,8 +90,8 @@ private Q_SLOTS:
         for (int i = 0; i < 2; ++i) {
             settings.resetParams();
             QVERIFY(!config.exists());
-            QVERIFY(QFile::exists(path(QStringLiteral("Marker/Marker.ini"))));
-            QVERIFY(contentOf(QStringLiteral("Marker/Marker.ini")).trimmed().isEmpty());
+            QVERIFY(QFile::exists(path("Marker/Marker.ini"_s)));
+            QVERIFY(contentOf("Marker/Marker.ini"_s).trimmed().isEmpty());
             QVERIFY(settings.hasRunValue(key));
         }
         settings.removeRunValue(key);
@@ -102,10 +104,10 @@ private Q_SLOTS:
         source->setRunValue(key, 1);
         source->qSettings().setValue(key, 2);
         PluginBaseSettings copy(*source);
-        PluginBaseSettings assigned(QStringLiteral("Other"));
+        PluginBaseSettings assigned("Other"_s);
         assigned.qSettings().setValue(key, 3);
         assigned = *source;
-        QVERIFY(contentOf(QStringLiteral("Other/Other.ini")).contains("speed=3"));
+        QVERIFY(contentOf("Other/Other.ini"_s).contains("speed=3"));
         source->removeRunValue(key);
         source.reset();
 
@@ -117,8 +119,8 @@ private Q_SLOTS:
             QCOMPARE(settings->workingDirPath(), path(marker));
             QCOMPARE(settings->value(key).toInt(), value);
             settings->setValue(key, ++value);
-            QVERIFY(contentOf(QStringLiteral("Marker/Marker.ini"))
-                        .contains("speed=" + QByteArray::number(value)));
+            QVERIFY(
+                contentOf("Marker/Marker.ini"_s).contains("speed=" + QByteArray::number(value)));
         }
     }
 
@@ -154,11 +156,11 @@ private Q_SLOTS:
             const QString directory = path(QString::number(round));
             QVERIFY(QDir().mkdir(directory));
             Core::Settings::instance().setApplicationDirPath(directory);
-            PluginBaseSettings(marker).setValue(QStringLiteral("bulk"), bulk);
+            PluginBaseSettings(marker).setValue("bulk"_s, bulk);
 
             QProcess child;
-            child.start(QCoreApplication::applicationFilePath(),
-                        {QStringLiteral("--count"), directory}, QIODevice::ReadOnly);
+            child.start(QCoreApplication::applicationFilePath(), {"--count"_s, directory},
+                        QIODevice::ReadOnly);
             int last = 0;
             // The moment varies, so that the end comes at any point of a call.
             while (last < 20 + 3 * round) {
@@ -175,9 +177,9 @@ private Q_SLOTS:
             PluginBaseSettings settings(marker);
             const int stored = settings.value(key).toInt();
             QVERIFY2(stored == last || stored == last + 1,
-                     qPrintable(QStringLiteral("%1 after %2").arg(stored).arg(last)));
+                     qPrintable("%1 after %2"_s.arg(stored).arg(last)));
             QCOMPARE(settings.qSettings().status(), QSettings::NoError);
-            QCOMPARE(settings.value(QStringLiteral("bulk")).toByteArray(), bulk);
+            QCOMPARE(settings.value("bulk"_s).toByteArray(), bulk);
         }
     }
 };
@@ -185,7 +187,7 @@ private Q_SLOTS:
 int main(int argc, char* argv[])
 {
     QCoreApplication application(argc, argv);
-    if (QCoreApplication::arguments().value(1) == QLatin1String("--count"))
+    if (QCoreApplication::arguments().value(1) == "--count"_s)
         count(QCoreApplication::arguments().value(2));
     tst_plugin_settings test;
     return QTest::qExec(&test, argc, argv);

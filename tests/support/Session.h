@@ -1,5 +1,7 @@
 #pragma once
 
+#include <support/Literals.h>
+
 #include <app/Application.h>
 #include <ovcore/Settings.h>
 
@@ -14,7 +16,7 @@ public:
     /// `settings` is what "ovapp.ini" holds at start-up.
     explicit Session(const QByteArray& settings = QByteArray())
     {
-        write(QStringLiteral("ovapp.ini"), settings);
+        write("ovapp.ini"_s, settings);
         Core::Settings::instance().setApplicationDirPath(_directory.path());
         App::Application::init();
     }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <support/Literals.h>
+
 #include <QByteArray>
 #include <QDir>
 #include <QFile>
@@ -20,7 +22,7 @@ inline void findIn(const QString& directory)
 /// Whether it is a tool of Windows, which no search path hides.
 inline bool isAlwaysFound(const QString& tool)
 {
-    const QString systemDirectory = qEnvironmentVariable("SystemRoot") + QLatin1String("/System32");
+    const QString systemDirectory = qEnvironmentVariable("SystemRoot") + "/System32"_s;
     return !QStandardPaths::findExecutable(tool, {systemDirectory}).isEmpty();
 }
 
