@@ -93,23 +93,20 @@ std::optional<int> parse(QCommandLineParser& parser, const QStringList& argument
     return std::nullopt;
 }
 
-std::optional<int> noArguments(const QCommandLineParser& parser)
-{
-    if (parser.positionalArguments().isEmpty())
-        return std::nullopt;
-    return fail(BadUsage, QStringLiteral("%1 is no option, and nothing else is taken")
-                              .arg(quoted(parser.positionalArguments().first())));
-}
-
 int fail(ExitStatus status, const QString& message)
 {
-    print(stderr, programName + QLatin1String(": ") + onOneLine(message));
+    QTextStream(stderr) << failureLine(message);
     return status;
 }
 
 void warn(const QString& message)
 {
     print(stderr, programName + QLatin1String(": warning: ") + onOneLine(message));
+}
+
+QString failureLine(const QString& message)
+{
+    return programName + QLatin1String(": ") + onOneLine(message) + QLatin1Char('\n');
 }
 
 QString quoted(const QString& text)

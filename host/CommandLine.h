@@ -25,15 +25,14 @@ int runCommand(const QStringList& arguments);
 /// Returns the status to end with if that is all: after --help, --version and wrong usage.
 std::optional<int> parse(QCommandLineParser& parser, const QStringList& arguments);
 
-/// Returns the status to end with if a command that takes none was given other arguments than
-/// options.
-std::optional<int> noArguments(const QCommandLineParser& parser);
-
 /// Says on standard error what is wrong, and returns the status to end with. Control characters in
 /// the message are escaped, so that it stays one line.
 int fail(ExitStatus status, const QString& message);
 /// Says on standard error, in the same way, what is amiss though the job goes on.
 void warn(const QString& message);
+
+/// The line that `fail` says, with its end.
+QString failureLine(const QString& message);
 
 /// A text of the user's, as messages show it.
 QString quoted(const QString& text);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <plugins/PluginLoader.h>
+#include <system/LastWords.h>
 
 #include <QPluginLoader>
 #include <QString>
@@ -15,7 +16,8 @@ namespace Host {
 class PluginReport
 {
 public:
-    /// Loads the file.
+    /// Loads the file. If a plug-in ends the program, here or in what follows, the host's last line
+    /// says which one it was and what was done with it.
     explicit PluginReport(const QString& file);
 
     bool isAccepted() const;
@@ -44,6 +46,9 @@ public:
     QJsonObject toJson() const;
 
 private:
+    /// What the host says if the plug-in ends the program while something `isDone` with it.
+    System::LastWords lastWords(const char* isDone) const;
+
     const QString _file;
     QPluginLoader _loader;
     App::PluginLoader::Verdict _verdict;

@@ -106,11 +106,7 @@ int plugins(const QStringList& arguments)
         QStringLiteral("Start and stop the plug-ins, too, and say how long that took."));
     const QCommandLineOption json(QStringLiteral("json"), QStringLiteral("Print JSON."));
     parser.addOptions({profile, json});
-    if (const std::optional<int> status = parse(parser, arguments))
-        return *status;
-    if (const std::optional<int> status = noArguments(parser))
-        return *status;
-    if (const std::optional<int> status = options.read(parser))
+    if (const std::optional<int> status = options.parse(parser, arguments))
         return *status;
 
     options.startLibrary();

@@ -18,6 +18,8 @@
 #include <ovdoc/Transaction.h>
 #include <plugins/PluginLoader.h>
 #include <registries/CommInfoRegistry.h>
+#include <system/InterruptWatcher.h>
+#include <system/LastWords.h>
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -25,6 +27,9 @@
 #include <QEventLoop>
 #include <QPluginLoader>
 #include <QTimer>
+
+#include <memory>
+#include <optional>
 
 namespace Host {
 
@@ -64,15 +69,21 @@ void changeDocument(Doc::Document* document, SessionReceiver& receiver)
                        Core::BoardEthDescHandler::instance()->currentBoardEthDescType()));
 }
 
-void runChannels(Report& report)
+/// Keeps the channels started until an interrupt if they are to `stay`, else for some heartbeats.
+void runChannels(bool stay, Report& report)
 {
     App::CommInfoRegistry& channels = *App::CommInfoRegistry::instance();
     HeartbeatChannel heartbeat(report);
     channels.registerCommInfo(&heartbeat);
     channels.start();
     QEventLoop loop;
-    QTimer::singleShot(70, &loop, &QEventLoop::quit);
+    std::optional<System::InterruptWatcher> watcher;
+    if (stay)
+        watcher.emplace([&loop] { loop.quit(); });
+    else
+        QTimer::singleShot(70, &loop, &QEventLoop::quit);
     loop.exec();
+    watcher.reset();
     channels.stop();
     channels.unregisterCommInfo(&heartbeat);
 }
@@ -84,7 +95,7 @@ int cannotOpen(const QString& path)
 }
 
 /// Opens the document, changes it, reverts it and closes it.
-int useDocument(const QString& path, SessionReceiver& receiver, Report& report)
+int useDocument(const QString& path, bool stay, SessionReceiver& receiver, Report& report)
 {
     App::Application& application = App::Application::instance();
     report.line(host, QStringLiteral("opens the document"));
@@ -98,7 +109,7 @@ int useDocument(const QString& path, SessionReceiver& receiver, Report& report)
     QCoreApplication::processEvents();
 
     report.line(host, QStringLiteral("starts and stops the channels"));
-    runChannels(report);
+    runChannels(stay, report);
 
     report.line(host, QStringLiteral("reverts the document: activates it as it is on disk"));
     int status = Success;
@@ -113,12 +124,25 @@ int useDocument(const QString& path, SessionReceiver& receiver, Report& report)
     return status;
 }
 
+/// What is said if a plug-in ends the program while something `isDone` with all of them.
+System::LastWords lastWords(const char* isDone)
+{
+    const QString line = failureLine(
+        QStringLiteral("a plug-in has ended the program while the plug-ins were %1; ovapp-host "
+                       "plugins --profile says which one")
+            .arg(QLatin1String(isDone)));
+    return {line.toLocal8Bit(), JobFailed};
+}
+
 void loadPlugins(Report& report)
 {
     using App::PluginLoader;
     report.line(host, QStringLiteral("loads and starts the plug-ins"));
     PluginLoader::initPluginIDValue();
-    PluginLoader::loadPlugins(true);
+    {
+        const System::LastWords words = lastWords("loaded and started");
+        PluginLoader::loadPlugins(true);
+    }
     const QDir directory(PluginLoader::pluginsPath());
     for (const QString& file : PluginLoader::pluginFiles()) {
         report.line(host, directory.relativeFilePath(file) +
@@ -130,7 +154,7 @@ void loadPlugins(Report& report)
 }
 
 /// What an executable does between start-up and shutdown.
-int useApplication(const QString& document, Report& report)
+int useApplication(const QString& document, bool stay, Report& report)
 {
     SessionListener listener(report);
     SessionReceiver receiver(report);
@@ -139,9 +163,10 @@ int useApplication(const QString& document, Report& report)
     report.line(host, QStringLiteral("has completed its own start-up"));
     App::Application::instance().doAppStartFinished();
 
-    const int status = useDocument(document, receiver, report);
+    const int status = useDocument(document, stay, receiver, report);
 
     report.line(host, QStringLiteral("stops and unloads the plug-ins"));
+    const System::LastWords words = lastWords("stopped and unloaded");
     App::PluginLoader::unloadPlugins();
     return status;
 }
@@ -157,13 +182,11 @@ int run(const QStringList& arguments)
     const QCommandLineOption document(QStringLiteral("document"),
                                       QStringLiteral("The document to open; a sample by default."),
                                       QStringLiteral("FILE"), sampleDocument());
-    parser.addOption(document);
+    const QCommandLineOption stay(QStringLiteral("stay"),
+                                  QStringLiteral("Keep the channels started until Ctrl+C."));
+    parser.addOptions({document, stay});
     SessionOptions options(parser);
-    if (const std::optional<int> status = parse(parser, arguments))
-        return *status;
-    if (const std::optional<int> status = noArguments(parser))
-        return *status;
-    if (const std::optional<int> status = options.read(parser))
+    if (const std::optional<int> status = options.parse(parser, arguments))
         return *status;
 
     Report report;
@@ -171,7 +194,7 @@ int run(const QStringList& arguments)
     report.line(host, QStringLiteral("starts the library"));
     options.startLibrary();
 
-    const int status = useApplication(parser.value(document), report);
+    const int status = useApplication(parser.value(document), parser.isSet(stay), report);
 
     report.line(host, QStringLiteral("stops the library"));
     App::Application::destruct();

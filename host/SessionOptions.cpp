@@ -44,9 +44,17 @@ SessionOptions::SessionOptions(QCommandLineParser& parser)
     parser.addOptions({_pluginDirOption, _boardOption, _applicationDirOption});
 }
 
-std::optional<int> SessionOptions::read(const QCommandLineParser& parser)
+std::optional<int> SessionOptions::parse(QCommandLineParser& parser, const QStringList& arguments)
 {
+    if (const std::optional<int> status = Host::parse(parser, arguments))
+        return status;
+    if (!parser.positionalArguments().isEmpty()) {
+        return fail(BadUsage, QStringLiteral("%1 is no option, and nothing else is taken")
+                                  .arg(quoted(parser.positionalArguments().first())));
+    }
     _applicationDir = parser.value(_applicationDirOption);
+    if (_applicationDir.isEmpty() && parser.isSet(_applicationDirOption))
+        return fail(BadUsage, QStringLiteral("--app-dir: a directory is wanted, not nothing"));
     if (parser.isSet(_pluginDirOption)) {
         _pluginDir = parser.value(_pluginDirOption);
         if (!QFileInfo(_pluginDir).isDir()) {

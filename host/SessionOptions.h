@@ -6,6 +6,7 @@
 #include <optional>
 
 class QCommandLineParser;
+class QStringList;
 
 namespace Host {
 
@@ -16,8 +17,9 @@ public:
     /// Adds the options to the parser.
     explicit SessionOptions(QCommandLineParser& parser);
 
-    /// Reads them once the parser has parsed. Returns the status to end with if they are wrong.
-    std::optional<int> read(const QCommandLineParser& parser);
+    /// Has the parser parse a command's arguments, which are nothing but options, and reads these
+    /// ones. Returns the status to end with if that is all: see Host::parse.
+    std::optional<int> parse(QCommandLineParser& parser, const QStringList& arguments);
 
     /// Brings the library up with them.
     void startLibrary() const;

@@ -177,6 +177,8 @@ log: destruct application.)"_s;
         QTest::newRow("unknown option") << words("run --fast") << 2 << "fast";
         QTest::newRow("option without value") << words("run --document") << 2 << "document";
         QTest::newRow("argument") << words("run a.ovdoc") << 2 << "'a.ovdoc'";
+        QTest::newRow("directory")
+            << QStringList({"run"_s, "--app-dir"_s, QString()}) << 2 << "--app-dir: a directory";
         QTest::newRow("board") << words("run --board left") << 2 << "--board: 'left'";
         QTest::newRow("no host") << words("ping") << 2 << "one host is wanted, not 0";
         QTest::newRow("two hosts") << words("trace a b") << 2 << "one host is wanted, not 2";
@@ -290,6 +292,61 @@ log: destruct application.)"_s;
 #else
         QSKIP("no way here to interrupt one process");
 #endif
+    }
+
+    void staysUntilInterrupted()
+    {
+#ifdef Q_OS_UNIX
+        QProcess host;
+        host.start(QStringLiteral(OVAPP_HOST),
+                   {"run"_s, "--stay"_s, "--app-dir"_s, _directory.path(), "--plugins"_s,
+                    _directory.path()});
+        // More beats than there is time for otherwise.
+        QByteArray output;
+        while (output.count("is alive") < 10) {
+            QVERIFY(host.waitForReadyRead());
+            output += host.readAllStandardOutput();
+        }
+        QCOMPARE(::kill(static_cast<pid_t>(host.processId()), SIGINT), 0);
+        const Outcome outcome = outcomeOf(host);
+        QCOMPARE(outcome.status, 0);
+        QVERIFY(outcome.output.last().endsWith("destruct application."_s));
+#else
+        QSKIP("no way here to interrupt one process");
+#endif
+    }
+
+    void failingPlugin_data()
+    {
+        QTest::addColumn<QString>("arguments");
+        QTest::addColumn<QByteArray>("failure");
+        QTest::addColumn<QString>("error");
+        const QString named =
+            "ovapp-host: 'FailingPlugin.dll' has ended the program while it was "_s;
+        QTest::newRow("crash") << "plugins" << QByteArray("crash loaded")
+                               << named + "loaded and asked what it is"_s;
+        QTest::newRow("exit") << "plugins" << QByteArray("exit unloaded") << named + "unloaded"_s;
+        QTest::newRow("exception")
+            << "plugins --profile" << QByteArray("throw started") << named + "started"_s;
+        QTest::newRow("at the end")
+            << "plugins --profile" << QByteArray("crash stopped") << named + "stopped"_s;
+        QTest::newRow("in a session")
+            << "run" << QByteArray("exit started")
+            << "ovapp-host: a plug-in has ended the program while the plug-ins were loaded and "
+               "started; ovapp-host plugins --profile says which one";
+    }
+
+    void failingPlugin()
+    {
+        QFETCH(QString, arguments);
+        QFETCH(QByteArray, failure);
+        QFETCH(QString, error);
+        qputenv("FAILING_PLUGIN", failure);
+        const Outcome outcome = runHost(words(qPrintable(arguments)) +
+                                        QStringList({"--app-dir"_s, _directory.path(),
+                                                     "--plugins"_s, FAILING_PLUGIN_DIR ""_s}));
+        QCOMPARE(outcome.errors, QStringList(error));
+        QCOMPARE(outcome.status, 1);
     }
 
 private:

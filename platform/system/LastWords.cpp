@@ -1,0 +1,74 @@
+#include <system/LastWords.h>
+
+#include <atomic>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+
+#ifdef Q_OS_WIN
+#include <qt_windows.h>
+#else
+#include <unistd.h>
+#endif
+
+namespace System {
+
+namespace {
+
+constexpr int crashes[] = {
+    SIGABRT, SIGFPE, SIGILL, SIGSEGV,
+#ifdef Q_OS_UNIX
+    SIGBUS,
+#endif
+};
+
+/// Null while there is nothing to say. A crash may be anywhere, so no more than these is touched.
+std::atomic<const QByteArray*> wordsToSay{nullptr};
+std::atomic<int> statusToEndWith{0};
+std::terminate_handler formerTerminateHandler = nullptr;
+
+[[noreturn]] void sayAndEnd()
+{
+    if (const QByteArray* words = wordsToSay.exchange(nullptr)) {
+#ifdef Q_OS_WIN
+        DWORD written = 0;
+        WriteFile(GetStdHandle(STD_ERROR_HANDLE), words->constData(),
+                  static_cast<DWORD>(words->size()), &written, nullptr);
+#else
+        [[maybe_unused]] const ssize_t written =
+            ::write(STDERR_FILENO, words->constData(), static_cast<std::size_t>(words->size()));
+#endif
+    }
+    std::_Exit(statusToEndWith);
+}
+
+void sayAtExit()
+{
+    if (!wordsToSay)
+        return;
+    std::fflush(nullptr);
+    sayAndEnd();
+}
+
+} // namespace
+
+LastWords::LastWords(const QByteArray& words, int status) : _words(words)
+{
+    [[maybe_unused]] static const int registered = std::atexit(sayAtExit);
+    statusToEndWith = status;
+    wordsToSay = &_words;
+    formerTerminateHandler = std::set_terminate(sayAndEnd);
+    for (const int crash : crashes)
+        std::signal(crash, [](int) { sayAndEnd(); });
+}
+
+LastWords::~LastWords()
+{
+    for (const int crash : crashes)
+        std::signal(crash, SIG_DFL);
+    std::set_terminate(formerTerminateHandler);
+    wordsToSay = nullptr;
+}
+
+} // namespace System
