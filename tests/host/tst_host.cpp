@@ -139,10 +139,8 @@ log: destruct application.)"_s;
         QTest::newRow("other version")
             << "later" << QByteArray(R"({"format": "ovdoc", "version": 2})") << "\"version\"";
         QTest::newRow("name of two lines") << "a\nb" << QByteArray() << "a\\x0ab";
-#ifdef Q_OS_LINUX
         // A file that opens and cannot be read, for the administrator either.
         QTest::newRow("unreadable") << "/proc/self/mem" << QByteArray() << "Input/output error";
-#endif
     }
 
     void documents()
@@ -150,6 +148,8 @@ log: destruct application.)"_s;
         QFETCH(QString, name);
         QFETCH(QByteArray, content);
         QFETCH(QString, problem);
+        if (name.startsWith(u'/') && QSysInfo::kernelType() != "linux"_s)
+            QSKIP("No file here that opens and cannot be read");
         const QString path = QDir(_directory.path()).absoluteFilePath(name);
         if (!content.isNull()) {
             QFile file(path);
