@@ -19,7 +19,7 @@ void noteTold(const QString& told)
         "%1 while %2"_s.arg(told, nameOf(Application::instance().activateDocument())));
 }
 
-QStringList parts(const QString& text, QChar separator)
+QStringList parts(QChar separator, const QString& text)
 {
     QStringList result;
     for (const QString& part : text.split(separator, Qt::SkipEmptyParts))
@@ -46,8 +46,8 @@ const QMap<QString, QString> documentCalls{
 QStringList callsOf(const QString& steps)
 {
     QStringList calls;
-    for (const QString& step : parts(steps, u','))
-        calls += parts(documentCalls.value(step.section(u' ', 0, 0)), u';')
+    for (const QString& step : parts(u',', steps))
+        calls += parts(u';', documentCalls.value(step.section(u' ', 0, 0)))
                      .replaceInStrings("%1"_s, step.section(u' ', 1));
     return calls;
 }
@@ -93,7 +93,7 @@ private Q_SLOTS:
 
     void startUpAndShutdown()
     {
-        const QStringList up = parts(R"(
+        const QStringList up = parts(u'\n', R"(
         System::setThreadExecutionState(80000041)
         Core::Settings::init
         Core::Settings::value(Debug/file, bool false)
@@ -117,9 +117,8 @@ private Q_SLOTS:
         Doc::ObjectGroupEntity::initPropertyType
         registries are up
         Core::SystemBackupManager::init
-        Doc::EntityClipboard::init)"_s,
-                                     u'\n');
-        const QStringList down = parts(R"(
+        Doc::EntityClipboard::init)"_s);
+        const QStringList down = parts(u'\n', R"(
         Doc::EntityClipboard::destruct
         Core::SystemBackupManager::destruct
         registries are down
@@ -134,8 +133,7 @@ private Q_SLOTS:
         Core::~ConsoleObserverFile
         Core::Settings::destruct
         System::setThreadExecutionState(80000000)
-        Core::ConsoleSingleton::log(destruct application.))"_s,
-                                       u'\n');
+        Core::ConsoleSingleton::log(destruct application.))"_s);
         const QStringList ofTheFile{
             "Core::ConsoleObserverFile(log.txt)"_s, "Core::ConsoleSingleton::attachObserver"_s,
             "Core::ConsoleSingleton::detachObserver"_s, "Core::~ConsoleObserverFile"_s};
@@ -237,31 +235,29 @@ private Q_SLOTS:
         Application& application = Application::instance();
         Listener listener(noteTold);
         add(application, &listener);
-        const auto documentAt = [](const QString& path) -> Doc::Document* {
+        const auto documentAt = [this](const QString& path) -> Doc::Document* {
             if (path == "none"_s)
                 return nullptr;
             const auto document = new Doc::Document(nullptr);
             document->setFilePath(path);
+            layer.calls.clear();
             return document;
         };
         Doc::Document* const former = documentAt(active);
         application.setActivateDocument(former);
+        layer.calls.clear();
 
         const QString path = operation.section(u' ', 1);
         QString result;
-        if (operation.startsWith("activate"_s)) {
-            Doc::Document* const document = path == active ? former : documentAt(path);
-            layer.calls.clear();
-            application.setActivateDocument(document);
-            result = nameOf(application.activateDocument());
+        if (operation.startsWith("new"_s)) {
+            result = nameOf(application.newDocument(path));
+        } else if (operation.startsWith("open"_s)) {
+            result = nameOf(application.openDocument(path));
+        } else if (operation == "close"_s) {
+            result = application.closeDocument() ? "true"_s : "false"_s;
         } else {
-            layer.calls.clear();
-            if (operation == "close"_s)
-                result = application.closeDocument() ? "true"_s : "false"_s;
-            else if (operation.startsWith("open"_s))
-                result = nameOf(application.openDocument(path));
-            else
-                result = nameOf(application.newDocument(path));
+            application.setActivateDocument(path == active ? former : documentAt(path));
+            result = nameOf(application.activateDocument());
         }
         QTEST(result, "result");
         QCOMPARE(layer.calls, callsOf(steps));

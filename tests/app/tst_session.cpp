@@ -1,10 +1,9 @@
 #include <support/ConsoleRecorder.h>
+#include <support/Listener.h>
 #include <support/Literals.h>
 #include <support/Session.h>
 
-#include <app/AppStartFinishListener.h>
 #include <ovcore/BoardEthDescHandler.h>
-#include <ovdoc/Document.h>
 #include <ovdoc/Storage.h>
 #include <registries/ExtendPluginInfo.h>
 #include <registries/ExtendPluginRegistry.h>
@@ -50,11 +49,6 @@ QByteArrayList linesOf(const QString& path)
         return {};
     return file.readAll().split('\n');
 }
-
-struct Listener : App::AppStartFinishListener
-{
-    void updateAppStartFinishListener() override {}
-};
 
 struct Description : App::ExtendPluginInfo
 {
@@ -113,7 +107,7 @@ private Q_SLOTS:
     void startsAgainAfresh()
     {
         // None of them is the library's to delete; they could not be, either.
-        Listener listener;
+        Listener listener([](const QString&) {});
         Description description;
         Doc::Document document(new Doc::Storage);
         document.setFilePath("left.ovdoc"_s);
@@ -123,7 +117,7 @@ private Q_SLOTS:
             QCOMPARE(Core::BoardEthDescHandler::instance()->currentBoardEthDescType(), 6);
             Core::BoardEthDescHandler::instance()->setCurrentBoardEthDescType(8);
             App::ExtendPluginRegistry::instance().registerExtendInfo(&description);
-            session.application().addStartFinishListener(&listener);
+            add(session.application(), &listener);
             session.application().setActivateDocument(&document);
         }
         QCOMPARE(System::setThreadExecutionState(0x80000000u), 0x80000000u);
