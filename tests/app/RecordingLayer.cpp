@@ -22,7 +22,6 @@
 #include <ovdoc/Layer.h>
 #include <ovdoc/ObjectGroupEntity.h>
 #include <ovdoc/Storage.h>
-#include <ovdoc/Transaction.h>
 #include <ovshape/FontDatabase.h>
 #include <ovshape/FontPluginLoader.h>
 #include <system/ExecutionState.h>
@@ -37,17 +36,12 @@ RecordingLayer& RecordingLayer::instance()
 
 void RecordingLayer::note(const QString& call)
 {
-    instance().calls.append(call);
     if (instance().onCall)
         instance().onCall(call);
+    instance().calls.append(call);
 }
 
 namespace {
-
-void note(const char* call, const QString& arguments)
-{
-    RecordingLayer::note(QLatin1String(call) + u'(' + arguments + u')');
-}
 
 QString text(const QVariant& value)
 {
@@ -61,37 +55,28 @@ QString text(const QVariant& value)
     {                                                                                              \
         RecordingLayer::note(QStringLiteral(#call));                                               \
     }
+#define RECORDED_SERVICE(name) RECORDED(name::init) RECORDED(name::destruct)
 
+RECORDED_SERVICE(Core::Settings)
+RECORDED_SERVICE(Core::SystemBackupManager)
+RECORDED_SERVICE(Core::SystemTimerManager)
+RECORDED_SERVICE(Core::BoardEthDescHandler)
+RECORDED_SERVICE(Database::DatabaseHandlerFactory)
+RECORDED_SERVICE(Database::DatabaseManager)
+RECORDED_SERVICE(Database::MemoryDatabaseManager)
+RECORDED_SERVICE(Doc::EntityClipboard)
+RECORDED_SERVICE(Doc::EntityInfoRegistry)
+RECORDED_SERVICE(FontLibrary::FontPluginLoader)
 RECORDED(Core::Object::initPropertyType)
-RECORDED(Core::Settings::init)
-RECORDED(Core::Settings::destruct)
-RECORDED(Core::SystemBackupManager::init)
-RECORDED(Core::SystemBackupManager::destruct)
-RECORDED(Core::SystemTimerManager::init)
-RECORDED(Core::SystemTimerManager::destruct)
-RECORDED(Core::BoardEthDescHandler::init)
-RECORDED(Core::BoardEthDescHandler::destruct)
-RECORDED(Database::DatabaseHandlerFactory::init)
-RECORDED(Database::DatabaseHandlerFactory::destruct)
-RECORDED(Database::DatabaseManager::init)
-RECORDED(Database::DatabaseManager::destruct)
-RECORDED(Database::MemoryDatabaseManager::init)
-RECORDED(Database::MemoryDatabaseManager::destruct)
 RECORDED(Doc::DocObject::initPropertyType)
 RECORDED(Doc::Entity::initPropertyType)
-RECORDED(Doc::EntityClipboard::init)
-RECORDED(Doc::EntityClipboard::destruct)
-RECORDED(Doc::EntityInfoRegistry::init)
-RECORDED(Doc::EntityInfoRegistry::destruct)
 RECORDED(Doc::GroupEntity::initPropertyType)
 RECORDED(Doc::Layer::initPropertyType)
 RECORDED(Doc::ObjectGroupEntity::initPropertyType)
-RECORDED(FontLibrary::FontPluginLoader::init)
-RECORDED(FontLibrary::FontPluginLoader::destruct)
 
 quint32 System::setThreadExecutionState(quint32 flags)
 {
-    note("System::setThreadExecutionState", QString::number(flags, 16));
+    RecordingLayer::note("System::setThreadExecutionState(%1)"_s.arg(flags, 0, 16));
     return 0;
 }
 
@@ -112,18 +97,18 @@ Settings& Settings::instance()
 
 QVariant Settings::value(const QString& key, const QVariant& defaultValue) const
 {
-    note("Core::Settings::value", key + ", "_s + text(defaultValue));
+    RecordingLayer::note("Core::Settings::value(%1, %2)"_s.arg(key, text(defaultValue)));
     return RecordingLayer::instance().settings.value(key, defaultValue);
 }
 
 void Settings::setValue(const QString& key, const QVariant& value)
 {
-    note("Core::Settings::setValue", key + ", "_s + text(value));
+    RecordingLayer::note("Core::Settings::setValue(%1, %2)"_s.arg(key, text(value)));
 }
 
 void Settings::setRunValue(const QString& key, const QVariant& value)
 {
-    note("Core::Settings::setRunValue", key + ", "_s + text(value));
+    RecordingLayer::note("Core::Settings::setRunValue(%1, %2)"_s.arg(key, text(value)));
 }
 
 QString Settings::sysFontDirPath() const
@@ -161,13 +146,14 @@ void ConsoleSingleton::log(const char* format, ...)
 {
     va_list arguments;
     va_start(arguments, format);
-    note("Core::ConsoleSingleton::log", QString::vasprintf(format, arguments));
+    RecordingLayer::note("Core::ConsoleSingleton::log("_s + QString::vasprintf(format, arguments) +
+                         u')');
     va_end(arguments);
 }
 
 ConsoleObserverFile::ConsoleObserverFile(const QString& fileName)
 {
-    note("Core::ConsoleObserverFile", fileName);
+    RecordingLayer::note("Core::ConsoleObserverFile(%1)"_s.arg(fileName));
 }
 
 ConsoleObserverFile::~ConsoleObserverFile()
@@ -189,15 +175,11 @@ FontLibrary::FontDatabase& FontLibrary::FontDatabase::instance()
 
 void FontLibrary::FontDatabase::addFontsFromDirectory(const QString& directory, bool flag)
 {
-    note("FontLibrary::FontDatabase::addFontsFromDirectory",
-         directory + (flag ? ", true"_s : ", false"_s));
+    RecordingLayer::note("FontLibrary::FontDatabase::addFontsFromDirectory(%1, %2)"_s.arg(
+        directory, flag ? "true"_s : "false"_s));
 }
 
 namespace Doc {
-
-Transaction::Transaction(const Transaction&) = default;
-Transaction& Transaction::operator=(const Transaction&) = default;
-Transaction::~Transaction() = default;
 
 struct Document::Private
 {
@@ -207,18 +189,18 @@ struct Document::Private
 
 Document::Document(Storage* storage) : d(std::make_unique<Private>())
 {
-    RecordingLayer::note("Doc::Document"_s);
+    RecordingLayer::note(storage ? "Doc::Document"_s : "Doc::Document without storage"_s);
     d->storage.reset(storage);
 }
 
 Document::~Document()
 {
-    note("Doc::~Document", d->filePath);
+    RecordingLayer::note("Doc::~Document(%1)"_s.arg(d->filePath));
 }
 
 bool Document::open(const QString& path)
 {
-    note("Doc::Document::open", path);
+    RecordingLayer::note("Doc::Document::open(%1)"_s.arg(path));
     d->filePath = path;
     return RecordingLayer::instance().documentOpens;
 }
@@ -230,25 +212,13 @@ QString Document::filePath() const
 
 void Document::setFilePath(const QString& path)
 {
-    note("Doc::Document::setFilePath", path);
+    RecordingLayer::note("Doc::Document::setFilePath(%1)"_s.arg(path));
     d->filePath = path;
 }
 
 Storage* Document::storage() const
 {
     return d->storage.get();
-}
-
-Storage::Storage() : _p_docObject(QSharedPointer<DocObject>::create())
-{
-    RecordingLayer::note("Doc::Storage"_s);
-}
-
-Storage::~Storage() = default;
-
-QSharedPointer<DocObject> Storage::queryDocObjectDirect() const
-{
-    return _p_docObject;
 }
 
 Laser::PrintCountParams DocObject::printCountData() const
@@ -261,8 +231,9 @@ Laser::PrintCountParams DocObject::printCountData() const
 
 void DocObject::setPrintCountData(const Laser::PrintCountParams& printCount)
 {
-    note("Doc::DocObject::setPrintCountData",
-         "%1 of %2"_s.arg(printCount.finishedCount()).arg(printCount.targetCount()));
+    RecordingLayer::note(
+        "Doc::DocObject::setPrintCountData(%1 of %2)"_s.arg(printCount.finishedCount())
+            .arg(printCount.targetCount()));
 }
 
 } // namespace Doc

@@ -10,11 +10,11 @@
 struct RecordingLayer
 {
     QStringList calls;
-    /// Called with each call, after it was written down.
+    /// Called with each call, before it is written down.
     std::function<void(const QString&)> onCall;
 
     QVariantMap settings;
-    const char* version = "1.2.3";
+    const char* version = nullptr;
     bool documentOpens = true;
 
     static RecordingLayer& instance();

@@ -1,54 +1,62 @@
 #include "RecordingLayer.h"
 
+#include <support/Listener.h>
 #include <support/Literals.h>
 
-#include <app/ActiveDocumentListener.h>
-#include <app/Application.h>
-#include <app/AppStartFinishListener.h>
-#include <app/CloseDocumentListener.h>
-#include <app/NewDocumentListener.h>
-#include <ovdoc/Document.h>
 #include <registries/CommInfoRegistry.h>
 #include <registries/ExtendPluginRegistry.h>
 
 #include <QtTest>
 
-#include <memory>
-
 using App::Application;
 
 namespace {
 
-struct NotingListener : App::AppStartFinishListener,
-                        App::NewDocumentListener,
-                        App::CloseDocumentListener,
-                        App::ActiveDocumentListener
+/// Notes what a listener is told, and which document is active meanwhile.
+void noteTold(const QString& told)
 {
-    void updateAppStartFinishListener() override { RecordingLayer::note("told"_s); }
-    void updateNewDocumentListener(Doc::Document* document) override { note("new", document); }
-    void updateCloseDocumentListener(Doc::Document* document) override { note("close", document); }
-    void updateActiveDocumentListener(Doc::Document* document) override
-    {
-        note("active", document);
-    }
-    static void note(const char* kind, const Doc::Document* document)
-    {
-        const auto nameOf = [](const Doc::Document* named) {
-            return named ? named->filePath() : "none"_s;
-        };
-        RecordingLayer::note(
-            "%1 %2 while %3"_s.arg(QLatin1String(kind), nameOf(document),
-                                   nameOf(Application::instance().activateDocument())));
-    }
-};
+    RecordingLayer::note(
+        "%1 while %2"_s.arg(told, nameOf(Application::instance().activateDocument())));
+}
 
-QStringList lines(const char* text)
+QStringList parts(QChar separator, const QString& text)
 {
     QStringList result;
-    for (const QString& line : QString::fromUtf8(text).split(u'\n'))
-        if (!line.trimmed().isEmpty())
-            result.append(line.trimmed());
+    for (const QString& part : text.split(separator, Qt::SkipEmptyParts))
+        result.append(part.trimmed());
     return result;
+}
+
+/// The calls that the steps of the work on documents come to, "%1" being a path.
+const QMap<QString, QString> documentCalls{
+    {"create"_s, "Doc::Document"_s},
+    {"name"_s, "Doc::Document::setFilePath(%1)"_s},
+    {"fail"_s, "Doc::Document::open(%1); Doc::~Document(%1)"_s},
+    {"read"_s, "Doc::Document::open(%1); "
+               "Core::Settings::value(Print/resetCountAfterOpened, bool false)"_s},
+    {"reset"_s, "Doc::DocObject::setPrintCountData(0 of 9)"_s},
+    {"delete"_s, "Doc::~Document(%1)"_s},
+    {"remember"_s, "Core::Settings::setRunValue(File/Document, QString %1); "
+                   "Core::Settings::setValue(File/Document, QString %1)"_s},
+    {"close"_s, "close %1 while %1"_s},
+    {"new"_s, "new %1 while %1"_s},
+    {"active"_s, "active %1 while %1"_s},
+};
+
+QStringList callsOf(const QString& steps)
+{
+    QStringList calls;
+    for (const QString& step : parts(u',', steps))
+        calls += parts(u';', documentCalls.value(step.section(u' ', 0, 0)))
+                     .replaceInStrings("%1"_s, step.section(u' ', 1));
+    return calls;
+}
+
+QStringList without(QStringList calls, const QStringList& others)
+{
+    for (const QString& other : others)
+        calls.removeAll(other);
+    return calls;
 }
 
 } // namespace
@@ -59,19 +67,33 @@ class tst_order : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { layer = RecordingLayer(); }
+    void initTestCase()
+    {
+        QVERIFY(QDir::setCurrent(_directory.path()) && QDir().mkdir("more"_s));
+        for (const QString& name : {"a"_s, "A"_s, "b"_s, "damaged"_s, "more/a"_s})
+            QVERIFY(QFile(name).open(QIODevice::WriteOnly));
+        QFile::link("a"_s, "link.lnk"_s);
+    }
 
-    void startUp_data()
+    void cleanupTestCase() { QDir::setCurrent(QDir::tempPath()); }
+
+    void cleanup()
+    {
+        layer = RecordingLayer();
+        Application::destruct();
+        layer.calls.clear();
+    }
+
+    void startUpAndShutdown_data()
     {
         QTest::addColumn<bool>("toFile");
         QTest::newRow("no log file") << false;
         QTest::newRow("log file") << true;
     }
 
-    void startUp()
+    void startUpAndShutdown()
     {
-        QFETCH(bool, toFile);
-        QStringList expected = lines(R"(
+        const QStringList up = parts(u'\n', R"(
         System::setThreadExecutionState(80000041)
         Core::Settings::init
         Core::Settings::value(Debug/file, bool false)
@@ -93,75 +115,13 @@ private Q_SLOTS:
         Doc::Entity::initPropertyType
         Doc::GroupEntity::initPropertyType
         Doc::ObjectGroupEntity::initPropertyType
+        registries are up
         Core::SystemBackupManager::init
-        Doc::EntityClipboard::init)");
-        if (toFile)
-            layer.settings.insert("Debug/file"_s, true);
-        else
-            expected.erase(expected.begin() + 3, expected.begin() + 5);
-
-        int checks = 0;
-        layer.onCall = [&checks](const QString& call) {
-            if (call == "Core::BoardEthDescHandler::init"_s) {
-                QVERIFY(!Application::instance().activateDocument());
-                ++checks;
-            } else if (call == "Doc::ObjectGroupEntity::initPropertyType"_s) {
-                QVERIFY(!App::CommInfoRegistry::instance());
-                ++checks;
-            } else if (call == "Core::SystemBackupManager::init"_s) {
-                QVERIFY(App::CommInfoRegistry::instance());
-                QCOMPARE(App::ExtendPluginRegistry::instance().count(), 0);
-                ++checks;
-            }
-        };
-        Application::init();
-        QCOMPARE(layer.calls, expected);
-        QCOMPARE(checks, 3);
-        Application::destruct();
-    }
-
-    void startFinished_data()
-    {
-        QTest::addColumn<QByteArray>("version");
-        QTest::addColumn<QString>("stored");
-        QTest::newRow("a version") << QByteArray("4.5.6") << "QString 4.5.6";
-        QTest::newRow("none") << QByteArray() << "QString ";
-    }
-
-    void startFinished()
-    {
-        QFETCH(QByteArray, version);
-        QFETCH(QString, stored);
-        layer.version = version.isNull() ? nullptr : version.constData();
-        Application::init();
-        NotingListener listener;
-        Application::instance().addStartFinishListener(&listener);
-
-        layer.calls.clear();
-        Application::instance().doAppStartFinished();
-        QCOMPARE(layer.calls,
-                 QStringList({"Core::Settings::setValue(About/version, %1)"_s.arg(stored), "told"_s,
-                              "Core::ConsoleSingleton::log(Application::"
-                              "doAppStartFinished:: application started.)"_s}));
-        Application::destruct();
-    }
-
-    void shutdown_data()
-    {
-        QTest::addColumn<bool>("started");
-        QTest::addColumn<bool>("toFile");
-        QTest::newRow("after start-up") << true << false;
-        QTest::newRow("with a log file") << true << true;
-        QTest::newRow("without start-up") << false << false;
-    }
-
-    void shutdown()
-    {
-        QFETCH(bool, started);
-        QFETCH(bool, toFile);
-        QStringList expected = lines(R"(
+        Doc::EntityClipboard::init)"_s);
+        const QStringList down = parts(u'\n', R"(
         Doc::EntityClipboard::destruct
         Core::SystemBackupManager::destruct
+        registries are down
         FontLibrary::FontPluginLoader::destruct
         Database::MemoryDatabaseManager::destruct
         Database::DatabaseHandlerFactory::destruct
@@ -173,121 +133,144 @@ private Q_SLOTS:
         Core::~ConsoleObserverFile
         Core::Settings::destruct
         System::setThreadExecutionState(80000000)
-        Core::ConsoleSingleton::log(destruct application.))");
-        if (!toFile)
-            expected.erase(expected.begin() + 9, expected.begin() + 11);
-        if (!started)
-            expected.removeLast();
+        Core::ConsoleSingleton::log(destruct application.))"_s);
+        const QStringList ofTheFile{
+            "Core::ConsoleObserverFile(log.txt)"_s, "Core::ConsoleSingleton::attachObserver"_s,
+            "Core::ConsoleSingleton::detachObserver"_s, "Core::~ConsoleObserverFile"_s};
+        QFETCH(bool, toFile);
+        if (toFile)
+            layer.settings.insert("Debug/file"_s, true);
 
-        layer.settings.insert("Debug/file"_s, toFile);
-        if (started)
-            Application::init();
-        layer.calls.clear();
-        layer.onCall = [started](const QString& call) {
-            if (call == "Core::SystemBackupManager::destruct"_s)
-                QCOMPARE(App::CommInfoRegistry::instance() != nullptr, started);
-            else if (call == "FontLibrary::FontPluginLoader::destruct"_s)
-                QVERIFY(!App::CommInfoRegistry::instance());
+        layer.onCall = [this, areUp = false](const QString& call) mutable {
+            if (call == "Core::BoardEthDescHandler::init"_s)
+                QVERIFY(!Application::instance().activateDocument());
+            if (areUp == (App::CommInfoRegistry::instance() != nullptr))
+                return;
+            areUp = !areUp;
+            if (areUp)
+                QCOMPARE(App::ExtendPluginRegistry::instance().count(), 0);
+            layer.calls.append(areUp ? "registries are up"_s : "registries are down"_s);
         };
-        Application::destruct();
-        QCOMPARE(layer.calls, expected);
-
+        Application::init();
+        QCOMPARE(layer.calls, toFile ? up : without(up, ofTheFile));
         layer.calls.clear();
-        layer.onCall = nullptr;
         Application::destruct();
-        QVERIFY(layer.calls.filter("Console"_s).isEmpty());
+        QCOMPARE(layer.calls, toFile ? down : without(down, ofTheFile));
+
+        // Whoever has not started up can yet shut down.
+        layer.calls.clear();
+        Application::destruct();
+        QCOMPARE(layer.calls,
+                 without(down, ofTheFile + QStringList{"registries are down"_s, down.last()}));
+    }
+
+    void startFinished()
+    {
+        Application::init();
+        Listener listener(noteTold);
+        add(Application::instance(), &listener);
+        for (const char* version : {"4.5.6", static_cast<const char*>(nullptr)}) {
+            layer.version = version;
+            layer.calls.clear();
+            Application::instance().doAppStartFinished();
+            QCOMPARE(layer.calls,
+                     QStringList({"Core::Settings::setValue(About/version, QString %1)"_s.arg(
+                                      QLatin1String(version)),
+                                  "started while none"_s,
+                                  "Core::ConsoleSingleton::log(Application::"
+                                  "doAppStartFinished:: application started.)"_s}));
+        }
     }
 
     void documents_data()
     {
-        QTest::addColumn<QString>("operation");
-        QTest::addColumn<bool>("opens");
-        QTest::addColumn<bool>("resets");
-        QTest::addColumn<QString>("expected");
-        const QString created = R"(
-        Doc::Storage
-        Doc::Document
-        )"_s;
-        const QString read = created + R"(Doc::Document::open(FILE)
-        Core::Settings::value(Print/resetCountAfterOpened, bool false)
-        )"_s;
-        const QString activated = R"(close old while old
-        Core::Settings::setRunValue(File/Document, QString FILE)
-        Core::Settings::setValue(File/Document, QString FILE)
-        new FILE while FILE)"_s;
-        QTest::newRow("new") << "new FILE" << true << true
-                             << created + "Doc::Document::setFilePath(FILE)\n"_s + activated;
-        QTest::newRow("opened, count reset")
-            << "open FILE" << true << true
-            << read + "Doc::DocObject::setPrintCountData(0 of 9)\n"_s + activated;
-        QTest::newRow("opened, count kept") << "open FILE" << true << false << read + activated;
-        QTest::newRow("does not open")
-            << "open FILE" << false << true << created + R"(Doc::Document::open(FILE)
-        Doc::~Document(FILE))"_s;
-        QTest::newRow("directory") << "open DIRECTORY" << true << true << "";
-        QTest::newRow("activated") << "activate b" << true << true << R"(Doc::~Document(old)
-        Core::Settings::setRunValue(File/Document, QString b)
-        Core::Settings::setValue(File/Document, QString b)
-        active b while b)";
-        QTest::newRow("none activated") << "activate" << true << true << R"(Doc::~Document(old)
-        active none while none)";
-        QTest::newRow("closed") << "close" << true << true << "close old while old";
+        for (const char* column : {"active", "operation", "result", "activeAfter", "steps"})
+            QTest::addColumn<QString>(column);
+        const char* const rows[][5] = {
+            {"none", "new n", "n", "n", "create, name n, remember n, new n"},
+            {"a", "new n", "n", "n", "create, name n, close a, remember n, new n"},
+            {"a", "new b", "b", "b", "create, read b, reset, close a, remember b, new b"},
+            {"a", "new damaged", "none", "a", "create, fail damaged"},
+            {"a", "new .", "none", "a", "create, fail ."},
+            {"a", "new", "none", "a", ""},
+            {"a", "new missing/n", "none", "a", ""},
+            {"none", "open b", "b", "b", "create, read b, remember b, new b"},
+            {"a", "open b", "b", "b", "create, read b, reset, close a, remember b, new b"},
+            {"a", "open damaged", "none", "a", "create, fail damaged"},
+            {"a", "open .", "none", "a", ""},
+            {"a", "open n", "none", "a", ""},
+            {"a", "open missing/n", "none", "a", ""},
+            {"a", "open a", "a", "a", ""},
+            {"a", "open ./a", "a", "a", ""},
+            {"a", "open A", "A", "A", "create, read A, close a, remember A, new A"},
+#ifdef Q_OS_UNIX
+            {"a", "open link.lnk", "link.lnk", "link.lnk",
+             "create, read link.lnk, close a, remember link.lnk, new link.lnk"},
+#endif
+            {"a", "open more/a", "more/a", "more/a",
+             "create, read more/a, close a, remember more/a, new more/a"},
+            {"none", "activate b", "b", "b", "remember b, active b"},
+            {"a", "activate b", "b", "b", "delete a, remember b, active b"},
+            {"a", "activate none", "none", "none", "delete a, active none"},
+            {"a", "activate a", "a", "a", ""},
+            {"none", "activate none", "none", "none", ""},
+            {"a", "close", "true", "none", "close a"},
+            {"none", "close", "false", "none", ""},
+        };
+        for (const auto& row : rows) {
+            QTestData& data = QTest::addRow("active: %s; %s", row[0], row[1]);
+            for (const char* text : row)
+                data << QString::fromLatin1(text);
+        }
     }
 
     void documents()
     {
+        QFETCH(QString, active);
         QFETCH(QString, operation);
-        QFETCH(bool, resets);
-        QFETCH(QString, expected);
-        QTemporaryDir directory;
-        const QString file = directory.filePath("piece.ovdoc"_s);
-        for (QString* text : {&operation, &expected}) {
-            text->replace("FILE"_s, file);
-            text->replace("DIRECTORY"_s, directory.path());
-        }
-        const QString verb = operation.section(u' ', 0, 0);
-        const QString path = operation.section(u' ', 1);
-        if (verb == "open"_s)
-            QVERIFY(QFile(file).open(QIODevice::WriteOnly));
-
+        QFETCH(QString, steps);
+        layer.documentOpens = !steps.contains("fail"_s);
+        layer.settings.insert("Print/resetCountAfterOpened"_s, steps.contains("reset"_s));
         Application::init();
         Application& application = Application::instance();
-        NotingListener listener;
-        application.addNewDocumentListener(&listener);
-        application.addCloseDocumentListener(&listener);
-        application.addActiveDocumentListener(&listener);
-        const auto documentAt = [](const QString& itsPath) {
-            auto document = std::make_unique<Doc::Document>(nullptr);
-            document->setFilePath(itsPath);
+        Listener listener(noteTold);
+        add(application, &listener);
+        const auto documentAt = [this](const QString& path) -> Doc::Document* {
+            if (path == "none"_s)
+                return nullptr;
+            const auto document = new Doc::Document(nullptr);
+            document->setFilePath(path);
+            layer.calls.clear();
             return document;
         };
-        auto old = documentAt("old"_s);
-        application.setActivateDocument(old.get());
-        auto other = path.isEmpty() ? nullptr : documentAt(path);
-
-        QFETCH(bool, opens);
-        layer.documentOpens = opens;
-        layer.settings.insert("Print/resetCountAfterOpened"_s, resets);
+        Doc::Document* const former = documentAt(active);
+        application.setActivateDocument(former);
         layer.calls.clear();
-        if (verb == "new"_s) {
-            application.newDocument(path);
-        } else if (verb == "open"_s) {
-            application.openDocument(path);
-        } else if (verb == "close"_s) {
-            application.closeDocument();
-        } else {
-            old.release();
-            application.setActivateDocument(other.get());
-        }
-        QCOMPARE(layer.calls, lines(expected.toUtf8().constData()));
 
-        if (application.activateDocument() != old.get() &&
-            application.activateDocument() != other.get())
-            delete application.activateDocument();
-        Application::destruct();
+        const QString path = operation.section(u' ', 1);
+        QString result;
+        if (operation.startsWith("new"_s)) {
+            result = nameOf(application.newDocument(path));
+        } else if (operation.startsWith("open"_s)) {
+            result = nameOf(application.openDocument(path));
+        } else if (operation == "close"_s) {
+            result = application.closeDocument() ? "true"_s : "false"_s;
+        } else {
+            application.setActivateDocument(path == active ? former : documentAt(path));
+            result = nameOf(application.activateDocument());
+        }
+        QTEST(result, "result");
+        QCOMPARE(layer.calls, callsOf(steps));
+        QTEST(nameOf(application.activateDocument()), "activeAfter");
+        QVERIFY(!QFile::exists("n"_s));
+
+        if (!steps.startsWith("delete"_s) && former != application.activateDocument())
+            delete former;
+        delete application.activateDocument();
     }
 
 private:
+    QTemporaryDir _directory;
     RecordingLayer& layer = RecordingLayer::instance();
 };
 

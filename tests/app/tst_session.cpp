@@ -1,22 +1,46 @@
 #include <support/ConsoleRecorder.h>
+#include <support/Listener.h>
 #include <support/Literals.h>
 #include <support/Session.h>
 
-#include <app/AppStartFinishListener.h>
 #include <ovcore/BoardEthDescHandler.h>
-#include <ovcore/ConsoleSingleton.h>
-#include <ovdoc/Document.h>
 #include <ovdoc/Storage.h>
 #include <registries/ExtendPluginInfo.h>
 #include <registries/ExtendPluginRegistry.h>
 #include <system/ExecutionState.h>
 
-#include <QSettings>
 #include <QtTest>
+
+#ifdef Q_OS_UNIX
+#include <sys/stat.h>
+#endif
 
 using App::Application;
 
 namespace {
+
+// Not in the class, whose reader, moc, stumbles over such raw strings.
+const QByteArray noDocuments[] = {
+    "",
+    "to be marked",
+    R"({"format": "ovdoc", "version": 1)",
+    R"({"format": "ovdoc", "version": 1}{})",
+    R"([{"format": "ovdoc", "version": 1}])",
+    "{\"format\": \"ovdoc\", \"version\": 1, \"not UTF-8\": \"\xff\"}",
+    R"({"version": 1})",
+    R"({"format": "OVDOC", "version": 1})",
+    R"({"format": "ovdoc"})",
+    R"({"format": "ovdoc", "version": 2})",
+    R"({"format": "ovdoc", "version": "1"})",
+    R"({"format": "ovdoc", "version": 1, "printCount": []})",
+    R"({"format": "ovdoc", "version": 1, "printCount": null})",
+    R"({"format": "ovdoc", "version": 1, "printCount": {"finished": "7"}})",
+    R"({"format": "ovdoc", "version": 1, "printCount": {"finished": 1.5}})",
+    R"({"format": "ovdoc", "version": 1, "printCount": {"target": 2147483648}})",
+    R"({"format": "ovdoc", "version": 1, "printCount": {"target": -2147483649}})",
+    R"({"format": "ovdoc", "version": 1, "printCount": {"target": 1e300}})",
+    QByteArray(50 << 20, '['),
+};
 
 QByteArrayList linesOf(const QString& path)
 {
@@ -26,112 +50,42 @@ QByteArrayList linesOf(const QString& path)
     return file.readAll().split('\n');
 }
 
+struct Description : App::ExtendPluginInfo
+{
+    QString description() const override { return QString(); }
+    int supportedBoardTypes() const override { return 1; }
+};
+
 } // namespace
 
-/// Start-up and shutdown on the real layer below: what is left of them on disk and in the system.
+/// The library on the real layer below: what sessions leave on disk, in the system and to the next
+/// one, and which files are documents.
 class tst_session : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void shutdownWithoutStartUp()
-    {
-        const ConsoleRecorder console;
-        Application::destruct();
-        QCOMPARE(console.lines, QByteArrayList());
-    }
-
     void logFile()
     {
         const QByteArray longLine(1 << 20, 'x');
-        ConsoleRecorder console;
-        QByteArrayList written;
-        QString log;
-        {
-            Session session("[Debug]\nfile=true\n");
-            session.application().doAppStartFinished();
-            Core::ConsoleSingleton::instance().log("%s", longLine.constData());
-            Core::ConsoleSingleton::instance().warning("two\nlines\r\t\x1b[0m");
-            log = session.path("log.txt"_s);
-            written = linesOf(log);
-            Application::destruct();
-            QCOMPARE(linesOf(log), written);
-            Core::Settings::instance().setApplicationDirPath(QFileInfo(log).path());
-            Application::init();
-            Application::attachObservers();
-            QCOMPARE(linesOf(log).size(), written.size() + 2);
-        }
+        const ConsoleRecorder console;
+        Session session("[Debug]\nfile=true\n");
+        session.application().doAppStartFinished();
+        Core::ConsoleSingleton::instance().log("%s", longLine.constData());
+        Core::ConsoleSingleton::instance().warning("two\nlines\r\t\x1b[0m");
+        const QString log = session.path("log.txt"_s);
+        const QByteArrayList written = linesOf(log);
         QCOMPARE(written, QByteArrayList({"Application::attachObservers.",
                                           "Application::doAppStartFinished:: application started.",
                                           longLine, "two\\nlines\\r\\t\\x1b[0m", ""}));
+
+        Application::destruct();
         QCOMPARE(console.lines.last(), "destruct application.");
-    }
-
-    void noLogFile()
-    {
-        ConsoleRecorder console;
-        const Session session;
-        QCOMPARE(console.lines, QByteArrayList({"Application::attachObservers."}));
-        QVERIFY(!QFile::exists(session.path("log.txt"_s)));
-    }
-
-    void startFinished()
-    {
-        struct Second : App::AppStartFinishListener
-        {
-            void updateAppStartFinishListener() override { ++calls; }
-            int calls = 0;
-        };
-        struct First : App::AppStartFinishListener
-        {
-            void updateAppStartFinishListener() override
-            {
-                Application::instance().addStartFinishListener(&second);
-            }
-            Second second;
-        };
-
-        const Session session;
-        First first;
-        session.application().addStartFinishListener(&first);
-        session.application().doAppStartFinished();
-        QCOMPARE(first.second.calls, 1);
-
-        const QSettings onDisk(session.path("ovapp.ini"_s), QSettings::IniFormat);
-        QCOMPARE(onDisk.value("About/version"_s).toString(), QStringLiteral(OVAPP_VERSION));
-    }
-
-    void keepsAwake()
-    {
-        {
-            const Session session;
-            QCOMPARE(System::setThreadExecutionState(0x80000041u), 0x80000041u);
-        }
-        QCOMPARE(System::setThreadExecutionState(0x80000000u), 0x80000000u);
-    }
-
-    void startsAgainAfresh()
-    {
-        struct Description : App::ExtendPluginInfo
-        {
-            QString description() const override { return QString(); }
-            int supportedBoardTypes() const override { return 1; }
-        };
-        {
-            const Session session("[Board]\ntype=6\n");
-            QCOMPARE(Core::BoardEthDescHandler::instance()->currentBoardEthDescType(), 6);
-            Core::BoardEthDescHandler::instance()->setCurrentBoardEthDescType(8);
-            Description description;
-            App::ExtendPluginRegistry::instance().registerExtendInfo(&description);
-            session.application().newDocument(session.path("left.ovdoc"_s));
-            delete session.application().activateDocument();
-        }
-        QVERIFY(!Core::BoardEthDescHandler::instance());
-        const Session session("[Board]\ntype=left\n");
-        QCOMPARE(Core::BoardEthDescHandler::instance()->currentBoardEthDescType(), 1);
-        QCOMPARE(App::ExtendPluginRegistry::instance().count(), 0);
-        QVERIFY(!session.application().activateDocument());
-        QVERIFY(!Core::Settings::instance().runValue("File/Document"_s).isValid());
+        QCOMPARE(linesOf(log), written);
+        Core::Settings::instance().setApplicationDirPath(QFileInfo(log).path());
+        Application::init();
+        Application::attachObservers();
+        QCOMPARE(linesOf(log).size(), written.size() + 2);
     }
 
     void directoryThatCannotBeWritten()
@@ -150,33 +104,46 @@ private Q_SLOTS:
         QCOMPARE(QFileInfo(file.fileName()).size(), 0);
     }
 
-    void shutdownDeletesNothingItWasGiven()
+    void startsAgainAfresh()
     {
-        struct Listener : App::AppStartFinishListener
+        // None of them is the library's to delete; they could not be, either.
+        Listener listener([](const QString&) {});
+        Description description;
+        Doc::Document document(new Doc::Storage);
+        document.setFilePath("left.ovdoc"_s);
         {
-            explicit Listener(bool& deleted) : _deleted(deleted) {}
-            ~Listener() override { _deleted = true; }
-            void updateAppStartFinishListener() override {}
-            bool& _deleted;
-        };
-        struct Document : Doc::Document
-        {
-            explicit Document(bool& deleted) : Doc::Document(new Doc::Storage), _deleted(deleted) {}
-            ~Document() override { _deleted = true; }
-            bool& _deleted;
-        };
-
-        bool listenerDeleted = false;
-        bool documentDeleted = false;
-        const auto listener = std::make_unique<Listener>(listenerDeleted);
-        const auto document = std::make_unique<Document>(documentDeleted);
-        {
-            const Session session;
-            session.application().addStartFinishListener(listener.get());
-            session.application().setActivateDocument(document.get());
+            const Session session("[Board]\ntype=6\n");
+            QCOMPARE(System::setThreadExecutionState(0x80000041u), 0x80000041u);
+            QCOMPARE(Core::BoardEthDescHandler::instance()->currentBoardEthDescType(), 6);
+            Core::BoardEthDescHandler::instance()->setCurrentBoardEthDescType(8);
+            App::ExtendPluginRegistry::instance().registerExtendInfo(&description);
+            add(session.application(), &listener);
+            session.application().setActivateDocument(&document);
         }
-        QVERIFY(!listenerDeleted);
-        QVERIFY(!documentDeleted);
+        QCOMPARE(System::setThreadExecutionState(0x80000000u), 0x80000000u);
+        QVERIFY(!Core::BoardEthDescHandler::instance());
+        const Session session("[Board]\ntype=left\n");
+        QCOMPARE(Core::BoardEthDescHandler::instance()->currentBoardEthDescType(), 1);
+        QCOMPARE(App::ExtendPluginRegistry::instance().count(), 0);
+        QVERIFY(!session.application().activateDocument());
+        QVERIFY(!Core::Settings::instance().runValue("File/Document"_s).isValid());
+    }
+
+    void noDocument()
+    {
+        const Session session;
+        for (const QByteArray& content : noDocuments) {
+            const QString path = session.write("piece.ovdoc"_s, content);
+            QVERIFY2(!session.application().openDocument(path), content.left(80).constData());
+            QVERIFY2(!session.application().newDocument(path), content.left(80).constData());
+        }
+#ifdef Q_OS_UNIX
+        const QString pipe = session.path("pipe"_s);
+        QCOMPARE(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+        QVERIFY(!session.application().openDocument(pipe));
+        QVERIFY(!session.application().newDocument(pipe));
+#endif
+        QVERIFY(!session.application().activateDocument());
     }
 };
 

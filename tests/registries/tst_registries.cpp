@@ -39,6 +39,27 @@ struct Description : App::ExtendPluginInfo
     int supportedBoardTypes() const override { return 1; }
 };
 
+/// Leaves `b` and `a` in an empty registry, in this order.
+template <typename Registry, typename Info>
+void checkList(Registry& registry, void (Registry::*add)(Info*), void (Registry::*remove)(Info*),
+               Info* a, Info* b)
+{
+    for (Info* info : {a, b, a, static_cast<Info*>(nullptr)})
+        (registry.*add)(info);
+    for (Info* info : {a, a, static_cast<Info*>(nullptr)})
+        (registry.*remove)(info);
+    QVERIFY(!registry.contains(a));
+    (registry.*add)(a);
+    QVERIFY(registry.contains(a));
+    QVERIFY(!registry.contains(nullptr));
+
+    Registry::init();
+    QCOMPARE(registry.count(), 2);
+    const QList<Info*> expected{nullptr, b, a, nullptr};
+    for (int i = 0; i < expected.size(); ++i)
+        QCOMPARE(registry.infoAt(i - 1), expected.at(i));
+}
+
 } // namespace
 
 class tst_registries : public QObject
@@ -53,25 +74,11 @@ private Q_SLOTS:
         ExtendPluginRegistry& registry = ExtendPluginRegistry::instance();
         Description a;
         Description b;
-        Description c;
-        for (Description* info : {&a, &b, &a, static_cast<Description*>(nullptr), &c})
-            registry.registerExtendInfo(info);
-        QCOMPARE(registry.count(), 3);
-
-        registry.unregisterExtendInfo(&b);
-        registry.unregisterExtendInfo(&b);
-        registry.unregisterExtendInfo(nullptr);
-        QVERIFY(!registry.contains(&b));
-        registry.registerExtendInfo(&b);
-        QVERIFY(registry.contains(&b));
-        QVERIFY(!registry.contains(nullptr));
-        const QList<App::ExtendPluginInfo*> expected{nullptr, &a, &c, &b, nullptr};
-        for (int i = 0; i < expected.size(); ++i)
-            QCOMPARE(registry.infoAt(i - 1), expected.at(i));
-
-        ExtendPluginRegistry::init();
+        checkList<ExtendPluginRegistry, App::ExtendPluginInfo>(
+            registry, &ExtendPluginRegistry::registerExtendInfo,
+            &ExtendPluginRegistry::unregisterExtendInfo, &a, &b);
         QCOMPARE(&ExtendPluginRegistry::instance(), &registry);
-        QCOMPARE(registry.count(), 3);
+
         ExtendPluginRegistry::destruct();
         QVERIFY(a.name().isEmpty() && a.nameForTranslate().isEmpty());
         ExtendPluginRegistry::init();
@@ -84,57 +91,24 @@ private Q_SLOTS:
         QVERIFY(!CommInfoRegistry::instance());
         CommInfoRegistry::init();
         CommInfoRegistry* const registry = CommInfoRegistry::instance();
-        QString log;
-        Channel a("A", log);
-        Channel b("B", log);
-        Channel c("C", log);
-        for (Channel* channel : {&a, &b, &a, static_cast<Channel*>(nullptr), &c})
-            registry->registerCommInfo(channel);
-        registry->start();
-        registry->stop();
-        QCOMPARE(log, "ABCabc"_s);
-
-        registry->unregisterCommInfo(&a);
-        registry->registerCommInfo(&a);
-        QVERIFY(registry->contains(&a));
-        QVERIFY(!registry->contains(nullptr));
-        const QList<App::CommInfo*> expected{nullptr, &b, &c, &a, nullptr};
-        QCOMPARE(registry->count(), 3);
-        for (int i = 0; i < expected.size(); ++i)
-            QCOMPARE(registry->infoAt(i - 1), expected.at(i));
-
-        CommInfoRegistry::init();
-        QCOMPARE(CommInfoRegistry::instance(), registry);
-        QCOMPARE(registry->count(), 3);
-        CommInfoRegistry::destruct();
-        QVERIFY(!CommInfoRegistry::instance());
-        QCOMPARE(log, "ABCabc"_s);
-    }
-
-    void channelLog()
-    {
-        CommInfoRegistry::init();
-        CommInfoRegistry* const registry = CommInfoRegistry::instance();
-        ConsoleRecorder console;
+        const ConsoleRecorder console;
         QString log;
         Channel channel("f\xc3\xbcr %s %n", log);
         App::CommInfo plain;
-        registry->registerCommInfo(&channel);
-        registry->registerCommInfo(&channel);
-        registry->registerCommInfo(&plain);
-        registry->unregisterCommInfo(&channel);
-        registry->unregisterCommInfo(&channel);
-        registry->registerCommInfo(nullptr);
-        registry->unregisterCommInfo(nullptr);
-        registry->start();
-        registry->stop();
+        checkList<CommInfoRegistry, App::CommInfo>(*registry, &CommInfoRegistry::registerCommInfo,
+                                                   &CommInfoRegistry::unregisterCommInfo, &channel,
+                                                   &plain);
+        QCOMPARE(CommInfoRegistry::instance(), registry);
         CommInfoRegistry::destruct();
+        QVERIFY(!CommInfoRegistry::instance());
+        QCOMPARE(log, QString());
 
         const QByteArray name = channel.name().toLocal8Bit();
         QCOMPARE(console.lines, QByteArrayList({"CommInfoRegistry::registerCommInfo: " + name,
                                                 "CommInfoRegistry::registerCommInfo: ",
                                                 "CommInfoRegistry::unregisterCommInfo: " + name,
-                                                "CommInfoRegistry::unregisterCommInfo: " + name}));
+                                                "CommInfoRegistry::unregisterCommInfo: " + name,
+                                                "CommInfoRegistry::registerCommInfo: " + name}));
     }
 
     void channelsThatChangeTheRegistry()

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <support/Literals.h>
+
+#include <app/ActiveDocumentListener.h>
+#include <app/Application.h>
+#include <app/AppStartFinishListener.h>
+#include <app/CloseDocumentListener.h>
+#include <app/NewDocumentListener.h>
+#include <app/ObjectListListener.h>
+#include <app/PluginStateListener.h>
+#include <app/PropertyListener.h>
+#include <app/SelectionListener.h>
+#include <app/TransactionListener.h>
+#include <ovdoc/Document.h>
+#include <ovdoc/Transaction.h>
+
+#include <functional>
+
+inline QString nameOf(const Doc::Document* document)
+{
+    return document ? document->filePath() : "none"_s;
+}
+
+/// A listener of every kind, which hands on in words what it is told.
+struct Listener : App::ActiveDocumentListener,
+                  App::AppStartFinishListener,
+                  App::CloseDocumentListener,
+                  App::NewDocumentListener,
+                  App::ObjectListListener,
+                  App::PluginStateListener,
+                  App::PropertyListener,
+                  App::SelectionListener,
+                  App::TransactionListener
+{
+    explicit Listener(const std::function<void(const QString&)>& note) : _note(note) {}
+
+    void updateActiveDocumentListener(Doc::Document* document) override
+    {
+        tell("active", document);
+    }
+    void updateAppStartFinishListener() override { _note("started"_s); }
+    void updateCloseDocumentListener(Doc::Document* document) override { tell("close", document); }
+    void updateNewDocumentListener(Doc::Document* document) override { tell("new", document); }
+    void updateObjectListListener(Doc::Document* document) override { tell("objects", document); }
+    void updatePluginStateListener(int state) override { _note("state %1"_s.arg(state)); }
+    void updatePropertyListener(Doc::Document* document, bool flag, int value) override
+    {
+        _note("property %1 %2 %3"_s.arg(nameOf(document)).arg(flag).arg(value));
+    }
+    void updateSelectionListener(Doc::Document* document) override { tell("selection", document); }
+    void updateTransactionListener(Doc::Document* document, Doc::Transaction* transaction) override
+    {
+        _note("transaction %1 %2"_s.arg(nameOf(document), transaction->name()));
+    }
+
+private:
+    void tell(const char* what, const Doc::Document* document)
+    {
+        _note(QLatin1String(what) + u' ' + nameOf(document));
+    }
+
+    const std::function<void(const QString&)> _note;
+};
+
+/// Adds `listener` to the listeners of every kind.
+inline void add(App::Application& application, Listener* listener)
+{
+    application.addNewDocumentListener(listener);
+    application.addCloseDocumentListener(listener);
+    application.addActiveDocumentListener(listener);
+    application.addObjectListListener(listener);
+    application.addTransactionListener(listener);
+    application.addSelectionListener(listener);
+    application.addPropertyListener(listener);
+    application.addPluginStateChangeListener(listener);
+    application.addStartFinishListener(listener);
+}
