@@ -1,11 +1,10 @@
-#include <support/Literals.h>
-#include <support/Tools.h>
+#include <support/Files.h>
+#include <support/Host.h>
 
 #include <netdiag/SystemTools.h>
 
 #include <QtTest>
 
-#include <QProcess>
 #include <QRegularExpression>
 
 #ifdef Q_OS_UNIX
@@ -17,50 +16,6 @@
 #else
 #define MAX_HOPS_OPTION "-m"
 #endif
-
-namespace {
-
-struct Outcome
-{
-    int status = -1;
-    QStringList output;
-    QStringList errors;
-};
-
-QStringList linesOf(const QByteArray& text)
-{
-    QStringList lines = QString::fromLocal8Bit(Tools::textOf(text)).split(u'\n');
-    lines.removeLast(); // what follows the last line's end
-    return lines;
-}
-
-Outcome outcomeOf(QProcess& host)
-{
-    if (!host.waitForFinished() || host.exitStatus() != QProcess::NormalExit)
-        return {};
-    return {host.exitCode(), linesOf(host.readAllStandardOutput()),
-            linesOf(host.readAllStandardError())};
-}
-
-Outcome runHost(const QStringList& arguments)
-{
-    QProcess host;
-    host.start(QStringLiteral(OVAPP_HOST), arguments);
-    return outcomeOf(host);
-}
-
-QStringList words(const char* text)
-{
-    return QString::fromLatin1(text).split(u' ', Qt::SkipEmptyParts);
-}
-
-QByteArray contentOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-} // namespace
 
 class tst_host : public QObject
 {

@@ -2,57 +2,34 @@
 
 #include "RecordingPlugin.h"
 
-#include <support/Literals.h>
+#include <support/Session.h>
 
-#include <ovcore/BoardEthDescHandler.h>
-#include <ovcore/Settings.h>
 #include <plugins/PluginLoader.h>
 
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
-#include <QTemporaryDir>
+#include <QRegularExpression>
 
-/// An empty plug-in directory and the services that the loader needs, with board type 2.
-class PluginFixture
+/// A session with board type 2 and an empty plug-in directory.
+class PluginFixture : public Session
 {
 public:
-    PluginFixture()
+    PluginFixture() : Session("[Board]\ntype=2\n")
     {
-        Core::Settings::instance().setApplicationDirPath(_directory.path());
+        QDir(path(QString())).mkdir("plugins"_s);
         Core::Settings::instance().setPluginDirPath(path("plugins"_s));
-        Core::Settings::instance().init();
-        Core::BoardEthDescHandler::init();
-        Core::BoardEthDescHandler::instance()->setCurrentBoardEthDescType(2);
-        QDir(_directory.path()).mkdir("plugins"_s);
         App::PluginLoader::loadPlugins(false);
     }
-    ~PluginFixture()
-    {
-        App::PluginLoader::unloadPlugins();
-        Core::BoardEthDescHandler::destruct();
-        Core::Settings::destruct();
-    }
+    ~PluginFixture() { App::PluginLoader::unloadPlugins(); }
 
-    /// The path of a file in the application directory, and of one in the plug-in directory.
-    QString path(const QString& name) const { return QDir(_directory.path()).filePath(name); }
+    /// The paths of files in the plug-in directory.
     QString plugin(const QString& name) const { return path("plugins/"_s + name); }
-
-    /// Writes a file in the plug-in directory, and the directories that it lies in.
-    bool write(const QString& name, const QByteArray& content = QByteArray()) const
+    QStringList plugins(const char* names) const
     {
-        QFile file(plugin(name));
-        return QDir().mkpath(QFileInfo(file).path()) && file.open(QIODevice::WriteOnly) &&
-               file.write(content) == content.size();
+        return words(names).replaceInStrings(QRegularExpression("^"_s), plugin(QString()));
     }
 
     /// The content of one of the plug-ins built beside the tests.
     static QByteArray built(const QString& target)
     {
-        QFile file(QStringLiteral(BUILT_PLUGIN_DIR "/%1.dll").arg(target));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        return contentOf(QStringLiteral(BUILT_PLUGIN_DIR "/%1.dll").arg(target));
     }
-
-private:
-    QTemporaryDir _directory;
 };

@@ -5,8 +5,6 @@
 #include <ovcore/Settings.h>
 #include <plugins/PluginInterface.h>
 
-#include <QStringList>
-
 /// Writes down what is done with it, in the run value "calls", where plug-ins and tests meet.
 class RecordingPlugin : public QObject, public App::PluginInterface
 {
@@ -35,20 +33,30 @@ public:
     /// What was written down since the last call.
     static QStringList takeCalls()
     {
-        const QStringList calls = Core::Settings::instance().runValue(key()).toStringList();
-        Core::Settings::instance().setRunValue(key(), QStringList());
+        const QStringList calls = Core::Settings::instance().runValue("calls"_s).toStringList();
+        Core::Settings::instance().setRunValue("calls"_s, QStringList());
         return calls;
     }
 
 private:
-    static QString key() { return "calls"_s; }
     void record(const QString& call) const
     {
-        const QStringList calls = Core::Settings::instance().runValue(key()).toStringList();
-        Core::Settings::instance().setRunValue(key(), calls + QStringList(_name + u' ' + call));
+        const QStringList calls = takeCalls() + QStringList(_name + u' ' + call);
+        Core::Settings::instance().setRunValue("calls"_s, calls);
     }
 
     const QString _name;
     const quint64 _identifier;
     const int _boards;
 };
+
+/// "P x", "P y", "Q x", "Q y" for the plug-ins "P Q" and what is done with each, "x y".
+inline QStringList calls(const char* plugins, const char* names)
+{
+    QStringList all;
+    for (const QString& plugin : words(plugins)) {
+        for (const QString& name : words(names))
+            all += plugin + u' ' + name;
+    }
+    return all;
+}

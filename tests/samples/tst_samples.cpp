@@ -1,5 +1,5 @@
 #include <support/ConsoleRecorder.h>
-#include <support/Literals.h>
+#include <support/Host.h>
 #include <support/Session.h>
 
 #include <ovdoc/Document.h>
@@ -12,7 +12,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QTcpSocket>
 #include <QtTest>
 
@@ -27,13 +26,10 @@ struct SampleSession
 {
     SampleSession()
     {
-        QDir(session.path(QString())).mkdir("TcpTrigger"_s);
         session.write("TcpTrigger/TcpTrigger.ini"_s, "[Server]\nport=0\n");
         Core::Settings::instance().setPluginDirPath(QStringLiteral(SAMPLE_PLUGIN_DIR));
         PluginLoader::loadPlugins(true);
     }
-    SampleSession(const SampleSession&) = delete;
-    SampleSession& operator=(const SampleSession&) = delete;
     ~SampleSession() { PluginLoader::unloadPlugins(); }
 
     ConsoleRecorder console;
@@ -61,33 +57,27 @@ class tst_samples : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void productionCounter()
+    void startedAndStopped()
     {
         const SampleSession samples;
+        App::Application& application = samples.session.application();
         const QString path = samples.session.path("piece.ovdoc"_s);
-        const auto runOnce = [&] {
-            App::Application& application = samples.session.application();
+        auto& extensions = App::ExtendPluginRegistry::instance();
+        for (const char* totals :
+             {"1 documents and 2 transactions", "2 documents and 4 transactions"}) {
+            QCOMPARE(extensions.count(), 1);
+            QCOMPARE(extensions.infoAt(0)->name(), "relief-engraving"_s);
             const std::unique_ptr<Doc::Document> document(application.newDocument(path));
             Doc::Transaction transaction;
             application.notifyTransactionListeners(document.get(), &transaction);
             application.notifyTransactionListeners(document.get(), &transaction);
             application.closeDocument();
             PluginLoader::unloadPlugins();
-            return samples.console.lines.last();
-        };
-        QCOMPARE(runOnce(), "ProductionCounter::stop: 1 documents and 2 transactions in all runs");
-        PluginLoader::loadPlugins(true);
-        QCOMPARE(runOnce(), "ProductionCounter::stop: 2 documents and 4 transactions in all runs");
-    }
-
-    void extension()
-    {
-        const SampleSession samples;
-        const auto& extensions = App::ExtendPluginRegistry::instance();
-        QCOMPARE(extensions.count(), 1);
-        QCOMPARE(App::ExtendPluginRegistry::instance().infoAt(0)->name(), "relief-engraving"_s);
-        PluginLoader::unloadPlugins();
-        QCOMPARE(extensions.count(), 0);
+            QCOMPARE(samples.console.lines.last(),
+                     QByteArray("ProductionCounter::stop: ") + totals + " in all runs");
+            QCOMPARE(extensions.count(), 0);
+            PluginLoader::loadPlugins(true);
+        }
     }
 
     void tcpTrigger()
@@ -95,159 +85,109 @@ private Q_SLOTS:
         const SampleSession samples;
         App::CommInfoRegistry::instance()->start();
         const QByteArray started = samples.console.lines.last();
-        const int space = started.lastIndexOf(' ');
         QVERIFY2(started.startsWith("TriggerChannel::start: listening on port "), started);
-        const auto port = started.mid(space + 1).toUShort();
-
-        QTcpSocket client;
-        client.connectToHost(QHostAddress::LocalHost, port);
-        QVERIFY(client.waitForConnected());
-        const auto statusOf = [](const QByteArray& line) {
-            return QJsonDocument::fromJson(line).object();
+        const auto port = started.mid(started.lastIndexOf(' ') + 1).toUShort();
+        const auto connected = [port] {
+            auto client = std::make_unique<QTcpSocket>();
+            client->connectToHost(QHostAddress::LocalHost, port);
+            client->waitForConnected(1000);
+            return client;
         };
-        QByteArrayList lines = answers(client, "status\r\nSTATUS\n", 2);
-        QCOMPARE(lines.size(), 2);
-        QCOMPARE(statusOf(lines.first()),
-                 (QJsonObject{{"document"_s, QJsonValue()}, {"finished"_s, 0}, {"target"_s, 0}}));
-        QVERIFY(statusOf(lines.last()).contains("error"_s));
 
+        const QByteArray tooLong = R"({"error":"the line is too long"})";
+        for (const QByteArray& request : {QByteArray(257, 'x') + '\n', QByteArray(300, 'x'),
+                                          QByteArray(300, ' ') + "status\n"}) {
+            QCOMPARE(answers(*connected(), request, 2), QByteArrayList{tooLong});
+        }
+        const QByteArray many = QByteArray("status\n").repeated(2000);
+        QCOMPARE(answers(*connected(), many, 2000).size(), 2000);
+
+        std::vector<std::unique_ptr<QTcpSocket>> clients;
+        for (int i = 0; i < 8; ++i) {
+            clients.push_back(connected());
+            const QByteArrayList lines = answers(*clients.back(), QByteArray(256, 'x') + "\n", 1);
+            QVERIFY(lines.value(0).contains("unknown request"));
+        }
+        QVERIFY(answers(*connected(), "", 2).value(0).contains("too many clients"));
+
+        QTcpSocket& client = *clients.back();
+        QByteArrayList lines = answers(client, "status\r\nSTATUS\n", 2);
+        QCOMPARE(lines.value(0), QByteArray(R"({"document":null,"finished":0,"target":0})"));
+        QVERIFY(lines.value(1).contains("error"));
         const QString path = samples.session.write(
             "piece.ovdoc"_s,
             R"({"format": "ovdoc", "version": 1, "printCount": {"finished": 3, "target": 8}})");
         const std::unique_ptr<Doc::Document> document(
             samples.session.application().openDocument(path));
-        lines = answers(client, "status\n", 1);
-        QCOMPARE(statusOf(lines.value(0)),
-                 (QJsonObject{{"document"_s, path}, {"finished"_s, 3}, {"target"_s, 8}}));
+        const QString status = R"({"document":"%1","finished":3,"target":8})"_s.arg(path);
+        QCOMPARE(answers(client, "status\n", 1), QByteArrayList{status.toUtf8()});
 
         App::CommInfoRegistry::instance()->stop();
         QTRY_COMPARE(client.state(), QTcpSocket::UnconnectedState);
-        client.connectToHost(QHostAddress::LocalHost, port);
-        QVERIFY(!client.waitForConnected(1000));
+        QCOMPARE(connected()->state(), QTcpSocket::UnconnectedState);
         samples.session.application().closeDocument();
-    }
-
-    void tcpTriggerLimits()
-    {
-        const SampleSession samples;
-        App::CommInfoRegistry::instance()->start();
-        const QByteArray started = samples.console.lines.last();
-        const auto port = started.mid(started.lastIndexOf(' ') + 1).toUShort();
-        const auto connected = [port] {
-            auto client = std::make_unique<QTcpSocket>();
-            client->connectToHost(QHostAddress::LocalHost, port);
-            return client->waitForConnected() ? std::move(client) : nullptr;
-        };
-
-        for (const QByteArray& request : {QByteArray(257, 'x') + '\n', QByteArray(300, 'x'),
-                                          QByteArray(300, ' ') + "status\n"}) {
-            const auto client = connected();
-            QVERIFY(client);
-            const QByteArrayList lines = answers(*client, request, 2);
-            QCOMPARE(lines, QByteArrayList({R"({"error":"the line is too long"})"}));
-        }
-
-        const auto patient = connected();
-        QVERIFY(patient);
-        QCOMPARE(answers(*patient, QByteArray("status\n").repeated(2000), 2000).size(), 2000);
-        patient->abort();
-
-        std::vector<std::unique_ptr<QTcpSocket>> clients;
-        for (int i = 0; i < 8; ++i) {
-            clients.push_back(connected());
-            QVERIFY(answers(*clients.back(), QByteArray(256, 'x') + "\n", 1)
-                        .first()
-                        .contains("unknown request"));
-        }
-        const auto oneMore = connected();
-        QVERIFY(oneMore);
-        QVERIFY(answers(*oneMore, "", 2).value(0).contains("too many clients"));
     }
 
     void verdicts()
     {
         // One of each kind in a directory, with words that tell its author what to do.
-        QTemporaryDir directory;
-        const auto copy = [&directory](const QString& from, const char* name, bool half = false) {
-            QFile source(from);
-            QFile target(directory.filePath(QLatin1String(name)));
-            if (!source.open(QIODevice::ReadOnly) || !target.open(QIODevice::WriteOnly))
-                qFatal("cannot copy %s", qPrintable(from));
-            target.write(
-                source.readAll().left(half ? static_cast<int>(source.size() / 2) : INT_MAX));
-        };
+        const QTemporaryDir directory;
         const QString samples = QStringLiteral(SAMPLE_PLUGIN_DIR "/");
         const QString others = QStringLiteral(OTHER_PLUGIN_DIR "/");
-        copy(samples + "relief-engraving.dll"_s, "accepted.dll");
-        copy(samples + "rotary-axis.dll"_s, "board.dll");
-        copy(samples + "rotary-axis.dll"_s, "cut.dll", true);
-        copy(others + "OtherInterface.dll"_s, "interface.dll");
-        copy(others + "PluginWithoutIdentifier.dll"_s, "nobody.dll");
-        copy(QStringLiteral(OVAPP_HOST), "program.dll");
-
-        const auto examine = [&directory](const QStringList& options, QByteArray& output) {
-            QProcess host;
-            host.start(QStringLiteral(OVAPP_HOST),
-                       QStringList({"plugins"_s, "--app-dir"_s, directory.path(), "--plugins"_s,
-                                    directory.path()}) +
-                           options);
-            const bool ended = host.waitForFinished() && host.exitStatus() == QProcess::NormalExit;
-            output = host.readAllStandardOutput();
-            return ended ? host.exitCode() : -1;
-        };
-        QByteArray output;
-        QCOMPARE(examine({"--json"_s, "--board"_s, "4"_s}, output), 1);
-        const QJsonArray plugins =
-            QJsonDocument::fromJson(output).object().value("plugins"_s).toArray();
         const struct
         {
-            const char* file;
+            QString file;
+            QString from;
             const char* verdict;
             const char* words;
-        } expected[] = {{"accepted", "accepted", "accepted"},
-                        {"board", "other-board", "supportedBoardTypes() is 0x2"},
-                        {"cut", "no-plugin", "Qt cannot load it"},
-                        {"interface", "no-interface", "Q_INTERFACES"},
-                        {"nobody", "other-board", "supportedBoardTypes() is 0x2"},
-                        {"program", "no-plugin", "Qt cannot load it"}};
+        } rows[] = {
+            {"accepted.dll"_s, samples + "rotary-axis.dll"_s, "accepted", "accepted"},
+            {"board.dll"_s, samples + "relief-engraving.dll"_s, "other-board",
+             "supportedBoardTypes() is 0x5"},
+            {"cut.dll"_s, samples + "rotary-axis.dll"_s, "no-plugin", "Qt cannot load it"},
+            {"interface.dll"_s, others + "OtherInterface.dll"_s, "no-interface", "Q_INTERFACES"},
+            {"nobody.dll"_s, others + "PluginWithoutIdentifier.dll"_s, "no-identifier",
+             "pluginID() is 0"},
+            {"program.dll"_s, QStringLiteral(OVAPP_HOST), "no-plugin", "Qt cannot load it"}};
+        for (const auto& row : rows)
+            writeFile(directory.filePath(row.file), contentOf(row.from));
+        const QString cut = directory.filePath("cut.dll"_s);
+        QVERIFY(QFile::resize(cut, QFileInfo(cut).size() / 2));
+
+        const QStringList command = words("plugins --json --board 2 --app-dir %1 --plugins %1")
+                                        .replaceInStrings("%1"_s, directory.path());
+        const Outcome outcome = runHost(command);
+        QCOMPARE(outcome.status, 1);
+        const QByteArray json = outcome.output.join(u'\n').toUtf8();
+        const auto plugins = QJsonDocument::fromJson(json).object().value("plugins"_s).toArray();
         QCOMPARE(plugins.size(), 6);
         for (int i = 0; i < 6; ++i) {
             const QJsonObject plugin = plugins.at(i).toObject();
-            QVERIFY2(plugin.value("file"_s).toString().endsWith(
-                         u'/' + QLatin1String(expected[i].file) + ".dll"_s),
-                     expected[i].file);
-            QCOMPARE(plugin.value("verdict"_s).toString(), QLatin1String(expected[i].verdict));
-            QVERIFY2(
-                plugin.value("explanation"_s).toString().contains(QLatin1String(expected[i].words)),
-                expected[i].file);
+            const QString file = directory.filePath(rows[i].file);
+            QCOMPARE(plugin.value("file"_s).toString(), file);
+            QCOMPARE(plugin.value("verdict"_s).toString(), QLatin1String(rows[i].verdict));
+            const QString explanation = plugin.value("explanation"_s).toString();
+            QVERIFY2(explanation.contains(QLatin1String(rows[i].words)), qPrintable(explanation));
             QCOMPARE(plugin.value("accepted"_s).toBool(), i == 0);
+            QVERIFY(i == 0 || QFile::remove(file));
         }
-
-        QCOMPARE(examine({"--board"_s, "2"_s}, output), 1);
-        QVERIFY2(output.contains("refused: pluginID() is 0"), output);
-        for (const char* name : {"cut", "interface", "nobody", "program", "board"})
-            QVERIFY(QFile::remove(directory.filePath(QLatin1String(name) + ".dll"_s)));
-        QCOMPARE(examine({}, output), 0);
+        QCOMPARE(runHost(command).status, 0);
     }
 
     void profile()
     {
         const QTemporaryDir directory;
-        QProcess host;
-        host.start(QStringLiteral(OVAPP_HOST),
-                   {"plugins"_s, "--profile"_s, "--app-dir"_s, directory.path(), "--plugins"_s,
-                    QStringLiteral(SAMPLE_PLUGIN_DIR), "--board"_s, "1"_s});
-        QVERIFY(host.waitForFinished());
-        QCOMPARE(host.exitCode(), 1);
-        const QByteArrayList lines = host.readAllStandardOutput().trimmed().split('\n');
-        QCOMPARE(lines.size(), 5);
-        QVERIFY(lines.first().contains("LOAD/MS  START/MS  STOP/MS  VERDICT"));
+        const Outcome outcome =
+            runHost(words("plugins --profile --board 1 --app-dir %1 --plugins %2")
+                        .replaceInStrings("%1"_s, directory.path())
+                        .replaceInStrings("%2"_s, QStringLiteral(SAMPLE_PLUGIN_DIR)));
+        QCOMPARE(outcome.status, 1);
+        QCOMPARE(outcome.output.size(), 5);
+        QVERIFY(outcome.output.first().contains("LOAD/MS  START/MS  STOP/MS  VERDICT"_s));
         // It was started, so it has its settings; the refused one was not.
         QVERIFY(QFile::exists(directory.filePath("ProductionCounter"_s)));
-        QVERIFY2(QRegularExpression("rotary-axis.dll +- .* - +- +refused"_s)
-                     .match(QString::fromLocal8Bit(lines.at(3)))
-                     .hasMatch(),
-                 lines.at(3));
+        const QRegularExpression refused("rotary-axis.dll +- .* - +- +refused"_s);
+        QVERIFY2(outcome.output.at(3).contains(refused), qPrintable(outcome.output.at(3)));
     }
 };
 

@@ -1,12 +1,11 @@
 #pragma once
 
+#include <support/Files.h>
 #include <support/Literals.h>
 
 #include <app/Application.h>
 #include <ovcore/Settings.h>
 
-#include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 
 /// The program up for as long as this lives, on an application directory of its own.
@@ -32,10 +31,8 @@ public:
     /// Writes a file into the application directory and returns its path.
     QString write(const QString& name, const QByteArray& content) const
     {
-        QFile file(path(name));
-        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-            qFatal("cannot write %s", qPrintable(file.fileName()));
-        return file.fileName();
+        writeFile(path(name), content);
+        return path(name);
     }
 
 private:

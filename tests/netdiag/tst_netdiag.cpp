@@ -1,0 +1,234 @@
+#include <support/Files.h>
+#include <support/Tools.h>
+
+#include <netdiag/PingProcess.h>
+#include <netdiag/SystemTools.h>
+#include <netdiag/TracerouteProcess.h>
+
+#include <ovcore/Settings.h>
+
+#include <QtTest>
+
+#include <algorithm>
+#include <memory>
+#include <vector>
+
+namespace {
+
+const QByteArray maxHopsOption = SystemTools::tracerouteMaxHops;
+const QByteArray searchPath = qgetenv("PATH");
+
+/// Has the system's own tools found; whether `tool` is.
+bool findsSystems(const char* tool)
+{
+    Tools::findIn(QCoreApplication::applicationDirPath());
+    qputenv("PATH", searchPath);
+    return !QStandardPaths::findExecutable(QLatin1String(tool)).isEmpty();
+}
+
+/// A trace-route object with an application directory of its own and a record of its signals.
+struct Trace
+{
+    explicit Trace(const char* subdirectory = ".")
+        : path(directory.filePath(QLatin1String(subdirectory)) + "/traceroute.out"_s)
+    {
+        Core::Settings::instance().setApplicationDirPath(QFileInfo(path).path());
+        process = std::make_unique<TracerouteProcess>();
+        record(&TracerouteProcess::started, "started");
+        record(&TracerouteProcess::readyReadStandardOutput, "changed");
+        record(&TracerouteProcess::finished, "finished");
+    }
+
+    void record(void (TracerouteProcess::*signal)(), const char* name)
+    {
+        QObject::connect(process.get(), signal, [this, name] {
+            news.append(name);
+            ended = QDateTime::currentDateTime();
+        });
+    }
+
+    void run(const char* host)
+    {
+        news.clear();
+        begun = QDateTime::currentDateTime();
+        process->doTraceroute(QString::fromLatin1(host));
+    }
+
+    QByteArray report() const { return Tools::textOf(process->readAllStandardOutput()); }
+
+    const QTemporaryDir directory;
+    const QString path;
+    QByteArrayList news;
+    QDateTime begun;
+    QDateTime ended; ///< when the last signal came
+    std::unique_ptr<TracerouteProcess> process;
+};
+
+} // namespace
+
+class tst_netdiag : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { Tools::findIn(QStringLiteral(STAND_IN_DIR)); }
+
+    void ping()
+    {
+        PingProcess ping;
+        ping.setCount(10);
+        ping.setPackageSize(1000);
+        for (const char* host : {"10.0.0.1", "-x; two words\""}) {
+            ping.doPing(QString::fromLatin1(host));
+            QVERIFY(ping.waitForFinished());
+            QCOMPARE(Tools::textOf(ping.readAllStandardOutput()), QByteArray(host) + '\n');
+            QCOMPARE(Tools::textOf(ping.readAllStandardError()), QByteArray("complaint\n"));
+        }
+    }
+
+    void limitedPing()
+    {
+        if (!SystemTools::pingRunsUntilStopped)
+            QSKIP("The tool of this system ends by itself");
+        PingProcess ping;
+        for (const int count : {1, 2}) {
+            ping.setCount(count);
+            QElapsedTimer elapsed;
+            elapsed.start();
+            ping.doPing("endless"_s);
+            // Neither what is set nor what is called during a run has to do with it.
+            ping.setCount(5);
+            QTest::ignoreMessage(QtWarningMsg, "QProcess::start: Process is already running");
+            ping.doPing("other"_s);
+
+            QTRY_COMPARE(ping.state(), QProcess::NotRunning);
+            const qint64 excess = elapsed.elapsed() - (count * 1000 - 500);
+            QVERIFY2(excess >= 0 && excess < 500, qPrintable(QString::number(excess)));
+            QCOMPARE(ping.exitStatus(), QProcess::NormalExit);
+            QCOMPARE(ping.readAllStandardOutput(), QByteArray("endless\nsummary\n"));
+        }
+    }
+
+    void unlimitedPing()
+    {
+        // The last is a fifth of a second, were its milliseconds kept in an int.
+        for (const int count : {0, -1, 4294968}) {
+            PingProcess ping;
+            ping.setCount(1);
+            ping.doPing("brief"_s);
+            QVERIFY(ping.waitForFinished());
+            // The first run's limit would strike during the second.
+            ping.setCount(count);
+            ping.doPing("endless"_s);
+            QTest::qWait(800);
+            QCOMPARE(ping.state(), QProcess::Running);
+            QTest::ignoreMessage(QtWarningMsg, QRegularExpression("still running"_s));
+        }
+    }
+
+    void traceReport()
+    {
+        Trace trace;
+        trace.run("10.0.0.1");
+        QTRY_COMPARE(trace.report(), maxHopsOption + "\n10\n10.0.0.1\ncomplaint\n");
+        const TracerouteProcess emptying;
+        QCOMPARE(trace.report(), QByteArray());
+
+        trace.process->setMaxHops(30);
+        trace.process->setPackageSize(1000);
+        trace.run("slow");
+        QCOMPARE(trace.news, QByteArrayList({"started"}));
+        const QByteArray first = maxHopsOption + "\n30\nslow\ncomplaint\n";
+        QTRY_COMPARE(trace.report(), first);
+        QTRY_COMPARE(trace.news.last(), QByteArray("changed"));
+        QTRY_COMPARE(trace.report(), first + "later\n");
+        trace.run("slow");
+        QTRY_COMPARE(trace.report(), first);
+        trace.run("$(two) words");
+        // The earlier tool goes on behind what the new one has written, and leaves no gap.
+        QTRY_COMPARE(trace.report(), maxHopsOption + "\n30\n$(two) words\ncomplaint\nlater\n");
+    }
+
+    void removedTraceReport()
+    {
+        Trace trace;
+        QVERIFY(QFile::remove(trace.path));
+        QTRY_COMPARE(trace.news, QByteArrayList({"changed"}));
+        trace.run("host");
+        QTRY_COMPARE(trace.news.last(), QByteArray("changed"));
+    }
+
+    void quietTrace()
+    {
+        // Side by side, since each takes its time.
+        Trace growing;
+        growing.run("slow");
+        Trace silent;
+        silent.run("former");
+        QTRY_VERIFY(silent.report().endsWith("complaint\n"));
+        silent.run("silent");
+        Trace nowhere("missing");
+        nowhere.run("host");
+        Tools::findIn(QCoreApplication::applicationDirPath());
+        Trace toolless;
+        std::vector<const Trace*> traces{&growing, &silent, &nowhere};
+        // Where the system's own tool is found anyway, no run goes without.
+        if (!Tools::isAlwaysFound(QLatin1String(SystemTools::traceroute))) {
+            toolless.run("host");
+            traces.push_back(&toolless);
+        }
+
+        for (const Trace* trace : traces) {
+            QTRY_VERIFY_WITH_TIMEOUT(trace->news.contains("finished"), 10000);
+            // From the run's beginning or the last change, whatever was later.
+            const QDateTime last = std::max(trace->begun, QFileInfo(trace->path).lastModified());
+            const qint64 excess = last.msecsTo(trace->ended) - 7000;
+            QVERIFY2(excess >= 0 && excess < 700, qPrintable(QString::number(excess)));
+            if (trace == &growing)
+                continue;
+            QCOMPARE(trace->news, QByteArrayList({"started", "finished"}));
+            QCOMPARE(trace->report(), QByteArray());
+        }
+        QVERIFY(growing.report().endsWith("later\n"));
+        QCOMPARE(growing.news.count("finished"), 1);
+        QVERIFY(growing.process->toolProcessId() > 0);
+        QCOMPARE(toolless.process->toolProcessId(), 0);
+    }
+
+    void destroyedTrace()
+    {
+        Trace trace;
+        trace.run("slow");
+        trace.process.reset();
+        QTRY_VERIFY(Tools::textOf(contentOf(trace.path)).endsWith("later\n"));
+        QCOMPARE(trace.news, QByteArrayList({"started"}));
+    }
+
+    void systemsPing()
+    {
+        if (!findsSystems(SystemTools::ping))
+            QSKIP("This system has no ping");
+        PingProcess ping;
+        ping.doPing("127.0.0.1"_s);
+        QTRY_COMPARE_WITH_TIMEOUT(ping.state(), QProcess::NotRunning, 10000);
+        QCOMPARE(ping.exitCode(), 0);
+        // Four answers, and the summary.
+        const QByteArray report = ping.readAllStandardOutput();
+        QVERIFY2(report.count("ttl=") + report.count("TTL=") == 4, report);
+        QVERIFY2(report.contains("0%"), report);
+    }
+
+    void systemsTraceroute()
+    {
+        if (!findsSystems(SystemTools::traceroute))
+            QSKIP("This system has no trace-route tool");
+        Trace trace;
+        trace.run("127.0.0.1");
+        // The host in the heading and as the only hop.
+        QTRY_VERIFY(trace.report().count("127.0.0.1") >= 2);
+        QTRY_VERIFY(trace.news.contains("changed"));
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_netdiag)
+#include "tst_netdiag.moc"

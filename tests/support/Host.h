@@ -1,0 +1,36 @@
+#pragma once
+
+#include <support/Literals.h>
+#include <support/Tools.h>
+
+#include <QProcess>
+
+/// What a run of ovapp-host came to, in lines; the status is -1 unless it ended by itself.
+struct Outcome
+{
+    int status = -1;
+    QStringList output;
+    QStringList errors;
+};
+
+inline QStringList linesOf(const QByteArray& text)
+{
+    QStringList lines = QString::fromLocal8Bit(Tools::textOf(text)).split(u'\n');
+    lines.removeLast(); // what follows the last line's end
+    return lines;
+}
+
+inline Outcome outcomeOf(QProcess& host)
+{
+    if (!host.waitForFinished() || host.exitStatus() != QProcess::NormalExit)
+        return {};
+    return {host.exitCode(), linesOf(host.readAllStandardOutput()),
+            linesOf(host.readAllStandardError())};
+}
+
+inline Outcome runHost(const QStringList& arguments)
+{
+    QProcess host;
+    host.start(QStringLiteral(OVAPP_HOST), arguments);
+    return outcomeOf(host);
+}
