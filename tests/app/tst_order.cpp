@@ -203,10 +203,8 @@ private Q_SLOTS:
             {"a", "open a", "a", "a", ""},
             {"a", "open ./a", "a", "a", ""},
             {"a", "open A", "A", "A", "create, read A, close a, remember A, new A"},
-#ifdef Q_OS_UNIX
             {"a", "open link.lnk", "link.lnk", "link.lnk",
              "create, read link.lnk, close a, remember link.lnk, new link.lnk"},
-#endif
             {"a", "open more/a", "more/a", "more/a",
              "create, read more/a, close a, remember more/a, new more/a"},
             {"none", "activate b", "b", "b", "remember b, active b"},
@@ -229,6 +227,10 @@ private Q_SLOTS:
         QFETCH(QString, active);
         QFETCH(QString, operation);
         QFETCH(QString, steps);
+#ifndef Q_OS_UNIX
+        if (operation.endsWith("link.lnk"_s))
+            QSKIP("Qt makes shortcuts here instead of links");
+#endif
         layer.documentOpens = !steps.contains("fail"_s);
         layer.settings.insert("Print/resetCountAfterOpened"_s, steps.contains("reset"_s));
         Application::init();

@@ -11,12 +11,6 @@
 #include <signal.h>
 #endif
 
-#ifdef Q_OS_WIN
-#define MAX_HOPS_OPTION "-h"
-#else
-#define MAX_HOPS_OPTION "-m"
-#endif
-
 class tst_host : public QObject
 {
     Q_OBJECT
@@ -196,7 +190,9 @@ log: destruct application.)"_s;
         QTest::newRow("no ping") << false << "ping here" << 1 << none
                                  << missing("ping", "iputils-ping");
         QTest::newRow("traced") << true << "trace --max-hops 3 slow" << 0
-                                << words(MAX_HOPS_OPTION " 3 slow complaint later") << none;
+                                << QStringList({QLatin1String(SystemTools::tracerouteMaxHops)}) +
+                                       words("3 slow complaint later")
+                                << none;
         QTest::newRow("no trace-route")
             << false << "trace here" << 1 << none << missing("trace-route", "traceroute");
     }

@@ -4,16 +4,29 @@
 #include <ovcore/Settings.h>
 #include <plugins/PluginBaseSettings.h>
 
+#include <QProcess>
 #include <QSettings>
 #include <QtTest>
 
-#include <filesystem>
+#include <cstdio>
 #include <optional>
 
 using App::PluginBaseSettings;
 
 static const QString marker = "Marker"_s;
 static const QString key = "Laser/speed"_s;
+
+/// What the child process does: counts in its settings, and tells each number once it is stored.
+[[noreturn]] static void count(const QString& applicationDirPath)
+{
+    Core::Settings::instance().setApplicationDirPath(applicationDirPath);
+    PluginBaseSettings settings(marker);
+    for (int i = 1;; ++i) {
+        settings.setValue(key, i);
+        std::printf("%d\n", i);
+        std::fflush(stdout);
+    }
+}
 
 class tst_plugin_settings : public QObject
 {
@@ -118,20 +131,51 @@ private Q_SLOTS:
         QCOMPARE(contentOf(path(marker)), QByteArray("obstacle"));
     }
 
-    void replacesItsFile()
+    void survivesBeingKilled()
     {
-        PluginBaseSettings settings(marker);
-        settings.setValue(key, 1);
-        const QByteArray before = store();
-        const QString former = path("former"_s);
-        std::filesystem::create_hard_link(path("Marker/Marker.ini"_s).toStdString(),
-                                          former.toStdString());
-        settings.setValue(key, 2);
-        // A program that is killed meanwhile leaves the former file or the new one, and it whole.
-        QVERIFY(store().contains("speed=2"));
-        QCOMPARE(contentOf(former), before);
+        // Enough beside the counter for a half-written file to show.
+        const QByteArray bulk(50000, 'x');
+        for (int round = 0; round < 20; ++round) {
+            // Elsewhere each time: Qt waits half a minute for the lock of a writer that was killed
+            // before it had put its name to it.
+            const QString directory = path(QString::number(round));
+            QVERIFY(QDir().mkdir(directory));
+            Core::Settings::instance().setApplicationDirPath(directory);
+            PluginBaseSettings(marker).setValue("bulk"_s, bulk);
+
+            QProcess child;
+            child.start(QCoreApplication::applicationFilePath(), {"--count"_s, directory},
+                        QIODevice::ReadOnly);
+            int last = 0;
+            // The moment varies, so that the end comes at any point of a call.
+            while (last < 20 + 3 * round) {
+                QVERIFY(child.waitForReadyRead(20000));
+                while (child.canReadLine())
+                    last = child.readLine().toInt();
+            }
+            QTest::qSleep(1 + round % 5);
+            child.kill();
+            QVERIFY(child.waitForFinished());
+            while (child.canReadLine())
+                last = child.readLine().toInt();
+
+            PluginBaseSettings settings(marker);
+            const int stored = settings.value(key).toInt();
+            QVERIFY2(stored == last || stored == last + 1,
+                     qPrintable("%1 after %2"_s.arg(stored).arg(last)));
+            QCOMPARE(settings.qSettings().status(), QSettings::NoError);
+            QCOMPARE(settings.value("bulk"_s).toByteArray(), bulk);
+        }
     }
 };
 
-QTEST_GUILESS_MAIN(tst_plugin_settings)
+int main(int argc, char* argv[])
+{
+    QCoreApplication application(argc, argv);
+    if (QCoreApplication::arguments().value(1) == "--count"_s)
+        count(QCoreApplication::arguments().value(2));
+    tst_plugin_settings test;
+    return QTest::qExec(&test, argc, argv);
+}
+
 #include "tst_plugin_settings.moc"
