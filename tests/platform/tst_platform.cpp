@@ -178,7 +178,7 @@ private Q_SLOTS:
 
 // Not before the class, which moc would miss behind such raw strings.
 const Change tst_platform::changes[] = {
-    // No counts, a mark before, and a name that is spelt differently.
+    // No counts, and a mark before.
     {"\xef\xbb\xbf{\"form\\u0061t\":\"ovdoc\",\"version\":1.0,"
      R"("PrintCount":9007199254740993, "a":[{"b}": "\"]"}, null]})",
      R"({
@@ -189,14 +189,14 @@ const Change tst_platform::changes[] = {
     "printCount": { "finished": 2, "target": 9 }
 }
 )"},
-    // The counts twice, of which the last ones hold.
+    // The counts twice, of which the last ones hold, however their name is spelt.
     {R"({"printCount": 1, "format": "ovdoc", "version": 1,
-         "printCount": {"new": 1.50, "target": 2147483647, "finished": -2147483648}})",
+         "print\u0043ount": {"new": 1.50, "target": 2147483647, "finished": -2147483648}})",
      R"({
     "printCount": 1,
     "format": "ovdoc",
     "version": 1,
-    "printCount": { "new": 1.50, "target": 9, "finished": 2 }
+    "print\u0043ount": { "new": 1.50, "target": 9, "finished": 2 }
 }
 )"}};
 
