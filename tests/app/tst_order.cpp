@@ -188,6 +188,8 @@ private Q_SLOTS:
             QTest::addColumn<QString>(column);
         const char* const rows[][5] = {
             {"none", "new n", "n", "n", "create, name n, remember n, new n"},
+            {"none", "new damaged", "none", "none", "create, fail damaged"},
+            {"none", "new", "none", "none", ""},
             {"a", "new n", "n", "n", "create, name n, close a, remember n, new n"},
             {"a", "new b", "b", "b", "create, read b, reset, close a, remember b, new b"},
             {"a", "new damaged", "none", "a", "create, fail damaged"},
@@ -195,6 +197,8 @@ private Q_SLOTS:
             {"a", "new", "none", "a", ""},
             {"a", "new missing/n", "none", "a", ""},
             {"none", "open b", "b", "b", "create, read b, remember b, new b"},
+            {"none", "open damaged", "none", "none", "create, fail damaged"},
+            {"none", "open n", "none", "none", ""},
             {"a", "open b", "b", "b", "create, read b, reset, close a, remember b, new b"},
             {"a", "open damaged", "none", "a", "create, fail damaged"},
             {"a", "open .", "none", "a", ""},

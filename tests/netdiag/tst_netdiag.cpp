@@ -73,6 +73,24 @@ class tst_netdiag : public QObject
 private Q_SLOTS:
     void init() { Tools::findIn(QStringLiteral(STAND_IN_DIR)); }
 
+    void metaObjects()
+    {
+        const QMetaObject& ping = PingProcess::staticMetaObject;
+        QCOMPARE(ping.className(), "PingProcess");
+        QCOMPARE(ping.superClass(), &QProcess::staticMetaObject);
+        QCOMPARE(ping.methodCount(), ping.methodOffset());
+
+        const QMetaObject& trace = TracerouteProcess::staticMetaObject;
+        QCOMPARE(trace.className(), "TracerouteProcess");
+        QCOMPARE(trace.superClass(), &QObject::staticMetaObject);
+        QByteArrayList methods;
+        for (int i = trace.methodOffset(); i < trace.methodCount(); ++i)
+            methods += trace.method(i).methodSignature();
+        QCOMPARE(methods, QByteArrayList({"readyReadStandardOutput()", "started()", "finished()",
+                                          "slotOnChanged()"}));
+        QCOMPARE(trace.method(trace.methodCount() - 1).access(), QMetaMethod::Protected);
+    }
+
     void ping()
     {
         PingProcess ping;
