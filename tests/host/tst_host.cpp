@@ -100,11 +100,8 @@ log: destruct application.)"_s;
         if (name.startsWith(u'/') && QSysInfo::kernelType() != "linux"_s)
             QSKIP("No file here that opens and cannot be read");
         const QString path = QDir(_directory.path()).absoluteFilePath(name);
-        if (!content.isNull()) {
-            QFile file(path);
-            QVERIFY(file.open(QIODevice::WriteOnly));
-            QCOMPARE(file.write(content), content.size());
-        }
+        if (!content.isNull())
+            writeFile(path, content);
         const Outcome outcome =
             runHost({"run"_s, "--app-dir"_s, _directory.path(), "--document"_s, path});
         QCOMPARE(outcome.status, 1);
@@ -209,9 +206,7 @@ log: destruct application.)"_s;
             QSKIP("This system's own tool cannot be hidden");
         Tools::findIn(installed ? QStringLiteral(STAND_IN_DIR)
                                 : QCoreApplication::applicationDirPath());
-        QProcess host;
-        host.start(QStringLiteral(OVAPP_HOST), words(qPrintable(arguments)));
-        const Outcome outcome = outcomeOf(host);
+        const Outcome outcome = runHost(words(qPrintable(arguments)));
         QTEST(outcome.status, "status");
         QTEST(outcome.output, "output");
         QTEST(outcome.errors, "errors");
@@ -219,49 +214,38 @@ log: destruct application.)"_s;
 
     void interrupt_data()
     {
-        QTest::addColumn<QString>("command");
+        QTest::addColumn<QString>("arguments");
+        QTest::addColumn<QByteArray>("sign");
+        QTest::addColumn<int>("signs");
+        QTest::addColumn<QString>("lastLine");
         QTest::addColumn<int>("status");
-        QTest::newRow("ping") << "ping" << 0;
-        QTest::newRow("trace") << "trace" << 1;
+        QTest::newRow("ping") << "ping endless" << QByteArray("endless") << 1 << "summary" << 0;
+        QTest::newRow("trace") << "trace endless" << QByteArray("endless") << 1 << "summary" << 1;
+        // More beats than there is time for without the option.
+        QTest::newRow("session") << "run --stay --app-dir %1 --plugins %1" << QByteArray("is alive")
+                                 << 10 << "destruct application." << 0;
     }
 
     void interrupt()
     {
 #ifdef Q_OS_UNIX
-        QFETCH(QString, command);
+        QFETCH(QString, arguments);
+        QFETCH(QByteArray, sign);
+        QFETCH(int, signs);
+        QFETCH(QString, lastLine);
         Tools::findIn(QStringLiteral(STAND_IN_DIR));
         QProcess host;
-        host.start(QStringLiteral(OVAPP_HOST), {command, "endless"_s});
-        QVERIFY(host.waitForReadyRead());
+        host.start(QStringLiteral(OVAPP_HOST),
+                   words(qPrintable(arguments)).replaceInStrings("%1"_s, _directory.path()));
+        while (host.peek(100000).count(sign) < signs)
+            QVERIFY(host.waitForReadyRead());
         QElapsedTimer elapsed;
         elapsed.start();
         QCOMPARE(::kill(static_cast<pid_t>(host.processId()), SIGINT), 0);
         const Outcome outcome = outcomeOf(host);
         QTEST(outcome.status, "status");
         QVERIFY(elapsed.elapsed() < 2000);
-        QCOMPARE(outcome.output.last() == "summary"_s, outcome.status == 0);
-#else
-        QSKIP("no way here to interrupt one process");
-#endif
-    }
-
-    void staysUntilInterrupted()
-    {
-#ifdef Q_OS_UNIX
-        QProcess host;
-        host.start(QStringLiteral(OVAPP_HOST),
-                   {"run"_s, "--stay"_s, "--app-dir"_s, _directory.path(), "--plugins"_s,
-                    _directory.path()});
-        // More beats than there is time for otherwise.
-        QByteArray output;
-        while (output.count("is alive") < 10) {
-            QVERIFY(host.waitForReadyRead());
-            output += host.readAllStandardOutput();
-        }
-        QCOMPARE(::kill(static_cast<pid_t>(host.processId()), SIGINT), 0);
-        const Outcome outcome = outcomeOf(host);
-        QCOMPARE(outcome.status, 0);
-        QVERIFY(outcome.output.last().endsWith("destruct application."_s));
+        QCOMPARE(outcome.output.last().endsWith(lastLine), outcome.status == 0);
 #else
         QSKIP("no way here to interrupt one process");
 #endif
@@ -293,9 +277,9 @@ log: destruct application.)"_s;
         QFETCH(QByteArray, failure);
         QFETCH(QString, error);
         qputenv("FAILING_PLUGIN", failure);
-        const Outcome outcome = runHost(words(qPrintable(arguments)) +
-                                        QStringList({"--app-dir"_s, _directory.path(),
-                                                     "--plugins"_s, FAILING_PLUGIN_DIR ""_s}));
+        const QStringList directories{"--app-dir"_s, _directory.path(), "--plugins"_s,
+                                      QStringLiteral(FAILING_PLUGIN_DIR)};
+        const Outcome outcome = runHost(words(qPrintable(arguments)) + directories);
         QCOMPARE(outcome.errors, QStringList(error));
         QCOMPARE(outcome.status, 1);
     }
