@@ -229,9 +229,11 @@ private Q_SLOTS:
         PingProcess ping;
         ping.doPing("127.0.0.1"_s);
         QTRY_COMPARE_WITH_TIMEOUT(ping.state(), QProcess::NotRunning, 10000);
+        const QByteArray report = ping.readAllStandardOutput();
+        if (report.contains("transmit failed"))
+            QSKIP("This user may not send with this system's ping");
         QCOMPARE(ping.exitCode(), 0);
         // Four answers, and the summary.
-        const QByteArray report = ping.readAllStandardOutput();
         QVERIFY2(report.count("ttl=") + report.count("TTL=") == 4, report);
         QVERIFY2(report.contains("0%"), report);
     }
