@@ -16,18 +16,6 @@ using App::PluginBaseSettings;
 static const QString marker = "Marker"_s;
 static const QString key = "Laser/speed"_s;
 
-/// What the child process does: counts in its settings, and tells each number once it is stored.
-[[noreturn]] static void count(const QString& applicationDirPath)
-{
-    Core::Settings::instance().setApplicationDirPath(applicationDirPath);
-    PluginBaseSettings settings(marker);
-    for (int i = 1;; ++i) {
-        settings.setValue(key, i);
-        std::printf("%d\n", i);
-        std::fflush(stdout);
-    }
-}
-
 class tst_plugin_settings : public QObject
 {
     Q_OBJECT
@@ -144,20 +132,17 @@ private Q_SLOTS:
             PluginBaseSettings(marker).setValue("bulk"_s, bulk);
 
             QProcess child;
-            child.start(QCoreApplication::applicationFilePath(), {"--count"_s, directory},
-                        QIODevice::ReadOnly);
-            int last = 0;
+            child.start(QCoreApplication::applicationFilePath(), {"--count"_s, directory});
+            QByteArray told;
             // The moment varies, so that the end comes at any point of a call.
-            while (last < 20 + 3 * round) {
+            while (told.count('\n') < 20 + 3 * round) {
                 QVERIFY(child.waitForReadyRead(20000));
-                while (child.canReadLine())
-                    last = child.readLine().toInt();
+                told += child.readAll();
             }
             QTest::qSleep(1 + round % 5);
             child.kill();
             QVERIFY(child.waitForFinished());
-            while (child.canReadLine())
-                last = child.readLine().toInt();
+            const int last = (told + child.readAll()).count('\n');
 
             PluginBaseSettings settings(marker);
             const int stored = settings.value(key).toInt();
@@ -172,10 +157,19 @@ private Q_SLOTS:
 int main(int argc, char* argv[])
 {
     QCoreApplication application(argc, argv);
-    if (QCoreApplication::arguments().value(1) == "--count"_s)
-        count(QCoreApplication::arguments().value(2));
-    tst_plugin_settings test;
-    return QTest::qExec(&test, argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.value(1) != "--count"_s) {
+        tst_plugin_settings test;
+        return QTest::qExec(&test, argc, argv);
+    }
+    // The child process, which counts in its settings, and ends a line once a number is stored.
+    Core::Settings::instance().setApplicationDirPath(arguments.value(2));
+    PluginBaseSettings settings(marker);
+    for (int i = 1;; ++i) {
+        settings.setValue(key, i);
+        std::puts("");
+        std::fflush(stdout);
+    }
 }
 
 #include "tst_plugin_settings.moc"
