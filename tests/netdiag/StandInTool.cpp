@@ -6,17 +6,13 @@
 #include <cstring>
 #include <thread>
 
-namespace {
+static volatile std::sig_atomic_t isInterrupted = 0;
 
-volatile std::sig_atomic_t isInterrupted = 0;
-
-void say(std::FILE* channel, const char* line)
+static void say(std::FILE* channel, const char* line)
 {
     std::fprintf(channel, "%s\n", line);
     std::fflush(channel);
 }
-
-} // namespace
 
 int main(int argc, char* argv[])
 {

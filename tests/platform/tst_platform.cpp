@@ -13,6 +13,7 @@
 
 #include <filesystem>
 #include <thread>
+#include <utility>
 #include <vector>
 
 using Core::ConsoleSingleton;
@@ -32,13 +33,6 @@ struct Counter : Core::ConsoleObserver
     Core::ConsoleObserver* other = nullptr;
 };
 
-/// A document that holds more than the library knows, before and after its counts were changed.
-struct Change
-{
-    QByteArray before;
-    QByteArray after;
-};
-
 } // namespace
 
 /// What the library and its users rely on in the layer below.
@@ -46,7 +40,8 @@ class tst_platform : public QObject
 {
     Q_OBJECT
 
-    static const Change changes[2];
+    /// Documents that hold more than the library knows, before and after a change of their counts.
+    static const std::pair<QByteArray, QByteArray> changes[2];
 
 private Q_SLOTS:
     void settings()
@@ -177,7 +172,7 @@ private Q_SLOTS:
 };
 
 // Not before the class, which moc would miss behind such raw strings.
-const Change tst_platform::changes[] = {
+const std::pair<QByteArray, QByteArray> tst_platform::changes[] = {
     // No counts, and a mark before.
     {"\xef\xbb\xbf{\"form\\u0061t\":\"ovdoc\",\"version\":1.0,"
      R"("PrintCount":9007199254740993, "a":[{"b}": "\"]"}, null]})",

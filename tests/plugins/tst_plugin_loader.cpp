@@ -7,10 +7,8 @@
 
 #include <climits>
 #include <optional>
+#include <tuple>
 
-#ifdef Q_OF_ELF
-#include <link.h>
-#endif
 #ifdef Q_OS_UNIX
 #include <sys/stat.h>
 #endif
@@ -20,6 +18,8 @@ using App::PluginLoader;
 using Verdict = PluginLoader::Verdict;
 
 #ifdef Q_OF_ELF
+#include <link.h>
+
 /// The same plug-in with one more segment to load, behind everything else, as tools lay it out that
 /// change a library path. The system clears the segment's last page beyond what the file holds.
 static QByteArray withSegmentAtEnd(QByteArray plugin)
@@ -138,13 +138,7 @@ private Q_SLOTS:
 
     void judges()
     {
-        const struct
-        {
-            int boardTypes;
-            int board;
-            quint64 id;
-            Verdict verdict;
-        } cases[] = {
+        const std::tuple<int, int, quint64, Verdict> cases[] = {
             {6, 2, 1, Verdict::Accepted},    {INT_MIN, -1, Q_UINT64_C(1) << 63, Verdict::Accepted},
             {4, 2, 1, Verdict::OtherBoard},  {0, -1, 1, Verdict::OtherBoard},
             {-1, 0, 1, Verdict::OtherBoard}, {4, 2, 0, Verdict::OtherBoard},

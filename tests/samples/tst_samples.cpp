@@ -22,18 +22,17 @@ using App::PluginLoader;
 namespace {
 
 /// A session with the sample plug-ins loaded and started, where the TCP trigger takes a free port.
-struct SampleSession
+struct SampleSession : Session
 {
     SampleSession()
     {
-        session.write("TcpTrigger/TcpTrigger.ini"_s, "[Server]\nport=0\n");
+        write("TcpTrigger/TcpTrigger.ini"_s, "[Server]\nport=0\n");
         Core::Settings::instance().setPluginDirPath(QStringLiteral(SAMPLE_PLUGIN_DIR));
         PluginLoader::loadPlugins(true);
     }
     ~SampleSession() { PluginLoader::unloadPlugins(); }
 
     ConsoleRecorder console;
-    Session session;
 };
 
 /// What a client of the TCP trigger reads until it has `lines` lines or is sent away.
@@ -60,8 +59,8 @@ private Q_SLOTS:
     void startedAndStopped()
     {
         const SampleSession samples;
-        App::Application& application = samples.session.application();
-        const QString path = samples.session.path("piece.ovdoc"_s);
+        App::Application& application = samples.application();
+        const QString path = samples.path("piece.ovdoc"_s);
         auto& extensions = App::ExtendPluginRegistry::instance();
         for (const char* totals :
              {"1 documents and 2 transactions", "2 documents and 4 transactions"}) {
@@ -114,18 +113,17 @@ private Q_SLOTS:
         QByteArrayList lines = answers(client, "status\r\nSTATUS\n", 2);
         QCOMPARE(lines.value(0), QByteArray(R"({"document":null,"finished":0,"target":0})"));
         QVERIFY(lines.value(1).contains("error"));
-        const QString path = samples.session.write(
+        const QString path = samples.write(
             "piece.ovdoc"_s,
             R"({"format": "ovdoc", "version": 1, "printCount": {"finished": 3, "target": 8}})");
-        const std::unique_ptr<Doc::Document> document(
-            samples.session.application().openDocument(path));
+        const std::unique_ptr<Doc::Document> document(samples.application().openDocument(path));
         const QString status = R"({"document":"%1","finished":3,"target":8})"_s.arg(path);
         QCOMPARE(answers(client, "status\n", 1), QByteArrayList{status.toUtf8()});
 
         App::CommInfoRegistry::instance()->stop();
         QTRY_COMPARE(client.state(), QTcpSocket::UnconnectedState);
         QCOMPARE(connected()->state(), QTcpSocket::UnconnectedState);
-        samples.session.application().closeDocument();
+        samples.application().closeDocument();
     }
 
     void verdicts()
