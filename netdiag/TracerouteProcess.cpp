@@ -5,6 +5,7 @@
 #include <ovcore/Settings.h>
 #include <system/DetachedProcess.h>
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileSystemWatcher>
@@ -84,8 +85,12 @@ void TracerouteProcess::prepare()
     if (_watcher) {
         disconnect(_watcher, &QFileSystemWatcher::fileChanged, this,
                    &TracerouteProcess::slotOnChanged);
-        // News of the earlier report that is still on its way goes with the path.
+        // News of the earlier report goes with the path. On Windows, where a thread of the
+        // watcher's brings it, some is on its way already, to an object that belongs to the
+        // watcher.
         _watcher->removePath(_outputFilePath);
+        for (QObject* messenger : _watcher->findChildren<QObject*>())
+            QCoreApplication::removePostedEvents(messenger, QEvent::MetaCall);
     }
 
     QFile file(_outputFilePath);
