@@ -114,7 +114,10 @@ bool Document::save() const
     QSaveFile file(d->filePath);
     if (!file.open(QIODevice::WriteOnly))
         return false;
-    file.write(document.toLines());
+    const QByteArray text = document.toLines();
+    // Qt would commit what a full disk has cut short.
+    if (file.write(text) != text.size() || !file.flush())
+        return false;
     return file.commit();
 }
 

@@ -16,6 +16,11 @@
 #include <utility>
 #include <vector>
 
+#ifdef Q_OS_UNIX
+#include <csignal>
+#include <sys/resource.h>
+#endif
+
 using Core::ConsoleSingleton;
 using Core::Settings;
 
@@ -151,6 +156,34 @@ private Q_SLOTS:
         }
         QCOMPARE(QDir(directory.path()).entryList(QDir::NoDotAndDotDot | QDir::AllEntries),
                  words("bad good"));
+    }
+
+    void documentOnFullDisk()
+    {
+#ifdef Q_OS_UNIX
+        const QTemporaryDir directory;
+        const QString path = directory.filePath("document"_s);
+        const QByteArray before = R"({"format": "ovdoc", "version": 1})";
+        writeFile(path, before);
+        Doc::Document document(new Doc::Storage);
+        QVERIFY(document.open(path));
+
+        const auto signalHandler = std::signal(SIGXFSZ, SIG_IGN);
+        rlimit limit;
+        QCOMPARE(getrlimit(RLIMIT_FSIZE, &limit), 0);
+        const rlimit full{16, limit.rlim_max};
+        QCOMPARE(setrlimit(RLIMIT_FSIZE, &full), 0);
+        const bool saved = document.save();
+        setrlimit(RLIMIT_FSIZE, &limit);
+        std::signal(SIGXFSZ, signalHandler);
+
+        QVERIFY(!saved);
+        QCOMPARE(contentOf(path), before);
+        QCOMPARE(QDir(directory.path()).entryList(QDir::Files), words("document"));
+        QVERIFY(document.save());
+#else
+        QSKIP("This system has no limit on the size of files");
+#endif
     }
 
     void fonts()
