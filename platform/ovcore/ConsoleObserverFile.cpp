@@ -1,6 +1,7 @@
 #include <ovcore/ConsoleObserverFile.h>
 
 #include <ovcore/Settings.h>
+#include <system/AppendedFile.h>
 
 #include <QByteArray>
 #include <QDir>
@@ -42,7 +43,7 @@ ConsoleObserverFile::ConsoleObserverFile(const QString& fileName)
     : _p_file(std::make_unique<QFile>(
           QDir(Settings::instance().applicationDirPath()).absoluteFilePath(fileName)))
 {
-    _p_file->open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered);
+    System::openForAppending(*_p_file);
 }
 
 ConsoleObserverFile::~ConsoleObserverFile() = default;

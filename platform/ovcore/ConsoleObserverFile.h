@@ -10,7 +10,8 @@ class QString;
 
 namespace Core {
 
-/// Appends what is logged to a file, one line a call.
+/// Appends what is logged to a file, one line a call. Others, in this process or another, may
+/// append to it too.
 class OVCORE_EXPORT ConsoleObserverFile : public ConsoleObserver
 {
 public:

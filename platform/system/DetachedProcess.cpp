@@ -3,9 +3,11 @@
 #include <QProcess>
 
 #ifdef Q_OS_WIN
-#include <QDir>
-#include <QScopeGuard>
+#include <system/AppendedFile.h>
 
+#include <QFile>
+
+#include <io.h>
 #include <qt_windows.h>
 #endif
 
@@ -19,20 +21,14 @@ qint64 startDetached(const QString& program, const QStringList& arguments,
     process.setArguments(arguments);
 
 #ifdef Q_OS_WIN
-    // Qt would go to the end of the file once, at the start. Only a handle that may append and
-    // nothing else always writes there.
-    SECURITY_ATTRIBUTES inherited = {sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
-    const QString path = QDir::toNativeSeparators(outputFilePath);
-    const HANDLE file =
-        CreateFileW(reinterpret_cast<const wchar_t*>(path.utf16()), FILE_APPEND_DATA,
-                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, &inherited, OPEN_ALWAYS,
-                    FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (file == INVALID_HANDLE_VALUE)
+    QFile file(outputFilePath);
+    if (!openForAppending(file, Writing::Through))
         return 0;
-    const auto close = qScopeGuard([file] { CloseHandle(file); });
-    process.setCreateProcessArgumentsModifier([file](QProcess::CreateProcessArguments* call) {
-        call->startupInfo->hStdOutput = file;
-        call->startupInfo->hStdError = file;
+    const auto handle = reinterpret_cast<HANDLE>(_get_osfhandle(file.handle()));
+    SetHandleInformation(handle, HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT);
+    process.setCreateProcessArgumentsModifier([handle](QProcess::CreateProcessArguments* call) {
+        call->startupInfo->hStdOutput = handle;
+        call->startupInfo->hStdError = handle;
     });
 #else
     // The channels are not merged, since that does not reach a detached process.

@@ -1,7 +1,7 @@
 #include <support/Files.h>
 #include <support/Literals.h>
 
-#include <ovcore/ConsoleObserver.h>
+#include <ovcore/ConsoleObserverFile.h>
 #include <ovcore/ConsoleSingleton.h>
 #include <ovcore/Settings.h>
 #include <ovdoc/DocObject.h>
@@ -115,6 +115,19 @@ private Q_SLOTS:
         ConsoleSingleton::instance().log("to nobody");
         QCOMPARE(steady.calls, 2 * perThread + 1);
         QCOMPARE(other.calls, 0);
+    }
+
+    void logOfTwo()
+    {
+        const QTemporaryDir directory;
+        const QString path = directory.filePath("log"_s);
+        const auto severity = Core::ConsoleObserver::Severity::Log;
+        Core::ConsoleObserverFile first(path);
+        Core::ConsoleObserverFile second(path);
+        first.write(severity, "one");
+        second.write(severity, "two\r\n");
+        first.write(severity, "three");
+        QCOMPARE(contentOf(path), QByteArray("one\ntwo\\r\\n\nthree\n"));
     }
 
     void documentKeepsWhatItDoesNotKnow()

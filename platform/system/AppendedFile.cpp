@@ -1,0 +1,53 @@
+#include <system/AppendedFile.h>
+
+#include <QFile>
+
+#ifdef Q_OS_WIN
+#include <QDir>
+
+#include <fcntl.h>
+#include <io.h>
+#include <qt_windows.h>
+#endif
+
+namespace System {
+
+namespace {
+
+constexpr QIODevice::OpenMode mode =
+    QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered;
+
+} // namespace
+
+#ifdef Q_OS_WIN
+
+bool openForAppending(QFile& file, Writing writing)
+{
+    // Qt would go to the end of the file once, at the start. Only a handle that may append and
+    // nothing else always writes there.
+    const QString path = QDir::toNativeSeparators(file.fileName());
+    const DWORD flags = writing == Writing::Through ? FILE_FLAG_WRITE_THROUGH : 0;
+    const HANDLE handle =
+        CreateFileW(reinterpret_cast<const wchar_t*>(path.utf16()), FILE_APPEND_DATA,
+                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_ALWAYS,
+                    FILE_ATTRIBUTE_NORMAL | flags, nullptr);
+    if (handle == INVALID_HANDLE_VALUE)
+        return false;
+    const int descriptor = _open_osfhandle(reinterpret_cast<intptr_t>(handle), _O_APPEND);
+    if (descriptor == -1) {
+        CloseHandle(handle);
+        return false;
+    }
+    return file.open(descriptor, mode, QFileDevice::AutoCloseHandle);
+}
+
+#else
+
+bool openForAppending(QFile& file, Writing)
+{
+    return file.open(mode);
+}
+
+#endif
+
+} // namespace System
