@@ -7,9 +7,9 @@
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QStringList>
-#include <QTextStream>
 
 #include <algorithm>
+#include <cstddef>
 #include <iterator>
 
 namespace Host {
@@ -40,11 +40,6 @@ QString commandList()
     for (const Command& command : commands)
         text += QStringLiteral("\n  %1  %2").arg(command.name, -8).arg(command.summary);
     return text;
-}
-
-void print(FILE* file, const QString& text)
-{
-    QTextStream(file) << text << Qt::endl;
 }
 
 } // namespace
@@ -93,9 +88,16 @@ std::optional<int> parse(QCommandLineParser& parser, const QStringList& argument
     return std::nullopt;
 }
 
+void print(std::FILE* file, const QString& text)
+{
+    const QByteArray line = text.toUtf8() + '\n';
+    std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), file);
+    std::fflush(file);
+}
+
 int fail(ExitStatus status, const QString& message)
 {
-    QTextStream(stderr) << failureLine(message);
+    print(stderr, failureText(message));
     return status;
 }
 
@@ -104,9 +106,9 @@ void warn(const QString& message)
     print(stderr, programName + QLatin1String(": warning: ") + onOneLine(message));
 }
 
-QString failureLine(const QString& message)
+QString failureText(const QString& message)
 {
-    return programName + QLatin1String(": ") + onOneLine(message) + QLatin1Char('\n');
+    return programName + QLatin1String(": ") + onOneLine(message);
 }
 
 QString quoted(const QString& text)

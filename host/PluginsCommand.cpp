@@ -12,7 +12,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QTextStream>
 
 #include <algorithm>
 #include <memory>
@@ -52,7 +51,7 @@ void printJson(const Reports& reports)
         {QStringLiteral("directory"), Core::Settings::instance().pluginDirPath()},
         {QStringLiteral("board"), Core::BoardEthDescHandler::instance()->currentBoardEthDescType()},
         {QStringLiteral("plugins"), array}};
-    QTextStream(stdout) << QJsonDocument(object).toJson() << Qt::flush;
+    print(stdout, QString::fromUtf8(QJsonDocument(object).toJson()).trimmed());
 }
 
 void printTable(const Reports& reports, bool profiled)
@@ -80,17 +79,16 @@ void printTable(const Reports& reports, bool profiled)
     }
 
     // The last column is as wide as it is.
-    QTextStream output(stdout);
     for (const QStringList& row : rows) {
+        QString line;
         for (int column = 0; column + 1 < row.size(); ++column) {
             int width = 0;
             for (const QStringList& each : rows)
                 width = std::max(width, each.at(column).size());
-            output << row.at(column).leftJustified(width) << "  ";
+            line += row.at(column).leftJustified(width) + QLatin1String("  ");
         }
-        output << row.last() << '\n';
+        print(stdout, line + row.last());
     }
-    output.flush();
 }
 
 } // namespace
@@ -115,8 +113,8 @@ int plugins(const QStringList& arguments)
     if (parser.isSet(json)) {
         printJson(reports);
     } else if (reports.empty()) {
-        QTextStream(stdout) << "There is no plug-in file in "
-                            << quoted(Core::Settings::instance().pluginDirPath()) << Qt::endl;
+        print(stdout, QStringLiteral("There is no plug-in file in %1")
+                          .arg(quoted(Core::Settings::instance().pluginDirPath())));
     } else {
         printTable(reports, profiled);
     }

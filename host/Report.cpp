@@ -4,7 +4,6 @@
 
 #include <QByteArray>
 #include <QString>
-#include <QTextStream>
 
 namespace Host {
 
@@ -17,7 +16,7 @@ void Report::line(const QString& who, const QString& what)
 {
     const QString text =
         QStringLiteral("%1 ms  %2  %3").arg(_elapsed.elapsed(), 5).arg(who, -24).arg(what);
-    QTextStream(stdout) << onOneLine(text) << Qt::endl;
+    print(stdout, onOneLine(text));
 }
 
 void Report::write(Severity severity, const QByteArray& line)

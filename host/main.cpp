@@ -1,6 +1,7 @@
 #include "CommandLine.h"
 
 #include <ovcore/Version.h>
+#include <system/Utf8Console.h>
 
 #include <QCoreApplication>
 
@@ -8,6 +9,7 @@
 
 int main(int argc, char** argv)
 {
+    const System::Utf8Console console;
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("ovapp-host"));
     QCoreApplication::setApplicationVersion(QString::fromUtf8(Core::Version::versionString()));

@@ -129,7 +129,8 @@ private Q_SLOTS:
     void verdicts()
     {
         // One of each kind in a directory, with words that tell its author what to do.
-        const QTemporaryDir directory;
+        const QTemporaryDir parent;
+        const QDir directory(parent.filePath("\u00c4 \u65e5\u672c"_s));
         const QString samples = QStringLiteral(SAMPLE_PLUGIN_DIR "/");
         const QString others = QStringLiteral(OTHER_PLUGIN_DIR "/");
         const struct

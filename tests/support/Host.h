@@ -15,7 +15,7 @@ struct Outcome
 
 inline QStringList linesOf(const QByteArray& text)
 {
-    QStringList lines = QString::fromLocal8Bit(Tools::textOf(text)).split(u'\n');
+    QStringList lines = QString::fromUtf8(Tools::textOf(text)).split(u'\n');
     lines.removeLast(); // what follows the last line's end
     return lines;
 }

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <ovsystem_export.h>
+
+namespace System {
+
+/// Has the console that this program writes to, if any, show UTF-8 for as long as this lives. The
+/// program and those that it starts write it then. Elsewhere than on Windows the terminal decides.
+class OVSYSTEM_EXPORT Utf8Console
+{
+public:
+    Utf8Console();
+    Utf8Console(const Utf8Console&) = delete;
+    Utf8Console& operator=(const Utf8Console&) = delete;
+    /// The console shows what it did before.
+    ~Utf8Console();
+
+private:
+    const unsigned _formerCodePage;
+};
+
+} // namespace System
