@@ -37,7 +37,7 @@ std::optional<int> read(const QStringList& arguments, const QString& description
         return fail(BadUsage, QStringLiteral("one host is wanted, not %1").arg(hosts.size()));
     host = hosts.first();
     // A tool would take such a host for an option, for nothing, or for two.
-    if (host.isEmpty() || host.startsWith(QLatin1Char('-')) ||
+    if (host.isEmpty() || host.startsWith(QLatin1Char('-')) || host.startsWith(QLatin1Char('/')) ||
         std::any_of(host.cbegin(), host.cend(), [](QChar character) {
             return character.isSpace() || character.category() == QChar::Other_Control;
         })) {

@@ -5,7 +5,7 @@
 #ifdef Q_OS_WIN
 #include <qt_windows.h>
 
-#include <atomic>
+#include <mutex>
 #else
 #include <QSocketNotifier>
 
@@ -21,17 +21,18 @@ namespace System {
 
 namespace {
 
+std::mutex mutex;
 /// The object in whose thread the function is called; null while nobody watches.
-std::atomic<QObject*> target{nullptr};
+QObject* target = nullptr;
 std::function<void()> targetFunction;
 
 /// Called by the system on a thread of its own.
 BOOL WINAPI handleInterrupt(DWORD event)
 {
-    QObject* const object = target;
-    if (!object || (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT))
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (!target || (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT))
         return FALSE;
-    QMetaObject::invokeMethod(object, targetFunction, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(target, targetFunction, Qt::QueuedConnection);
     return TRUE;
 }
 
@@ -45,14 +46,18 @@ struct InterruptWatcher::Private
 InterruptWatcher::InterruptWatcher(std::function<void()> onInterrupt)
     : d(std::make_unique<Private>())
 {
-    targetFunction = std::move(onInterrupt);
-    target = &d->context;
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        targetFunction = std::move(onInterrupt);
+        target = &d->context;
+    }
     SetConsoleCtrlHandler(handleInterrupt, TRUE);
 }
 
 InterruptWatcher::~InterruptWatcher()
 {
     SetConsoleCtrlHandler(handleInterrupt, FALSE);
+    const std::lock_guard<std::mutex> lock(mutex);
     target = nullptr;
 }
 

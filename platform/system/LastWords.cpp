@@ -16,12 +16,13 @@ namespace System {
 
 namespace {
 
-constexpr int crashes[] = {
-    SIGABRT, SIGFPE, SIGILL, SIGSEGV,
-#ifdef Q_OS_UNIX
-    SIGBUS,
+#ifdef Q_OS_WIN
+/// The others would be asked for on each thread anew.
+constexpr int crashes[] = {SIGABRT};
+LPTOP_LEVEL_EXCEPTION_FILTER formerFilter = nullptr;
+#else
+constexpr int crashes[] = {SIGABRT, SIGBUS, SIGFPE, SIGILL, SIGSEGV};
 #endif
-};
 
 /// Null while there is nothing to say. A crash may be anywhere, so no more than these is touched.
 std::atomic<const QByteArray*> wordsToSay{nullptr};
@@ -61,10 +62,16 @@ LastWords::LastWords(const QByteArray& words, int status) : _words(words)
     formerTerminateHandler = std::set_terminate(sayAndEnd);
     for (const int crash : crashes)
         std::signal(crash, [](int) { sayAndEnd(); });
+#ifdef Q_OS_WIN
+    formerFilter = SetUnhandledExceptionFilter([](EXCEPTION_POINTERS*) -> LONG { sayAndEnd(); });
+#endif
 }
 
 LastWords::~LastWords()
 {
+#ifdef Q_OS_WIN
+    SetUnhandledExceptionFilter(formerFilter);
+#endif
     for (const int crash : crashes)
         std::signal(crash, SIG_DFL);
     std::set_terminate(formerTerminateHandler);

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <stdexcept>
+#include <thread>
 
 /// Ends the program at the moment and in the way that the environment says.
 class FailingPlugin : public QObject, public App::PluginInterface
@@ -32,6 +33,13 @@ private:
             std::exit(0);
         if (way.startsWith("throw"))
             throw std::runtime_error("fails");
+        if (way.startsWith("thread"))
+            std::thread(crash).join();
+        crash();
+    }
+
+    static void crash()
+    {
         // Near the null pointer, which the compiler would know of.
         volatile std::uintptr_t address = 8;
         *reinterpret_cast<volatile int*>(address) = 0;

@@ -128,7 +128,7 @@ log: destruct application.)"_s;
         QTest::newRow("board") << words("run --board left") << 2 << "--board: 'left'";
         QTest::newRow("no host") << words("ping") << 2 << "one host is wanted, not 0";
         QTest::newRow("two hosts") << words("trace a b") << 2 << "one host is wanted, not 2";
-        for (const char* host : {"", "-f", "a b", "a\tb", "a\x01"}) {
+        for (const char* host : {"", "-f", "/f", "a b", "a\tb", "a\x01"}) {
             QTest::addRow("host '%s'", host)
                 << QStringList({"ping"_s, "--"_s, QLatin1String(host)}) << 2 << "is no host";
         }
@@ -263,8 +263,8 @@ log: destruct application.)"_s;
         QTest::newRow("exit") << "plugins" << QByteArray("exit unloaded") << named + "unloaded"_s;
         QTest::newRow("exception")
             << "plugins --profile" << QByteArray("throw started") << named + "started"_s;
-        QTest::newRow("at the end")
-            << "plugins --profile" << QByteArray("crash stopped") << named + "stopped"_s;
+        QTest::newRow("on a thread")
+            << "plugins --profile" << QByteArray("thread stopped") << named + "stopped"_s;
         QTest::newRow("in a session")
             << "run" << QByteArray("exit started")
             << "ovapp-host: a plug-in has ended the program while the plug-ins were loaded and "
