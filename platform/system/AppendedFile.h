@@ -7,7 +7,8 @@ class QFile;
 namespace System {
 
 /// Whether what is written may wait in the system's cache, or goes to the disk at once. Windows
-/// tells those who watch a file of a change when it reaches the disk.
+/// tells those who watch a file of a change when it reaches the disk; elsewhere it makes no
+/// difference.
 enum class Writing
 {
     Cached,
