@@ -88,16 +88,20 @@ std::optional<int> parse(QCommandLineParser& parser, const QStringList& argument
     return std::nullopt;
 }
 
+bool write(std::FILE* file, const QByteArray& bytes)
+{
+    const auto size = static_cast<std::size_t>(bytes.size());
+    return std::fwrite(bytes.constData(), 1, size, file) == size && std::fflush(file) == 0;
+}
+
 void print(std::FILE* file, const QString& text)
 {
-    const QByteArray line = text.toUtf8() + '\n';
-    std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), file);
-    std::fflush(file);
+    write(file, text.toUtf8() + '\n');
 }
 
 int fail(ExitStatus status, const QString& message)
 {
-    print(stderr, failureText(message));
+    write(stderr, failureLine(message));
     return status;
 }
 
@@ -106,9 +110,10 @@ void warn(const QString& message)
     print(stderr, programName + QLatin1String(": warning: ") + onOneLine(message));
 }
 
-QString failureText(const QString& message)
+QByteArray failureLine(const QString& message)
 {
-    return programName + QLatin1String(": ") + onOneLine(message);
+    const QString line = programName + QLatin1String(": ") + onOneLine(message) + QLatin1Char('\n');
+    return line.toUtf8();
 }
 
 QString quoted(const QString& text)

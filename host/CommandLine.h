@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 
 #include <cstdio>
@@ -26,8 +27,10 @@ int runCommand(const QStringList& arguments);
 /// Returns the status to end with if that is all: after --help, --version and wrong usage.
 std::optional<int> parse(QCommandLineParser& parser, const QStringList& arguments);
 
-/// Writes a text, encoded in UTF-8, and the end of a line, and hands both to the system. What
-/// cannot be written shows in `std::ferror`.
+/// Writes bytes and hands them to the system; false, and `std::ferror`, when they cannot be
+/// written.
+bool write(std::FILE* file, const QByteArray& bytes);
+/// Writes a text, encoded in UTF-8, and the end of a line.
 void print(std::FILE* file, const QString& text);
 /// Says on standard error what is wrong, and returns the status to end with. Control characters in
 /// the message are escaped, so that it stays one line.
@@ -35,8 +38,8 @@ int fail(ExitStatus status, const QString& message);
 /// Says on standard error, in the same way, what is amiss though the job goes on.
 void warn(const QString& message);
 
-/// The line that `fail` says.
-QString failureText(const QString& message);
+/// The line that `fail` says, with its end.
+QByteArray failureLine(const QString& message);
 
 /// A text of the user's, as messages show it.
 QString quoted(const QString& text);

@@ -60,9 +60,7 @@ std::optional<int> read(const QStringList& arguments, const QString& description
 bool print(QByteArray text)
 {
     // On Windows the tools end their lines as the standard output does by itself.
-    text.replace('\r', QByteArray());
-    const auto size = static_cast<std::size_t>(text.size());
-    return std::fwrite(text.constData(), 1, size, stdout) == size && std::fflush(stdout) == 0;
+    return write(stdout, text.replace('\r', QByteArray()));
 }
 
 int failToLaunch(const QString& tool, const QString& package)

@@ -156,9 +156,9 @@ void PluginReport::unload()
 
 System::LastWords PluginReport::lastWords(const char* isDone) const
 {
-    const QString line = failureText(QStringLiteral("%1 has ended the program while it was %2")
-                                         .arg(quoted(fileName()), QLatin1String(isDone)));
-    return {line.toUtf8() + '\n', JobFailed};
+    return {failureLine(QStringLiteral("%1 has ended the program while it was %2")
+                            .arg(quoted(fileName()), QLatin1String(isDone))),
+            JobFailed};
 }
 
 QJsonObject PluginReport::toJson() const

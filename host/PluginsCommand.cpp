@@ -51,7 +51,7 @@ void printJson(const Reports& reports)
         {QStringLiteral("directory"), Core::Settings::instance().pluginDirPath()},
         {QStringLiteral("board"), Core::BoardEthDescHandler::instance()->currentBoardEthDescType()},
         {QStringLiteral("plugins"), array}};
-    print(stdout, QString::fromUtf8(QJsonDocument(object).toJson()).trimmed());
+    write(stdout, QJsonDocument(object).toJson());
 }
 
 void printTable(const Reports& reports, bool profiled)

@@ -127,11 +127,12 @@ int useDocument(const QString& path, bool stay, SessionReceiver& receiver, Repor
 /// What is said if a plug-in ends the program while something `isDone` with all of them.
 System::LastWords lastWords(const char* isDone)
 {
-    const QString line = failureText(
-        QStringLiteral("a plug-in has ended the program while the plug-ins were %1; ovapp-host "
-                       "plugins --profile says which one")
-            .arg(QLatin1String(isDone)));
-    return {line.toUtf8() + '\n', JobFailed};
+    return {
+        failureLine(
+            QStringLiteral("a plug-in has ended the program while the plug-ins were %1; ovapp-host "
+                           "plugins --profile says which one")
+                .arg(QLatin1String(isDone))),
+        JobFailed};
 }
 
 void loadPlugins(Report& report)

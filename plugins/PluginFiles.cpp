@@ -63,15 +63,12 @@ void PluginScan::search(const QString& path, const QString& canonicalPath)
     }
     for (const QFileInfo& subdirectory : qAsConst(subdirectories)) {
         const QString name = subdirectory.fileName();
-        // A path through a shortcut of Windows is one for Qt only: the system loads nothing by it.
-        if (subdirectory.isShortcut()) {
-            search(subdirectory.canonicalFilePath(), subdirectory.canonicalFilePath());
-            continue;
-        }
         // Only a link leads elsewhere, so only a link is worth asking the file system about.
         const bool isLink = subdirectory.isSymLink() || subdirectory.isJunction();
-        search(directory.absoluteFilePath(name),
-               isLink ? subdirectory.canonicalFilePath() : canonicalPath + QLatin1Char('/') + name);
+        const QString canonical =
+            isLink ? subdirectory.canonicalFilePath() : canonicalPath + QLatin1Char('/') + name;
+        // A path through a shortcut of Windows is one for Qt only: the system loads nothing by it.
+        search(subdirectory.isShortcut() ? canonical : directory.absoluteFilePath(name), canonical);
     }
 }
 
