@@ -14,23 +14,18 @@ function(ovapp_set_warnings target)
         QT_DEPRECATED_WARNINGS)
 endfunction()
 
-# ovapp_add_library(<target> [NAME <library>] HEADERS <header>... SOURCES <file>...
-#                   [LINK <target>...])
+# ovapp_add_library(<target> HEADERS <header>... SOURCES <file>... [LINK <target>...])
 #
-# A shared library with Qt5::Core and the generated export header <library>_export.h. HEADERS are
+# A shared library with Qt5::Core and the generated export header <target>_export.h. HEADERS are
 # the public ones, named as they are included, relative to the current source directory; they keep
-# that name below the install prefix. NAME is the file's name where the target's will not do.
+# that name below the install prefix.
 function(ovapp_add_library target)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "" "NAME" "HEADERS;SOURCES;LINK")
-    if(NOT arg_NAME)
-        set(arg_NAME ${target})
-    endif()
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "HEADERS;SOURCES;LINK")
     set(generated ${CMAKE_CURRENT_BINARY_DIR}/generated)
 
     add_library(${target} SHARED)
     add_library(ovapp::${target} ALIAS ${target})
     set_target_properties(${target} PROPERTIES
-        OUTPUT_NAME ${arg_NAME}
         VERSION ${PROJECT_VERSION}
         SOVERSION ${PROJECT_VERSION_MAJOR})
     target_compile_features(${target} PUBLIC cxx_std_17)
@@ -39,8 +34,7 @@ function(ovapp_add_library target)
     endif()
     ovapp_set_warnings(${target})
     generate_export_header(${target}
-        BASE_NAME ${arg_NAME}
-        EXPORT_FILE_NAME ${generated}/${arg_NAME}_export.h)
+        EXPORT_FILE_NAME ${generated}/${target}_export.h)
 
     target_sources(${target}
         PRIVATE ${arg_SOURCES}
@@ -50,7 +44,7 @@ function(ovapp_add_library target)
                 FILES ${arg_HEADERS}
             FILE_SET export_header TYPE HEADERS
                 BASE_DIRS ${generated}
-                FILES ${generated}/${arg_NAME}_export.h)
+                FILES ${generated}/${target}_export.h)
     target_link_libraries(${target} PUBLIC Qt5::Core ${arg_LINK})
 
     if(OVAPP_INSTALL)

@@ -1,12 +1,13 @@
 #include "NetworkCommands.h"
 
 #include "CommandLine.h"
+#include "InterruptWatcher.h"
+#include "Output.h"
 
 #include <app/Application.h>
 #include <netdiag/PingProcess.h>
 #include <netdiag/TracerouteProcess.h>
 #include <ovcore/Settings.h>
-#include <system/InterruptWatcher.h>
 #include <system/ProcessInterrupt.h>
 
 #include <QCommandLineParser>
@@ -90,7 +91,7 @@ int runPing(const QString& host, int count)
     QObject::connect(&process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), &loop,
                      &QEventLoop::quit);
     // The tool prints its summary at the first interrupt; at the next one it has had its chance.
-    const System::InterruptWatcher watcher([&process, interrupted = false]() mutable {
+    const InterruptWatcher watcher([&process, interrupted = false]() mutable {
         if (interrupted)
             process.kill();
         else
@@ -127,7 +128,7 @@ int runTrace(const QString& host, int maxHops)
     QObject::connect(&process, &TracerouteProcess::finished, &loop, &QEventLoop::quit);
     bool interrupted = false;
     // The tool is no child of this process, so the keyboard's interrupt does not reach it.
-    const System::InterruptWatcher watcher([&] {
+    const InterruptWatcher watcher([&] {
         System::interruptProcess(process.toolProcessId());
         interrupted = true;
         loop.quit();

@@ -1,6 +1,6 @@
 #include "PluginReport.h"
 
-#include "CommandLine.h"
+#include "Output.h"
 
 #include <ovcore/BoardEthDescHandler.h>
 #include <ovcore/Settings.h>
@@ -87,7 +87,7 @@ PluginReport::PluginReport(const QString& file) : _file(file), _verdict(Verdict:
 {
     // A symbol that is missing would otherwise end the program when it is first called.
     _loader.setLoadHints(QLibrary::ResolveAllSymbolsHint | QLibrary::PreventUnloadHint);
-    const System::LastWords words = lastWords("loaded and asked what it is");
+    const LastWords words = lastWords("loaded and asked what it is");
     QObject* object = nullptr;
     _loadTime = millisecondsOf(
         [this, &object] { object = App::PluginLoader::rootObjectOf(_file, _loader); });
@@ -135,7 +135,7 @@ void PluginReport::start()
 {
     if (!isAccepted())
         return;
-    const System::LastWords words = lastWords("started");
+    const LastWords words = lastWords("started");
     auto* plugin = qobject_cast<App::PluginInterface*>(_loader.instance());
     _startTime = millisecondsOf([plugin] { plugin->start(); });
 }
@@ -144,17 +144,17 @@ void PluginReport::stop()
 {
     if (!isAccepted())
         return;
-    const System::LastWords words = lastWords("stopped");
+    const LastWords words = lastWords("stopped");
     _stopTime = millisecondsOf([this] { App::PluginLoader::unloadPlugin(_loader.instance()); });
 }
 
 void PluginReport::unload()
 {
-    const System::LastWords words = lastWords("unloaded");
+    const LastWords words = lastWords("unloaded");
     _loader.unload();
 }
 
-System::LastWords PluginReport::lastWords(const char* isDone) const
+LastWords PluginReport::lastWords(const char* isDone) const
 {
     return {failureLine(QStringLiteral("%1 has ended the program while it was %2")
                             .arg(quoted(fileName()), QLatin1String(isDone))),

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "LastWords.h"
+
 #include <plugins/PluginLoader.h>
-#include <system/LastWords.h>
 
 #include <QPluginLoader>
 #include <QString>
@@ -47,7 +48,7 @@ public:
 
 private:
     /// What the host says if the plug-in ends the program while something `isDone` with it.
-    System::LastWords lastWords(const char* isDone) const;
+    LastWords lastWords(const char* isDone) const;
 
     const QString _file;
     QPluginLoader _loader;

@@ -1,6 +1,7 @@
 #include "PluginsCommand.h"
 
 #include "CommandLine.h"
+#include "Output.h"
 #include "PluginReport.h"
 #include "SessionOptions.h"
 

@@ -1,6 +1,6 @@
 #include "Report.h"
 
-#include "CommandLine.h"
+#include "Output.h"
 
 #include <QByteArray>
 #include <QString>

@@ -3,6 +3,9 @@
 #include "CommandLine.h"
 #include "DocumentProblem.h"
 #include "HeartbeatChannel.h"
+#include "InterruptWatcher.h"
+#include "LastWords.h"
+#include "Output.h"
 #include "Report.h"
 #include "SessionListener.h"
 #include "SessionOptions.h"
@@ -18,8 +21,6 @@
 #include <ovdoc/Transaction.h>
 #include <plugins/PluginLoader.h>
 #include <registries/CommInfoRegistry.h>
-#include <system/InterruptWatcher.h>
-#include <system/LastWords.h>
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -77,7 +78,7 @@ void runChannels(bool stay, Report& report)
     channels.registerCommInfo(&heartbeat);
     channels.start();
     QEventLoop loop;
-    std::optional<System::InterruptWatcher> watcher;
+    std::optional<InterruptWatcher> watcher;
     if (stay)
         watcher.emplace([&loop] { loop.quit(); });
     else
@@ -125,7 +126,7 @@ int useDocument(const QString& path, bool stay, SessionReceiver& receiver, Repor
 }
 
 /// What is said if a plug-in ends the program while something `isDone` with all of them.
-System::LastWords lastWords(const char* isDone)
+LastWords lastWords(const char* isDone)
 {
     return {
         failureLine(
@@ -141,7 +142,7 @@ void loadPlugins(Report& report)
     report.line(host, QStringLiteral("loads and starts the plug-ins"));
     PluginLoader::initPluginIDValue();
     {
-        const System::LastWords words = lastWords("loaded and started");
+        const LastWords words = lastWords("loaded and started");
         PluginLoader::loadPlugins(true);
     }
     const QDir directory(PluginLoader::pluginsPath());
@@ -167,7 +168,7 @@ int useApplication(const QString& document, bool stay, Report& report)
     const int status = useDocument(document, stay, receiver, report);
 
     report.line(host, QStringLiteral("stops and unloads the plug-ins"));
-    const System::LastWords words = lastWords("stopped and unloaded");
+    const LastWords words = lastWords("stopped and unloaded");
     App::PluginLoader::unloadPlugins();
     return status;
 }

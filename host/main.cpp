@@ -1,7 +1,8 @@
 #include "CommandLine.h"
+#include "Output.h"
+#include "Utf8Console.h"
 
 #include <ovcore/Version.h>
-#include <system/Utf8Console.h>
 
 #include <QCoreApplication>
 
@@ -9,7 +10,7 @@
 
 int main(int argc, char** argv)
 {
-    const System::Utf8Console console;
+    const Host::Utf8Console console;
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("ovapp-host"));
     QCoreApplication::setApplicationVersion(QString::fromUtf8(Core::Version::versionString()));

@@ -1,12 +1,10 @@
 #pragma once
 
-#include <ovsystem_export.h>
-
-namespace System {
+namespace Host {
 
 /// Has the console that this program writes to, if any, show UTF-8 for as long as this lives. The
 /// program and those that it starts write it then. Elsewhere than on Windows the terminal decides.
-class OVSYSTEM_EXPORT Utf8Console
+class Utf8Console
 {
 public:
     Utf8Console();
@@ -19,4 +17,4 @@ private:
     const unsigned _formerCodePage;
 };
 
-} // namespace System
+} // namespace Host

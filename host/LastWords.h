@@ -1,15 +1,13 @@
 #pragma once
 
-#include <ovsystem_export.h>
-
 #include <QByteArray>
 
-namespace System {
+namespace Host {
 
 /// What is said of code that may end the program. If the program ends while this lives, by a crash,
 /// by an exception that nobody catches or by a call of exit, on any thread, the words are written
 /// to standard error and the status is the one given here; no core is dumped. One at a time.
-class OVSYSTEM_EXPORT LastWords
+class LastWords
 {
 public:
     LastWords(const QByteArray& words, int status);
@@ -22,4 +20,4 @@ private:
     const QByteArray _words;
 };
 
-} // namespace System
+} // namespace Host

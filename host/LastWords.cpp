@@ -1,4 +1,4 @@
-#include <system/LastWords.h>
+#include "LastWords.h"
 
 #include <atomic>
 #include <csignal>
@@ -12,7 +12,7 @@
 #include <unistd.h>
 #endif
 
-namespace System {
+namespace Host {
 
 namespace {
 
@@ -78,4 +78,4 @@ LastWords::~LastWords()
     wordsToSay = nullptr;
 }
 
-} // namespace System
+} // namespace Host

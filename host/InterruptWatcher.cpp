@@ -1,4 +1,4 @@
-#include <system/InterruptWatcher.h>
+#include "InterruptWatcher.h"
 
 #include <QObject>
 
@@ -15,7 +15,7 @@
 #include <unistd.h>
 #endif
 
-namespace System {
+namespace Host {
 
 #ifdef Q_OS_WIN
 
@@ -123,4 +123,4 @@ InterruptWatcher::~InterruptWatcher()
 
 #endif
 
-} // namespace System
+} // namespace Host

@@ -1,17 +1,15 @@
 #pragma once
 
-#include <ovsystem_export.h>
-
 #include <functional>
 #include <memory>
 
-namespace System {
+namespace Host {
 
 /// Takes the interrupts meant for this program (Ctrl+C at the keyboard, and on Unix the request to
 /// terminate and the end of the terminal) for as long as it lives: instead of ending the program,
 /// each one calls a function from the event loop of the thread that made the watcher. One watcher
 /// at a time.
-class OVSYSTEM_EXPORT InterruptWatcher
+class InterruptWatcher
 {
 public:
     explicit InterruptWatcher(std::function<void()> onInterrupt);
@@ -25,4 +23,4 @@ private:
     std::unique_ptr<Private> d;
 };
 
-} // namespace System
+} // namespace Host

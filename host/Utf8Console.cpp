@@ -1,4 +1,4 @@
-#include <system/Utf8Console.h>
+#include "Utf8Console.h"
 
 #include <QtGlobal>
 
@@ -6,7 +6,7 @@
 #include <qt_windows.h>
 #endif
 
-namespace System {
+namespace Host {
 
 #ifdef Q_OS_WIN
 
@@ -30,4 +30,4 @@ Utf8Console::~Utf8Console() = default;
 
 #endif
 
-} // namespace System
+} // namespace Host
