@@ -4,8 +4,9 @@
 
 namespace App {
 
-/// Told when the state of a plug-in has changed.
-/// Register it with `Application`, and remove it there before destroying it.
+/// Told when the state of a plug-in has changed. The library never notifies of it, not when
+/// plug-ins are loaded, started or stopped either: whoever changes the state does. Register it with
+/// `Application`, and remove it there before destroying it.
 class OVAPP_EXPORT PluginStateListener
 {
 public:

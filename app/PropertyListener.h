@@ -8,7 +8,8 @@ class Document;
 
 namespace App {
 
-/// Told when a property of a document's objects has changed.
+/// Told when a property of a document's objects has changed. The library never notifies of it:
+/// whoever makes the change does.
 /// Register it with `Application`, and remove it there before destroying it.
 class OVAPP_EXPORT PropertyListener
 {

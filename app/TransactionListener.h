@@ -9,8 +9,9 @@ class Transaction;
 
 namespace App {
 
-/// Told of each transaction: a change of a document.
-/// Register it with `Application`, and remove it there before destroying it.
+/// Told when a document has been changed in a transaction. The library never notifies of it:
+/// whoever makes the change does. Register it with `Application`, and remove it there before
+/// destroying it.
 class OVAPP_EXPORT TransactionListener
 {
 public:
