@@ -15,7 +15,7 @@ public:
     /// itself whenever it is told keeps the pass from ending.
     virtual void updateAppStartFinishListener() = 0;
 
-    virtual ~AppStartFinishListener() = default;
+    virtual ~AppStartFinishListener();
 };
 
 } // namespace App

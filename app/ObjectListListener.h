@@ -14,7 +14,7 @@ namespace App {
 class OVAPP_EXPORT ObjectListListener
 {
 public:
-    virtual ~ObjectListListener() = default;
+    virtual ~ObjectListListener();
 
     /// `document` is the active document, whichever one the notification was made for; null when
     /// there is none.

@@ -13,7 +13,7 @@ public:
     /// `state` is handed on from the notification; its meaning is that of whoever notifies.
     virtual void updatePluginStateListener(int state) = 0;
 
-    virtual ~PluginStateListener() = default;
+    virtual ~PluginStateListener();
 };
 
 } // namespace App

@@ -14,7 +14,7 @@ namespace App {
 class OVAPP_EXPORT PropertyListener
 {
 public:
-    virtual ~PropertyListener() = default;
+    virtual ~PropertyListener();
 
     /// All three are handed on from the notification; the meaning of `flag` and `value` is that of
     /// whoever notifies.

@@ -14,7 +14,7 @@ namespace App {
 class OVAPP_EXPORT SelectionListener
 {
 public:
-    virtual ~SelectionListener() = default;
+    virtual ~SelectionListener();
 
     /// `document` is the active document, whichever one the notification was made for; null when
     /// there is none.

@@ -15,7 +15,7 @@ namespace App {
 class OVAPP_EXPORT TransactionListener
 {
 public:
-    virtual ~TransactionListener() = default;
+    virtual ~TransactionListener();
 
     /// `document` is the active document, whichever one the notification was made for, and null
     /// when there is none; `transaction` is the one given to the notification.
