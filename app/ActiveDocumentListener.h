@@ -17,7 +17,7 @@ public:
     /// `document` is the active document; null when there is none any more.
     virtual void updateActiveDocumentListener(Doc::Document* document) = 0;
 
-    virtual ~ActiveDocumentListener() = default;
+    virtual ~ActiveDocumentListener();
 };
 
 } // namespace App

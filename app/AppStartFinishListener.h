@@ -4,15 +4,18 @@
 
 namespace App {
 
-/// Told once, when the program's start-up is complete.
+/// Told when the program's start-up is complete: by `Application::doAppStartFinished`, which the
+/// executable calls once, and by every `Application::notifyStartFinishListener`. Whoever registers
+/// after that is not told.
 /// Register it with `Application`, and remove it there before destroying it.
 class OVAPP_EXPORT AppStartFinishListener
 {
 public:
-    /// A listener that is added meanwhile is told in the same pass.
+    /// A listener that is added meanwhile is told in the same pass. One that removes and adds
+    /// itself whenever it is told keeps the pass from ending.
     virtual void updateAppStartFinishListener() = 0;
 
-    virtual ~AppStartFinishListener() = default;
+    virtual ~AppStartFinishListener();
 };
 
 } // namespace App

@@ -45,9 +45,12 @@ class TransactionListener;
 /// A listener may add and remove listeners, of its own kind too, while it is being told: one that
 /// is removed before its turn is not told, one that is added is told last, in the same pass, and
 /// every other is told once. Adding again what was removed counts as adding: a listener that does
-/// so whenever it is told keeps the pass from ending. What a listener must not do while it is told
-/// of a document is to create, open, activate or close one: the listeners after it, and whoever
-/// made the change, go on with the document that they know.
+/// so whenever it is told keeps the pass from ending.
+///
+/// What a new-document, close-document, active-document or property listener must not do while it
+/// is told is to create, open, activate or close a document: the listeners after it, and whoever
+/// notified, go on with the document that the notification was made for, which may be deleted by
+/// then. Listeners of the other kinds may: those after them are told of the one active by then.
 class OVAPP_EXPORT Application
 {
 public:
@@ -98,54 +101,59 @@ public:
     /// it. Returns false, and does nothing, when there is none.
     bool closeDocument();
 
-    /// Registers a listener, which is told after those registered before it. Null and a listener
-    /// that is registered already are ignored. The listener is not owned. So for all nine kinds.
+    /// @name Registering listeners
+    /// `add` operations register a listener, which is told after those registered before it. Null
+    /// and a listener that is registered already are ignored. The listener is not owned. `remove`
+    /// operations remove it; one that is not registered is ignored.
+    /// @{
     void addNewDocumentListener(NewDocumentListener* listener);
-    /// Removes a listener; one that is not registered is ignored. So for all nine kinds.
     void removeNewDocumentListener(NewDocumentListener* listener);
-    /// Tells every new-document listener of `document`.
-    void notifyNewDocumentListener(Doc::Document* document);
-
     void addCloseDocumentListener(CloseDocumentListener* listener);
     void removeCloseDocumentListener(CloseDocumentListener* listener);
-    /// Tells every close-document listener of `document`.
-    void notifyCloseDocumentListener(Doc::Document* document);
-
     void addActiveDocumentListener(ActiveDocumentListener* listener);
     void removeActiveDocumentListener(ActiveDocumentListener* listener);
-    /// Tells every active-document listener of `document`, which may be null.
-    void notifyActiveDocumentListener(Doc::Document* document);
-
     void addObjectListListener(ObjectListListener* listener);
     void removeObjectListListener(ObjectListListener* listener);
-    /// Tells every object-list listener of the active document, whatever `document` is.
-    void notifyObjectListListener(Doc::Document* document);
-
     void addTransactionListener(TransactionListener* listener);
     void removeTransactionListener(TransactionListener* listener);
-    /// Tells every transaction listener of the active document, whatever `document` is, and of
-    /// `transaction`.
-    void notifyTransactionListeners(Doc::Document* document, Doc::Transaction* transaction);
-
     void addSelectionListener(SelectionListener* listener);
     void removeSelectionListener(SelectionListener* listener);
-    /// Tells every selection listener of the active document, whatever `document` is.
-    void notifySelectionListeners(Doc::Document* document);
-
     void addPropertyListener(PropertyListener* listener);
     void removePropertyListener(PropertyListener* listener);
-    /// Tells every property listener of all three, unchanged.
-    void notifyPropertyListeners(Doc::Document* document, bool flag, int value);
-
     void addPluginStateChangeListener(PluginStateListener* listener);
     void removePluginStateChangeListener(PluginStateListener* listener);
-    /// Tells every plug-in-state listener of `state`, unchanged.
-    void notifyPluginStateChangeListener(int state);
-
     void addStartFinishListener(AppStartFinishListener* listener);
     void removeStartFinishListener(AppStartFinishListener* listener);
-    /// Tells every start-finish listener; `doAppStartFinished` does so too.
+    /// @}
+
+    /// @name Telling listeners
+    /// Each tells every listener of one kind, one after the other, before it returns. The library
+    /// itself tells of documents that are created, opened, activated and closed, and of the end of
+    /// start-up. It never tells of object lists, transactions, selections, properties and the state
+    /// of plug-ins: whoever changes them, executable or plug-in, calls the operation.
+    /// @{
+
+    /// Tells the new-document listeners of `document`.
+    void notifyNewDocumentListener(Doc::Document* document);
+    /// Tells the close-document listeners of `document`.
+    void notifyCloseDocumentListener(Doc::Document* document);
+    /// Tells the active-document listeners of `document`, which may be null.
+    void notifyActiveDocumentListener(Doc::Document* document);
+    /// Tells the object-list listeners of the active document, whatever `document` is.
+    void notifyObjectListListener(Doc::Document* document);
+    /// Tells the transaction listeners of the active document, whatever `document` is, and of
+    /// `transaction`.
+    void notifyTransactionListeners(Doc::Document* document, Doc::Transaction* transaction);
+    /// Tells the selection listeners of the active document, whatever `document` is.
+    void notifySelectionListeners(Doc::Document* document);
+    /// Hands `document`, `flag` and `value` on to the property listeners as they are given.
+    void notifyPropertyListeners(Doc::Document* document, bool flag, int value);
+    /// Hands `state` on to the plug-in-state listeners as it is given.
+    void notifyPluginStateChangeListener(int state);
+    /// Tells the start-finish listeners; `doAppStartFinished` does so too.
     void notifyStartFinishListener();
+
+    /// @}
 
     /// Posts a `SelectionChangeEvent` to `receiver`, or to the `QCoreApplication` when it is null.
     /// Any thread.

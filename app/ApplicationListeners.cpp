@@ -37,13 +37,6 @@ void Application::removeNewDocumentListener(NewDocumentListener* listener)
     PointerList::remove(_newDocumentListeners, listener);
 }
 
-void Application::notifyNewDocumentListener(Doc::Document* document)
-{
-    PointerList::walk(_newDocumentListeners, [document](NewDocumentListener* listener) {
-        listener->updateNewDocumentListener(document);
-    });
-}
-
 void Application::addCloseDocumentListener(CloseDocumentListener* listener)
 {
     PointerList::add(_closeDocumentListeners, listener);
@@ -52,13 +45,6 @@ void Application::addCloseDocumentListener(CloseDocumentListener* listener)
 void Application::removeCloseDocumentListener(CloseDocumentListener* listener)
 {
     PointerList::remove(_closeDocumentListeners, listener);
-}
-
-void Application::notifyCloseDocumentListener(Doc::Document* document)
-{
-    PointerList::walk(_closeDocumentListeners, [document](CloseDocumentListener* listener) {
-        listener->updateCloseDocumentListener(document);
-    });
 }
 
 void Application::addActiveDocumentListener(ActiveDocumentListener* listener)
@@ -71,13 +57,6 @@ void Application::removeActiveDocumentListener(ActiveDocumentListener* listener)
     PointerList::remove(_activeDocumentListeners, listener);
 }
 
-void Application::notifyActiveDocumentListener(Doc::Document* document)
-{
-    PointerList::walk(_activeDocumentListeners, [document](ActiveDocumentListener* listener) {
-        listener->updateActiveDocumentListener(document);
-    });
-}
-
 void Application::addObjectListListener(ObjectListListener* listener)
 {
     PointerList::add(_objectListListeners, listener);
@@ -86,13 +65,6 @@ void Application::addObjectListListener(ObjectListListener* listener)
 void Application::removeObjectListListener(ObjectListListener* listener)
 {
     PointerList::remove(_objectListListeners, listener);
-}
-
-void Application::notifyObjectListListener(Doc::Document*)
-{
-    PointerList::walk(_objectListListeners, [this](ObjectListListener* listener) {
-        listener->updateObjectListListener(_p_activeDocument);
-    });
 }
 
 void Application::addTransactionListener(TransactionListener* listener)
@@ -105,13 +77,6 @@ void Application::removeTransactionListener(TransactionListener* listener)
     PointerList::remove(_transactionListeners, listener);
 }
 
-void Application::notifyTransactionListeners(Doc::Document*, Doc::Transaction* transaction)
-{
-    PointerList::walk(_transactionListeners, [this, transaction](TransactionListener* listener) {
-        listener->updateTransactionListener(_p_activeDocument, transaction);
-    });
-}
-
 void Application::addSelectionListener(SelectionListener* listener)
 {
     PointerList::add(_selectionListeners, listener);
@@ -120,13 +85,6 @@ void Application::addSelectionListener(SelectionListener* listener)
 void Application::removeSelectionListener(SelectionListener* listener)
 {
     PointerList::remove(_selectionListeners, listener);
-}
-
-void Application::notifySelectionListeners(Doc::Document*)
-{
-    PointerList::walk(_selectionListeners, [this](SelectionListener* listener) {
-        listener->updateSelectionListener(_p_activeDocument);
-    });
 }
 
 void Application::addPropertyListener(PropertyListener* listener)
@@ -139,13 +97,6 @@ void Application::removePropertyListener(PropertyListener* listener)
     PointerList::remove(_propertyListeners, listener);
 }
 
-void Application::notifyPropertyListeners(Doc::Document* document, bool flag, int value)
-{
-    PointerList::walk(_propertyListeners, [document, flag, value](PropertyListener* listener) {
-        listener->updatePropertyListener(document, flag, value);
-    });
-}
-
 void Application::addPluginStateChangeListener(PluginStateListener* listener)
 {
     PointerList::add(_pluginStateListeners, listener);
@@ -154,13 +105,6 @@ void Application::addPluginStateChangeListener(PluginStateListener* listener)
 void Application::removePluginStateChangeListener(PluginStateListener* listener)
 {
     PointerList::remove(_pluginStateListeners, listener);
-}
-
-void Application::notifyPluginStateChangeListener(int state)
-{
-    PointerList::walk(_pluginStateListeners, [state](PluginStateListener* listener) {
-        listener->updatePluginStateListener(state);
-    });
 }
 
 void Application::addStartFinishListener(AppStartFinishListener* listener)
@@ -173,11 +117,58 @@ void Application::removeStartFinishListener(AppStartFinishListener* listener)
     PointerList::remove(_startFinishListeners, listener);
 }
 
+void Application::notifyNewDocumentListener(Doc::Document* document)
+{
+    PointerList::callAll<&NewDocumentListener::updateNewDocumentListener>(_newDocumentListeners,
+                                                                          document);
+}
+
+void Application::notifyCloseDocumentListener(Doc::Document* document)
+{
+    PointerList::callAll<&CloseDocumentListener::updateCloseDocumentListener>(
+        _closeDocumentListeners, document);
+}
+
+void Application::notifyActiveDocumentListener(Doc::Document* document)
+{
+    PointerList::callAll<&ActiveDocumentListener::updateActiveDocumentListener>(
+        _activeDocumentListeners, document);
+}
+
+void Application::notifyObjectListListener(Doc::Document*)
+{
+    PointerList::callAll<&ObjectListListener::updateObjectListListener>(_objectListListeners,
+                                                                        _p_activeDocument);
+}
+
+void Application::notifyTransactionListeners(Doc::Document*, Doc::Transaction* transaction)
+{
+    PointerList::callAll<&TransactionListener::updateTransactionListener>(
+        _transactionListeners, _p_activeDocument, transaction);
+}
+
+void Application::notifySelectionListeners(Doc::Document*)
+{
+    PointerList::callAll<&SelectionListener::updateSelectionListener>(_selectionListeners,
+                                                                      _p_activeDocument);
+}
+
+void Application::notifyPropertyListeners(Doc::Document* document, bool flag, int value)
+{
+    PointerList::callAll<&PropertyListener::updatePropertyListener>(_propertyListeners, document,
+                                                                    flag, value);
+}
+
+void Application::notifyPluginStateChangeListener(int state)
+{
+    PointerList::callAll<&PluginStateListener::updatePluginStateListener>(_pluginStateListeners,
+                                                                          state);
+}
+
 void Application::notifyStartFinishListener()
 {
-    PointerList::walk(_startFinishListeners, [](AppStartFinishListener* listener) {
-        listener->updateAppStartFinishListener();
-    });
+    PointerList::callAll<&AppStartFinishListener::updateAppStartFinishListener>(
+        _startFinishListeners);
 }
 
 void Application::postSelectionChangedEvent(QObject* receiver)

@@ -18,7 +18,7 @@ public:
     /// told.
     virtual void updateCloseDocumentListener(Doc::Document* document) = 0;
 
-    virtual ~CloseDocumentListener() = default;
+    virtual ~CloseDocumentListener();
 };
 
 } // namespace App

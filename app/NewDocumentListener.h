@@ -16,7 +16,7 @@ public:
     /// `document` is the new one, and the active one already.
     virtual void updateNewDocumentListener(Doc::Document* document) = 0;
 
-    virtual ~NewDocumentListener() = default;
+    virtual ~NewDocumentListener();
 };
 
 } // namespace App

@@ -8,12 +8,13 @@ class Document;
 
 namespace App {
 
-/// Told when the list of a document's objects has changed.
-/// Register it with `Application`, and remove it there before destroying it.
+/// Told when the list of a document's objects has changed. The library never notifies of it:
+/// whoever makes the change does. Register it with `Application`, and remove it there before
+/// destroying it.
 class OVAPP_EXPORT ObjectListListener
 {
 public:
-    virtual ~ObjectListListener() = default;
+    virtual ~ObjectListListener();
 
     /// `document` is the active document, whichever one the notification was made for; null when
     /// there is none.

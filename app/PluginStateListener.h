@@ -4,15 +4,16 @@
 
 namespace App {
 
-/// Told when the state of a plug-in has changed.
-/// Register it with `Application`, and remove it there before destroying it.
+/// Told when the state of a plug-in has changed. The library never notifies of it, not when
+/// plug-ins are loaded, started or stopped either: whoever changes the state does. Register it with
+/// `Application`, and remove it there before destroying it.
 class OVAPP_EXPORT PluginStateListener
 {
 public:
     /// `state` is handed on from the notification; its meaning is that of whoever notifies.
     virtual void updatePluginStateListener(int state) = 0;
 
-    virtual ~PluginStateListener() = default;
+    virtual ~PluginStateListener();
 };
 
 } // namespace App

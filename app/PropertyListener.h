@@ -8,12 +8,13 @@ class Document;
 
 namespace App {
 
-/// Told when a property of a document's objects has changed.
+/// Told when a property of a document's objects has changed. The library never notifies of it:
+/// whoever makes the change does.
 /// Register it with `Application`, and remove it there before destroying it.
 class OVAPP_EXPORT PropertyListener
 {
 public:
-    virtual ~PropertyListener() = default;
+    virtual ~PropertyListener();
 
     /// All three are handed on from the notification; the meaning of `flag` and `value` is that of
     /// whoever notifies.

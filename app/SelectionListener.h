@@ -8,12 +8,13 @@ class Document;
 
 namespace App {
 
-/// Told when another selection of objects has been made.
+/// Told when another selection of objects has been made. The library never notifies of it: whoever
+/// makes the selection does.
 /// Register it with `Application`, and remove it there before destroying it.
 class OVAPP_EXPORT SelectionListener
 {
 public:
-    virtual ~SelectionListener() = default;
+    virtual ~SelectionListener();
 
     /// `document` is the active document, whichever one the notification was made for; null when
     /// there is none.

@@ -9,12 +9,13 @@ class Transaction;
 
 namespace App {
 
-/// Told of each transaction: a change of a document.
-/// Register it with `Application`, and remove it there before destroying it.
+/// Told when a document has been changed in a transaction. The library never notifies of it:
+/// whoever makes the change does. Register it with `Application`, and remove it there before
+/// destroying it.
 class OVAPP_EXPORT TransactionListener
 {
 public:
-    virtual ~TransactionListener() = default;
+    virtual ~TransactionListener();
 
     /// `document` is the active document, whichever one the notification was made for, and null
     /// when there is none; `transaction` is the one given to the notification.

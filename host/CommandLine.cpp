@@ -23,7 +23,7 @@ struct Command
     int (*run)(const QStringList& arguments);
 };
 
-constexpr Command commands[] = {
+const Command commands[] = {
     {QLatin1String("run"), QLatin1String("run a whole session and print what happens in it"), run},
     {QLatin1String("plugins"), QLatin1String("list the plug-in files and what becomes of them"),
      plugins},

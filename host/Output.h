@@ -17,7 +17,7 @@ enum ExitStatus
 };
 
 /// The name by which the host calls itself.
-constexpr QLatin1String programName("ovapp-host");
+const QLatin1String programName("ovapp-host");
 
 /// Writes bytes and hands them to the system; false, and `std::ferror`, when they cannot be
 /// written.

@@ -14,7 +14,7 @@ public:
     ~Utf8Console();
 
 private:
-    const unsigned _formerCodePage;
+    [[maybe_unused]] const unsigned _formerCodePage;
 };
 
 } // namespace Host

@@ -20,10 +20,10 @@ class QFileSystemWatcher;
 ///     trace.doTraceroute(QStringLiteral("192.168.0.1"));
 ///
 /// No signal reports an error: without the tool, or where the file cannot be written, a run is
-/// `started` and `finished` with an empty report; `toolProcessId` tells that no
-/// tool was launched. Objects
-/// that live at the same time share the file where they share the application directory. An object
-/// belongs to the thread that made it and needs that thread's event loop.
+/// `started` and `finished` with an empty report; `toolProcessId` tells that no tool was launched.
+///
+/// Objects that live at the same time share the file where they share the application directory. An
+/// object belongs to the thread that made it and needs that thread's event loop.
 class OVAPP_EXPORT TracerouteProcess : public QObject
 {
     Q_OBJECT

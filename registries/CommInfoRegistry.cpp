@@ -66,12 +66,12 @@ CommInfo* CommInfoRegistry::infoAt(int index)
 
 void CommInfoRegistry::start()
 {
-    PointerList::walk(_infos, [](CommInfo* info) { info->start(); });
+    PointerList::callAll<&CommInfo::start>(_infos);
 }
 
 void CommInfoRegistry::stop()
 {
-    PointerList::walk(_infos, [](CommInfo* info) { info->stop(); });
+    PointerList::callAll<&CommInfo::stop>(_infos);
 }
 
 } // namespace App

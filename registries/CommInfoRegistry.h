@@ -10,11 +10,18 @@ class CommInfo;
 
 /// The list of communication channels, which can be started and stopped with one call. It holds
 /// plain pointers: whoever registers a channel keeps it alive and unregisters it before destroying
-/// it. Nothing is locked: calls must not overlap.
+/// it. Nothing is locked: one thread uses it at a time, as a rule the main thread.
+///
+/// The library never starts or stops a channel by itself, not at its registration either: the
+/// executable calls `start` once the plug-ins have registered theirs, and `stop` before they are
+/// unloaded. A channel that is registered after that waits for the next `start`, unless whoever
+/// registers it starts it.
 ///
 /// A channel may register and unregister channels while it is started or stopped by the registry:
 /// one that is unregistered before its turn is passed over, one that is registered has its turn
-/// last, in the same pass, and every other has its turn once.
+/// last, in the same pass, and every other has its turn once. Registering again what was
+/// unregistered counts as registering: a channel that does so to itself whenever it is started
+/// keeps the pass from ending.
 class OVAPP_EXPORT CommInfoRegistry
 {
 public:

@@ -13,7 +13,10 @@ namespace App {
 ///     {
 ///     public:
 ///         QString name() const override { return QStringLiteral("engraving"); }
-///         QString description() const override { return tr("Engraves in relief"); }
+///         QString description() const override
+///         {
+///             return QCoreApplication::translate("EngravingInfo", "Engraves in relief");
+///         }
 ///         int supportedBoardTypes() const override { return 1; }
 ///     };
 ///

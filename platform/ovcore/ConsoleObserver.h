@@ -1,12 +1,14 @@
 #pragma once
 
+#include <ovcore_export.h>
+
 class QByteArray;
 
 namespace Core {
 
 /// Receives the lines of the console service; attach it with `ConsoleSingleton::attachObserver`
 /// and detach it before it is destroyed.
-class ConsoleObserver
+class OVCORE_EXPORT ConsoleObserver
 {
 public:
     /// What kind of line it is: written by `log` or by `warning`.
@@ -16,7 +18,7 @@ public:
         Warning
     };
 
-    virtual ~ConsoleObserver() = default;
+    virtual ~ConsoleObserver();
 
     /// Receives one line: the formatted text as it is, with no terminator added and none removed.
     /// Called on the thread that logs, never on two threads at once.

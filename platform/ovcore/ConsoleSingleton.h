@@ -27,7 +27,9 @@ public:
     void detachObserver(ConsoleObserver* observer);
 
     /// Writes one line of any length, formatted as by `printf`. A format that cannot be formatted
-    /// is written as it stands.
+    /// is written as it stands. The observers get the bytes as they are given, in whichever
+    /// encoding: what the library logs is in the local 8-bit one (`QString::toLocal8Bit`), and so
+    /// should be all that shares a log with it.
     void log(const char* format, ...) Q_ATTRIBUTE_FORMAT_PRINTF(2, 3);
     /// Writes one line as `log` does, as a warning.
     void warning(const char* format, ...) Q_ATTRIBUTE_FORMAT_PRINTF(2, 3);

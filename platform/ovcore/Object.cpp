@@ -2,6 +2,8 @@
 
 namespace Core {
 
+Object::~Object() = default;
+
 void Object::initPropertyType()
 {
 }

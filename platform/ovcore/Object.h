@@ -8,7 +8,7 @@ namespace Core {
 class OVCORE_EXPORT Object
 {
 public:
-    virtual ~Object() = default;
+    virtual ~Object();
 
     /// Registers the property types of the class, once. Property types are plain numbers in this
     /// implementation (see `PropertyTypeID`), so there is nothing to enter anywhere.

@@ -2,6 +2,8 @@
 
 namespace Doc {
 
+DocObject::~DocObject() = default;
+
 void DocObject::initPropertyType()
 {
 }

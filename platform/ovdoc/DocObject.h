@@ -10,6 +10,8 @@ namespace Doc {
 class OVDOC_EXPORT DocObject : public Core::Object
 {
 public:
+    ~DocObject() override;
+
     /// Registers the property types of the class, as `Core::Object::initPropertyType` does.
     static void initPropertyType();
 

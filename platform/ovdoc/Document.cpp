@@ -17,13 +17,13 @@ namespace Doc {
 
 namespace {
 
-constexpr QLatin1String formatKey("format");
-constexpr QLatin1String formatName("ovdoc");
-constexpr QLatin1String versionKey("version");
+const QLatin1String formatKey("format");
+const QLatin1String formatName("ovdoc");
+const QLatin1String versionKey("version");
 constexpr int formatVersion = 1;
-constexpr QLatin1String printCountKey("printCount");
-constexpr QLatin1String finishedKey("finished");
-constexpr QLatin1String targetKey("target");
+const QLatin1String printCountKey("printCount");
+const QLatin1String finishedKey("finished");
+const QLatin1String targetKey("target");
 
 /// 0 for a missing member, nothing for one that is no 32-bit integer.
 std::optional<int> readCount(const QJsonValue& value)

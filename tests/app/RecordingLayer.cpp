@@ -80,6 +80,10 @@ quint32 System::setThreadExecutionState(quint32 flags)
     return 0;
 }
 
+Core::ConsoleObserver::~ConsoleObserver() = default;
+Core::Object::~Object() = default;
+Doc::DocObject::~DocObject() = default;
+
 namespace Core {
 
 struct Settings::Private

@@ -1,0 +1,7 @@
+#include <ovcore/ConsoleObserver.h>
+
+namespace Core {
+
+ConsoleObserver::~ConsoleObserver() = default;
+
+} // namespace Core
