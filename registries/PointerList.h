@@ -76,7 +76,7 @@ bool add(QList<T*>& list, T* entry)
 template <typename T>
 void remove(QList<T*>& list, T* entry)
 {
-    const int index = list.indexOf(entry);
+    const int index = static_cast<int>(list.indexOf(entry));
     if (index < 0)
         return;
     list.removeAt(index);
@@ -93,7 +93,7 @@ void walk(const QList<T*>& list, Call call)
         // read them afresh at every step would take as long as the call.
         walk.changed = false;
         const auto entries = list.constBegin();
-        const int end = list.size();
+        const int end = static_cast<int>(list.size());
         for (int place = walk.next; place < end && !walk.changed; ++place) {
             walk.next = place + 1;
             call(entries[place]);
