@@ -1,14 +1,19 @@
 # The CMake package: find_package(ovapp CONFIG) gives ovapp::ovapp and ovapp_add_plugin.
 include(CMakePackageConfigHelpers)
 
-set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/ovapp)
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/ovapp${ovapp_qt_suffix})
 
 configure_package_config_file(cmake/ovappConfig.cmake.in ${PROJECT_BINARY_DIR}/ovappConfig.cmake
     INSTALL_DESTINATION ${package_dir})
-write_basic_package_version_file(${PROJECT_BINARY_DIR}/ovappConfigVersion.cmake
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/ovappVersion.cmake
     COMPATIBILITY SameMajorVersion)
-install(FILES ${PROJECT_BINARY_DIR}/ovappConfig.cmake ${PROJECT_BINARY_DIR}/ovappConfigVersion.cmake
-    cmake/OvappPlugin.cmake
+configure_file(cmake/ovappConfigVersion.cmake.in ${PROJECT_BINARY_DIR}/ovappConfigVersion.cmake @ONLY)
+install(FILES
+        ${PROJECT_BINARY_DIR}/ovappConfig.cmake
+        ${PROJECT_BINARY_DIR}/ovappConfigVersion.cmake
+        ${PROJECT_BINARY_DIR}/ovappVersion.cmake
+        cmake/OvappPlugin.cmake
+        cmake/OvappQt.cmake
     DESTINATION ${package_dir})
 install(EXPORT ovappTargets NAMESPACE ovapp:: DESTINATION ${package_dir})
 

@@ -16,7 +16,7 @@ endfunction()
 
 # ovapp_add_library(<target> HEADERS <header>... SOURCES <file>... [LINK <target>...])
 #
-# A shared library with Qt5::Core and the generated export header <target>_export.h. HEADERS are
+# A shared library with Qt's Core and the generated export header <target>_export.h. HEADERS are
 # the public ones, named as they are included, relative to the current source directory; they keep
 # that name below the install prefix.
 function(ovapp_add_library target)
@@ -27,7 +27,10 @@ function(ovapp_add_library target)
     add_library(ovapp::${target} ALIAS ${target})
     set_target_properties(${target} PROPERTIES
         VERSION ${PROJECT_VERSION}
-        SOVERSION ${PROJECT_VERSION_MAJOR})
+        SOVERSION ${PROJECT_VERSION_MAJOR}
+        OUTPUT_NAME ${target}${ovapp_qt_suffix}
+        INTERFACE_QT_MAJOR_VERSION ${QT_MAJOR_VERSION}
+        COMPATIBLE_INTERFACE_STRING QT_MAJOR_VERSION)
     target_compile_features(${target} PUBLIC cxx_std_17)
     if(WIN32)
         set_property(TARGET ${target} PROPERTY PREFIX "")
@@ -45,7 +48,7 @@ function(ovapp_add_library target)
             FILE_SET export_header TYPE HEADERS
                 BASE_DIRS ${generated}
                 FILES ${generated}/${target}_export.h)
-    target_link_libraries(${target} PUBLIC Qt5::Core ${arg_LINK})
+    target_link_libraries(${target} PUBLIC Qt${QT_MAJOR_VERSION}::Core ${arg_LINK})
 
     if(OVAPP_INSTALL)
         install(TARGETS ${target} EXPORT ovappTargets
@@ -53,7 +56,7 @@ function(ovapp_add_library target)
             LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime
                 NAMELINK_COMPONENT development
             ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
-            FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ovapp
-            FILE_SET export_header DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ovapp)
+            FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ovapp${ovapp_qt_suffix}
+            FILE_SET export_header DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ovapp${ovapp_qt_suffix})
     endif()
 endfunction()

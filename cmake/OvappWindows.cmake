@@ -1,11 +1,11 @@
 # On Windows the executables find DLLs in their own directory: those of Qt and of the compiler go
 # there too, in the build tree and in what is installed.
 
-set(runtime_dlls $<TARGET_FILE:Qt5::Core>)
+set(runtime_dlls $<TARGET_FILE:Qt${QT_MAJOR_VERSION}::Core>)
 if(OVAPP_BUILD_HOST)
     # A sample plug-in needs it.
-    find_package(Qt5 5.15 REQUIRED COMPONENTS Network)
-    list(APPEND runtime_dlls $<TARGET_FILE:Qt5::Network>)
+    find_package(Qt${QT_MAJOR_VERSION} REQUIRED COMPONENTS Network)
+    list(APPEND runtime_dlls $<TARGET_FILE:Qt${QT_MAJOR_VERSION}::Network>)
 endif()
 if(MINGW)
     # They lie in the compiler's library directories or beside the compiler.
@@ -30,8 +30,8 @@ endif()
 
 set(test_dlls "")
 if(OVAPP_BUILD_TESTS)
-    find_package(Qt5 5.15 REQUIRED COMPONENTS Test)
-    set(test_dlls $<TARGET_FILE:Qt5::Test>)
+    find_package(Qt${QT_MAJOR_VERSION} REQUIRED COMPONENTS Test)
+    set(test_dlls $<TARGET_FILE:Qt${QT_MAJOR_VERSION}::Test>)
 endif()
 add_custom_target(copy_dlls ALL
     COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}

@@ -1,9 +1,10 @@
 #pragma once
 
+#include <QStringList>
+
 #include <optional>
 
 class QCommandLineParser;
-class QStringList;
 
 namespace Host {
 

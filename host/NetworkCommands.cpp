@@ -117,7 +117,7 @@ int runTrace(const QString& host, int maxHops)
 {
     TracerouteProcess process;
     QEventLoop loop;
-    int printed = 0;
+    QByteArray::size_type printed = 0;
     const auto printNews = [&] {
         const QByteArray report = process.readAllStandardOutput();
         if (!print(report.mid(printed)))

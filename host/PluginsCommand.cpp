@@ -83,7 +83,7 @@ void printTable(const Reports& reports, bool profiled)
     for (const QStringList& row : rows) {
         QString line;
         for (int column = 0; column + 1 < row.size(); ++column) {
-            int width = 0;
+            QString::size_type width = 0;
             for (const QStringList& each : rows)
                 width = std::max(width, each.at(column).size());
             line += row.at(column).leftJustified(width) + QLatin1String("  ");

@@ -8,6 +8,7 @@
 #include <ovcore/Settings.h>
 
 #include <QCommandLineParser>
+#include <QCoreApplication>
 #include <QDir>
 #include <QSettings>
 
@@ -32,11 +33,10 @@ SessionOptions::SessionOptions(QCommandLineParser& parser)
           QStringLiteral("app-dir"),
           QStringLiteral("Where settings and log are kept; the executable's directory by default."),
           QStringLiteral("DIR")),
-      _pluginDirOption(
-          QStringLiteral("plugins"),
-          QStringLiteral("Where plug-ins are looked for; \"plugins\" beside the executable by "
-                         "default."),
-          QStringLiteral("DIR")),
+      _pluginDirOption(QStringLiteral("plugins"),
+                       QStringLiteral("Where plug-ins are looked for; \"" OVAPP_PLUGINS_PATH
+                                      "\" beside the executable by default."),
+                       QStringLiteral("DIR")),
       _boardOption(
           QStringLiteral("board"),
           QStringLiteral("The type of the control board; the setting \"Board/type\" by default."),
@@ -82,7 +82,10 @@ void SessionOptions::startLibrary() const
         QDir().mkpath(_applicationDir);
         Core::Settings::instance().setApplicationDirPath(_applicationDir);
     }
-    Core::Settings::instance().setPluginDirPath(_pluginDir);
+    Core::Settings::instance().setPluginDirPath(
+        _pluginDir.isEmpty() ? QDir(QCoreApplication::applicationDirPath())
+                                   .filePath(QStringLiteral(OVAPP_PLUGINS_PATH))
+                             : _pluginDir);
     App::Application::init();
     warnIfSettingsCannotBeKept();
     if (_boardType)

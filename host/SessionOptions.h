@@ -2,11 +2,11 @@
 
 #include <QCommandLineOption>
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 
 class QCommandLineParser;
-class QStringList;
 
 namespace Host {
 

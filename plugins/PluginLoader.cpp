@@ -111,7 +111,7 @@ bool PluginLoader::loadPlugin(QObject* object, bool startPlugins, const QString&
     return true;
 }
 
-PluginLoader::Verdict PluginLoader::verdictOn(const QObject* object)
+PluginLoader::Verdict PluginLoader::verdictOn(QObject* object)
 {
     if (!object)
         return Verdict::NoPlugin;
@@ -153,7 +153,7 @@ void PluginLoader::unloadPlugins()
 
 int PluginLoader::pluginCount()
 {
-    return _pluginFiles.count();
+    return static_cast<int>(_pluginFiles.count());
 }
 
 PluginInfo PluginLoader::pluginInfoOf(int index)

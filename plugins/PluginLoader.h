@@ -78,7 +78,7 @@ public:
     /// Whether an object, which may be null, would be accepted as a plug-in as things stand, and if
     /// not, why. It changes nothing and asks the plug-in no more than it needs to: first for the
     /// boards, and only if they fit for the identifier. Without a board description no board fits.
-    static Verdict verdictOn(const QObject* object);
+    static Verdict verdictOn(QObject* object);
     /// Stops and unloads the plug-in that was loaded last, if it came from `file`. Does nothing for
     /// any other file, loaded or not, nor for one that is gone from the disk.
     static void unloadPlugin(const QString& file);

@@ -56,7 +56,7 @@ bool CommInfoRegistry::contains(CommInfo* info)
 
 int CommInfoRegistry::count() const
 {
-    return _infos.count();
+    return static_cast<int>(_infos.count());
 }
 
 CommInfo* CommInfoRegistry::infoAt(int index)

@@ -44,7 +44,7 @@ bool ExtendPluginRegistry::contains(ExtendPluginInfo* info)
 
 int ExtendPluginRegistry::count() const
 {
-    return _infos.count();
+    return static_cast<int>(_infos.count());
 }
 
 ExtendPluginInfo* ExtendPluginRegistry::infoAt(int index)

@@ -19,9 +19,10 @@ QByteArray formatted(const char* format, va_list arguments)
     if (length < 0) {
         line = format;
     } else {
-        line.resize(length);
-        // The terminating NUL goes where QByteArray keeps its own.
+        // With room for the terminating NUL: an empty array's memory may not be written to.
+        line.resize(length + 1);
         std::vsnprintf(line.data(), static_cast<std::size_t>(length) + 1, format, again);
+        line.chop(1);
     }
     va_end(again);
     return line;

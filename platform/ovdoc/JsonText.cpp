@@ -11,11 +11,11 @@ namespace Doc {
 namespace {
 
 /// The place of the first character from `start` on that ends a name, a value or the object.
-int endOfPart(const QByteArray& json, int start)
+QByteArray::size_type endOfPart(const QByteArray& json, QByteArray::size_type start)
 {
     int depth = 0;
     bool inString = false;
-    for (int i = start; i < json.size(); ++i) {
+    for (auto i = start; i < json.size(); ++i) {
         const char character = json.at(i);
         if (inString) {
             if (character == '\\')
@@ -66,12 +66,12 @@ auto find(Members& members, QLatin1String name)
 
 JsonText::JsonText(const QByteArray& object)
 {
-    int start = object.indexOf('{') + 1;
+    auto start = object.indexOf('{') + 1;
     while (start < object.size()) {
-        const int colon = endOfPart(object, start);
+        const auto colon = endOfPart(object, start);
         if (colon >= object.size() || object.at(colon) != ':')
             return;
-        const int end = endOfPart(object, colon + 1);
+        const auto end = endOfPart(object, colon + 1);
         _members.push_back({object.mid(start, colon - start).trimmed(),
                             object.mid(colon + 1, end - colon - 1).trimmed()});
         start = end + 1;

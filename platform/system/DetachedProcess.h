@@ -2,10 +2,10 @@
 
 #include <ovsystem_export.h>
 
+#include <QStringList>
 #include <QtGlobal>
 
 class QString;
-class QStringList;
 
 namespace System {
 

@@ -38,7 +38,7 @@ static void hide(const QString& path)
 static QByteArray withSegmentAtEnd(QByteArray plugin)
 {
     constexpr int page = 0x1000;
-    const int end = (plugin.size() + page - 1) / page * page;
+    const auto end = (plugin.size() + page - 1) / page * page;
     const auto* header = reinterpret_cast<const ElfW(Ehdr)*>(plugin.data());
     auto* segment = reinterpret_cast<ElfW(Phdr)*>(plugin.data() + header->e_phoff);
     for (const auto* last = segment + header->e_phnum; segment != last; ++segment) {

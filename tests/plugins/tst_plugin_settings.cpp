@@ -142,7 +142,7 @@ private Q_SLOTS:
             QTest::qSleep(1 + round % 5);
             child.kill();
             QVERIFY(child.waitForFinished());
-            const int last = (told + child.readAll()).count('\n');
+            const auto last = (told + child.readAll()).count('\n');
 
             PluginBaseSettings settings(marker);
             const int stored = settings.value(key).toInt();

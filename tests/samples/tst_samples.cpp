@@ -151,7 +151,8 @@ private Q_SLOTS:
         for (const auto& row : rows)
             writeFile(directory.filePath(row.file), contentOf(row.from));
         const QString cut = directory.filePath("cut.dll"_s);
-        QVERIFY(QFile::resize(cut, QFileInfo(cut).size() / 2));
+        // What is behind the code and the data, Qt 6 does without.
+        QVERIFY(QFile::resize(cut, 4096));
 
         const QStringList command = words("plugins --json --board 2 --app-dir %1 --plugins %1")
                                         .replaceInStrings("%1"_s, directory.path());

@@ -1,0 +1,15 @@
+# ovapp_wanted_qt(<variable>): the major version of the Qt that the project at hand wants, or nothing
+# if it has not said: what it sets as QT_MAJOR_VERSION, else the one that it has found already.
+function(ovapp_wanted_qt variable)
+    set(wanted "")
+    if(QT_MAJOR_VERSION)
+        set(wanted ${QT_MAJOR_VERSION})
+    elseif(TARGET Qt5::Core AND NOT TARGET Qt6::Core)
+        set(wanted 5)
+    elseif(TARGET Qt6::Core AND NOT TARGET Qt5::Core)
+        set(wanted 6)
+    elseif(QT_DEFAULT_MAJOR_VERSION)
+        set(wanted ${QT_DEFAULT_MAJOR_VERSION})
+    endif()
+    set(${variable} "${wanted}" PARENT_SCOPE)
+endfunction()
