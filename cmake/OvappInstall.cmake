@@ -3,6 +3,8 @@ include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/ovapp${ovapp_qt_suffix})
 
+# Programs that were built with a Qt do not run with an older one.
+string(REGEX MATCH "^[0-9]+\\.[0-9]+" qt_version ${Qt${QT_MAJOR_VERSION}_VERSION})
 configure_package_config_file(cmake/ovappConfig.cmake.in ${PROJECT_BINARY_DIR}/ovappConfig.cmake
     INSTALL_DESTINATION ${package_dir})
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/ovappVersion.cmake
