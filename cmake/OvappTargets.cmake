@@ -7,7 +7,9 @@ function(ovapp_set_warnings target)
     if(MSVC)
         target_compile_options(${target} PRIVATE /W4 /utf-8)
     else()
-        target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+        # A class whose virtual functions are all inline has its table in every file that uses it.
+        target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+            $<$<CXX_COMPILER_ID:Clang>:-Wweak-vtables>)
     endif()
     target_compile_definitions(${target} PRIVATE
         QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS
