@@ -39,6 +39,11 @@ const QByteArray noDocuments[] = {
     R"({"format": "ovdoc", "version": 1, "printCount": {"target": 2147483648}})",
     R"({"format": "ovdoc", "version": 1, "printCount": {"target": -2147483649}})",
     R"({"format": "ovdoc", "version": 1, "printCount": {"target": 1e300}})",
+    R"({"format": "ovdoc", "version": 1, "form\u0061t": "ovdoc"})",
+    R"({"version": 1, "format": "ovdoc", "version": 1})",
+    R"({"format": "ovdoc", "version": 1, "printCount": {}, "printCount": {"target": 1}})",
+    R"({"format": "ovdoc", "version": 1, "printCount": {"finished": 2, "fin\u0069shed": 2}})",
+    R"({"format": "ovdoc", "version": 1, "printCount": {"target": 2, "finished": 1, "target": 3}})",
     QByteArray(50 << 20, '['),
 };
 

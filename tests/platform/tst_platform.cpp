@@ -231,16 +231,12 @@ const std::pair<QByteArray, QByteArray> tst_platform::changes[] = {
     "printCount": { "finished": 2, "target": 9 }
 }
 )"},
-    // The counts twice, of which the last ones hold, however their name is spelt.
-    {R"({"printCount": 1, "format": "ovdoc", "version": 1,
-         "print\u0043ount": {"new": 1.50, "target": 2147483647, "finished": -2147483648}})",
-     R"({
-    "printCount": 1,
-    "format": "ovdoc",
-    "version": 1,
-    "print\u0043ount": { "new": 1.50, "target": 9, "finished": 2 }
-}
-)"}};
+    // What is called almost like the counts, and is not meant.
+    {"{\"print\\u0043ount\": {\"new\": 1.50, \"\xef\xbb\xbftarget\": 3, \"finished\": -2147483648,"
+     "\"\\ufefffinished\": 7}, \"format\": \"ovdoc\", \"version\": 1, \"\xef\xbb\xbfversion\": 2}",
+     "{\n    \"print\\u0043ount\": { \"new\": 1.50, \"\xef\xbb\xbftarget\": 3, \"finished\": 2, "
+     "\"\\ufefffinished\": 7, \"target\": 9 },\n    \"format\": \"ovdoc\",\n    \"version\": 1,\n"
+     "    \"\xef\xbb\xbfversion\": 2\n}\n"}};
 
 QTEST_GUILESS_MAIN(tst_platform)
 #include "tst_platform.moc"
