@@ -36,7 +36,7 @@ QString documentProblem(const QString& path)
     }
     return QStringLiteral(
         "it is no document: \"format\", \"version\" or \"printCount\" is not what "
-        "this program reads");
+        "this program reads, or one of them or of the counts is there twice");
 }
 
 } // namespace Host

@@ -21,7 +21,8 @@ void warnIfSettingsCannotBeKept()
     const QDir directory(Core::Settings::instance().applicationDirPath());
     const QSettings store(directory.filePath(QStringLiteral("ovapp.ini")), QSettings::IniFormat);
     if (!store.isWritable()) {
-        warn(QStringLiteral("%1 cannot be written: settings will be lost")
+        warn(QStringLiteral("%1 cannot be written: settings will be lost; --app-dir names the "
+                            "directory to keep them in")
                  .arg(quoted(store.fileName())));
     }
 }
@@ -79,7 +80,10 @@ std::optional<int> SessionOptions::parse(QCommandLineParser& parser, const QStri
 void SessionOptions::startLibrary() const
 {
     if (!_applicationDir.isEmpty()) {
-        QDir().mkpath(_applicationDir);
+        if (!QFileInfo::exists(_applicationDir) && QDir().mkpath(_applicationDir)) {
+            warn(QStringLiteral("--app-dir: there was no directory %1; it has been made")
+                     .arg(quoted(_applicationDir)));
+        }
         Core::Settings::instance().setApplicationDirPath(_applicationDir);
     }
     Core::Settings::instance().setPluginDirPath(

@@ -1,6 +1,7 @@
 #include <plugins/PluginBaseSettings.h>
 
 #include <ovcore/Settings.h>
+#include <system/SettingsLock.h>
 
 #include <QDir>
 #include <QFile>
@@ -49,6 +50,7 @@ PluginBaseSettings& PluginBaseSettings::operator=(const PluginBaseSettings& othe
 
 PluginBaseSettings::~PluginBaseSettings()
 {
+    flush();
     delete _p_settings;
 }
 
@@ -110,8 +112,10 @@ QString PluginBaseSettings::defaultConfigPath() const
 
 void PluginBaseSettings::flush()
 {
-    if (_p_settings)
-        _p_settings->sync();
+    if (!_p_settings)
+        return;
+    System::removeAbandonedLock(_p_settings->fileName());
+    _p_settings->sync();
 }
 
 } // namespace App

@@ -26,6 +26,10 @@ namespace App {
 /// are lost with the last object of that name. Where the file cannot be written they hold likewise,
 /// and are written as soon as it can be. No operation reports an error.
 ///
+/// The name becomes that of a directory and of files, so a good one is made of letters, digits, "-"
+/// and "_", and is no other plug-in's in whatever letter case. One with a separator in it, or "..",
+/// leads out of the application directory, or to a place where nothing can be stored.
+///
 /// An object is used by one thread at a time. Objects of one name see each other's stored values.
 class OVAPP_EXPORT PluginBaseSettings
 {

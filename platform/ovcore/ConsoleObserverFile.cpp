@@ -14,6 +14,9 @@ namespace {
 void appendEscaped(QByteArray& text, char character)
 {
     switch (character) {
+    case '\\':
+        text += "\\\\";
+        return;
     case '\n':
         text += "\\n";
         return;
@@ -31,10 +34,16 @@ void appendEscaped(QByteArray& text, char character)
     text += hex[code & 0xf];
 }
 
-bool isControl(char character)
+bool needsEscape(char character)
 {
     const auto code = static_cast<unsigned char>(character);
-    return code < 0x20 || code == 0x7f;
+    return code < 0x20 || code == 0x7f || character == '\\';
+}
+
+bool endsWithinLine(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) && file.seek(file.size() - 1) && file.read(1) != "\n";
 }
 
 } // namespace
@@ -43,7 +52,8 @@ ConsoleObserverFile::ConsoleObserverFile(const QString& fileName)
     : _p_file(std::make_unique<QFile>(
           QDir(Settings::instance().applicationDirPath()).absoluteFilePath(fileName)))
 {
-    System::openForAppending(*_p_file);
+    if (System::openForAppending(*_p_file))
+        _endsWithinLine = endsWithinLine(_p_file->fileName());
 }
 
 ConsoleObserverFile::~ConsoleObserverFile() = default;
@@ -54,15 +64,19 @@ void ConsoleObserverFile::write(Severity, const QByteArray& line)
         return;
 
     QByteArray text;
-    text.reserve(line.size() + 1);
+    text.reserve(line.size() + 2);
+    if (_endsWithinLine)
+        text += '\n';
     for (const char character : line) {
-        if (isControl(character))
+        if (needsEscape(character))
             appendEscaped(text, character);
         else
             text += character;
     }
     text += '\n';
-    _p_file->write(text);
+    const auto written = _p_file->write(text);
+    if (written > 0)
+        _endsWithinLine = written < text.size() && text.at(static_cast<int>(written) - 1) != '\n';
 }
 
 } // namespace Core

@@ -24,11 +24,14 @@ public:
 
     /// Writes the text and a line feed, and hands both to the system before it returns. Control
     /// characters inside the text are written as "\n", "\r", "\t" or "\x" and two hexadecimal
-    /// digits, so that it stays one line.
+    /// digits, and a backslash as two, so that it stays one line that can be read back. What a full
+    /// disk has cut short is ended before the next line begins.
     void write(Severity severity, const QByteArray& line) override;
 
 private:
     std::unique_ptr<QFile> _p_file;
+    /// Whether the file's last line was cut short.
+    bool _endsWithinLine = false;
 };
 
 } // namespace Core

@@ -1,5 +1,7 @@
 #include <ovcore/Settings.h>
 
+#include <system/SettingsLock.h>
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QMap>
@@ -55,6 +57,7 @@ void Settings::setValue(const QString& key, const QVariant& value)
     if (!d->store)
         return;
     d->store->setValue(key, value);
+    System::removeAbandonedLock(d->store->fileName());
     d->store->sync();
 }
 

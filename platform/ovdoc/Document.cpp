@@ -6,8 +6,8 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QJsonArray>
 #include <QJsonDocument>
-#include <QJsonObject>
 #include <QSaveFile>
 
 #include <limits>
@@ -25,14 +25,25 @@ const QLatin1String printCountKey("printCount");
 const QLatin1String finishedKey("finished");
 const QLatin1String targetKey("target");
 
-/// 0 for a missing member, nothing for one that is no 32-bit integer.
-std::optional<int> readCount(const QJsonValue& value)
+/// What a member holds, undefined where it is missing; nothing where it is there twice.
+std::optional<QJsonValue> readMember(const JsonText& object, QLatin1String name)
 {
-    if (value.isUndefined())
-        return 0;
-    if (!value.isDouble())
+    if (object.namesTwice(name))
         return std::nullopt;
-    const double number = value.toDouble();
+    const QByteArray text = object.value(name);
+    return text.isEmpty() ? QJsonValue(QJsonValue::Undefined)
+                          : QJsonDocument::fromJson('[' + text + ']').array().at(0);
+}
+
+/// 0 for a missing member, nothing for one that is no 32-bit integer.
+std::optional<int> readCount(const JsonText& object, QLatin1String name)
+{
+    const std::optional<QJsonValue> value = readMember(object, name);
+    if (value && value->isUndefined())
+        return 0;
+    if (!value || !value->isDouble())
+        return std::nullopt;
+    const double number = value->toDouble();
     using Limits = std::numeric_limits<int>;
     if (!(number >= Limits::min() && number <= Limits::max()))
         return std::nullopt;
@@ -42,13 +53,14 @@ std::optional<int> readCount(const QJsonValue& value)
     return count;
 }
 
-std::optional<Laser::PrintCountParams> readPrintCount(const QJsonValue& value)
+std::optional<Laser::PrintCountParams> readPrintCount(const JsonText& document)
 {
-    if (!value.isUndefined() && !value.isObject())
+    const std::optional<QJsonValue> value = readMember(document, printCountKey);
+    if (!value || (!value->isUndefined() && !value->isObject()))
         return std::nullopt;
-    const QJsonObject members = value.toObject();
-    const std::optional<int> finished = readCount(members.value(finishedKey));
-    const std::optional<int> target = readCount(members.value(targetKey));
+    const JsonText members(document.value(printCountKey));
+    const std::optional<int> finished = readCount(members, finishedKey);
+    const std::optional<int> target = readCount(members, targetKey);
     if (!finished || !target)
         return std::nullopt;
 
@@ -58,10 +70,10 @@ std::optional<Laser::PrintCountParams> readPrintCount(const QJsonValue& value)
     return printCount;
 }
 
-bool isDocument(const QJsonObject& members)
+bool isDocument(const JsonText& document)
 {
-    return members.value(formatKey) == QJsonValue(formatName) &&
-           members.value(versionKey) == QJsonValue(formatVersion);
+    return readMember(document, formatKey) == QJsonValue(formatName) &&
+           readMember(document, versionKey) == QJsonValue(formatVersion);
 }
 
 } // namespace
@@ -88,11 +100,13 @@ bool Document::open(const QString& path)
         return false;
 
     const QByteArray text = file.readAll();
-    const QJsonObject members = QJsonDocument::fromJson(text).object();
-    if (!isDocument(members))
+    if (!QJsonDocument::fromJson(text).isObject())
         return false;
-    const std::optional<Laser::PrintCountParams> printCount =
-        readPrintCount(members.value(printCountKey));
+    // Read by what will write it again, so that the two agree on what a name stands for.
+    const JsonText document(text);
+    if (!isDocument(document))
+        return false;
+    const std::optional<Laser::PrintCountParams> printCount = readPrintCount(document);
     if (!printCount)
         return false;
 

@@ -14,7 +14,8 @@ class Storage;
 ///
 /// On disk it is a JSON object in UTF-8: "format" is "ovdoc", "version" is 1, and "printCount"
 /// holds the counts "finished" and "target", 32-bit integers that count as 0 where they are
-/// missing. Every other member, inside "printCount" too, is kept and written back.
+/// missing. A file that names one of these members twice is no document. Every other member, inside
+/// "printCount" too, is kept and written back.
 class OVDOC_EXPORT Document
 {
 public:

@@ -51,14 +51,16 @@ QByteArray::size_type endOfPart(const QByteArray& json, QByteArray::size_type st
 /// Whether a string in its quotes, with whatever escapes, is `name`.
 bool isName(const QByteArray& string, QLatin1String name)
 {
+    // Qt's reader would skip a byte order mark, which makes another name of it.
+    if (!string.contains('\\'))
+        return string == '"' + QByteArray(name.data(), name.size()) + '"';
     return QJsonDocument::fromJson('[' + string + ']').array().at(0).toString() == name;
 }
 
-/// The last member of that name: the one that a reader takes where there are several.
 template <typename Members>
 auto find(Members& members, QLatin1String name)
 {
-    return std::find_if(members.rbegin(), members.rend(),
+    return std::find_if(members.begin(), members.end(),
                         [name](const auto& member) { return isName(member.name, name); });
 }
 
@@ -78,16 +80,22 @@ JsonText::JsonText(const QByteArray& object)
     }
 }
 
+bool JsonText::namesTwice(QLatin1String name) const
+{
+    return std::count_if(_members.begin(), _members.end(),
+                         [name](const Member& member) { return isName(member.name, name); }) > 1;
+}
+
 QByteArray JsonText::value(QLatin1String name) const
 {
     const auto member = find(_members, name);
-    return member == _members.rend() ? QByteArray() : member->value;
+    return member == _members.end() ? QByteArray() : member->value;
 }
 
 void JsonText::setValue(QLatin1String name, const QByteArray& value)
 {
     const auto member = find(_members, name);
-    if (member == _members.rend())
+    if (member == _members.end())
         _members.push_back({'"' + QByteArray(name.data(), name.size()) + '"', value});
     else
         member->value = value;

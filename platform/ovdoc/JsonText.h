@@ -15,7 +15,10 @@ public:
     /// Takes a text apart that is known to be one JSON object.
     explicit JsonText(const QByteArray& object);
 
-    /// The text of a member's value; empty when there is no such member.
+    /// Whether there are several members of that name, of which each reader takes another.
+    bool namesTwice(QLatin1String name) const;
+    /// The text of a member's value; empty when there is no such member. Of several it is the
+    /// first.
     QByteArray value(QLatin1String name) const;
     /// Replaces a member's value or adds the member at the end.
     void setValue(QLatin1String name, const QByteArray& value);

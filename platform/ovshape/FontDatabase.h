@@ -13,6 +13,9 @@ public:
     /// The one database; it exists for as long as the program runs.
     static FontDatabase& instance();
 
+    FontDatabase(const FontDatabase&) = delete;
+    FontDatabase& operator=(const FontDatabase&) = delete;
+
     /// Adds the font files (.ttf, .otf and .ttc, in any letter case) of a directory, in the order
     /// of their paths; with `recursive`, those of its subdirectories too. A file that is known
     /// already is not added again; a missing directory holds none.

@@ -39,6 +39,11 @@ const QByteArray noDocuments[] = {
     R"({"format": "ovdoc", "version": 1, "printCount": {"target": 2147483648}})",
     R"({"format": "ovdoc", "version": 1, "printCount": {"target": -2147483649}})",
     R"({"format": "ovdoc", "version": 1, "printCount": {"target": 1e300}})",
+    R"({"format": "ovdoc", "version": 1, "form\u0061t": "ovdoc"})",
+    R"({"version": 1, "format": "ovdoc", "version": 1})",
+    R"({"format": "ovdoc", "version": 1, "printCount": {}, "printCount": {"target": 1}})",
+    R"({"format": "ovdoc", "version": 1, "printCount": {"finished": 2, "fin\u0069shed": 2}})",
+    R"({"format": "ovdoc", "version": 1, "printCount": {"target": 2, "finished": 1, "target": 3}})",
     QByteArray(50 << 20, '['),
 };
 
@@ -72,12 +77,13 @@ private Q_SLOTS:
         Session session("[Debug]\nfile=true\n");
         session.application().doAppStartFinished();
         Core::ConsoleSingleton::instance().log("%s", longLine.constData());
-        Core::ConsoleSingleton::instance().warning("two\nlines\r\t\x1b[0m");
+        Core::ConsoleSingleton::instance().warning("two\nlines\r\t\x1b[0m\\n");
+        QVERIFY(console.lines.last().startsWith("warning: two"));
         const QString log = session.path("log.txt"_s);
         const QByteArrayList written = linesOf(log);
         QCOMPARE(written, QByteArrayList({"Application::attachObservers.",
                                           "Application::doAppStartFinished:: application started.",
-                                          longLine, "two\\nlines\\r\\t\\x1b[0m", ""}));
+                                          longLine, "two\\nlines\\r\\t\\x1b[0m\\\\n", ""}));
 
         Application::destruct();
         QCOMPARE(console.lines.last(), "destruct application.");
@@ -113,7 +119,7 @@ private Q_SLOTS:
         document.setFilePath("left.ovdoc"_s);
         {
             const Session session("[Board]\ntype=6\n");
-            QCOMPARE(System::setThreadExecutionState(0x80000041u), 0x80000041u);
+            QCOMPARE(System::setThreadExecutionState(0x80000001u), 0x80000041u);
             QCOMPARE(Core::BoardEthDescHandler::instance()->currentBoardEthDescType(), 6);
             Core::BoardEthDescHandler::instance()->setCurrentBoardEthDescType(8);
             App::ExtendPluginRegistry::instance().registerExtendInfo(&description);

@@ -87,6 +87,11 @@ log: destruct application.)"_s;
             << "truncated" << QByteArray(R"({"format": "ovdoc", "ver)") << "no JSON at byte";
         QTest::newRow("other version")
             << "later" << QByteArray(R"({"format": "ovdoc", "version": 2})") << "\"version\"";
+        QTest::newRow("counts twice")
+            << "twice"
+            << QByteArray(R"({"format": "ovdoc", "version": 1, "printCount": 1,)"
+                          R"("printCount": {}})")
+            << "is there twice";
         QTest::newRow("name of two lines") << "a\nb" << QByteArray() << "a\\x0ab";
         // A file that opens and cannot be read, for the administrator either.
         QTest::newRow("unreadable") << "/proc/self/mem" << QByteArray() << "Input/output error";

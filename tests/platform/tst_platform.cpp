@@ -7,7 +7,9 @@
 #include <ovdoc/DocObject.h>
 #include <ovdoc/Document.h>
 #include <ovdoc/Storage.h>
+#include <ovdoc/Transaction.h>
 #include <ovshape/FontDatabase.h>
+#include <system/SettingsLock.h>
 
 #include <QtTest>
 
@@ -37,6 +39,31 @@ struct Counter : Core::ConsoleObserver
     int calls = 0;
     Core::ConsoleObserver* other = nullptr;
 };
+
+#ifdef Q_OS_UNIX
+/// No file grows beyond a size for as long as this lives.
+class FullDisk
+{
+public:
+    explicit FullDisk(rlim_t size) : _signalHandler(std::signal(SIGXFSZ, SIG_IGN))
+    {
+        getrlimit(RLIMIT_FSIZE, &_limit);
+        const rlimit full{size, _limit.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &full);
+    }
+    FullDisk(const FullDisk&) = delete;
+    FullDisk& operator=(const FullDisk&) = delete;
+    ~FullDisk()
+    {
+        setrlimit(RLIMIT_FSIZE, &_limit);
+        std::signal(SIGXFSZ, _signalHandler);
+    }
+
+private:
+    void (*const _signalHandler)(int);
+    rlimit _limit;
+};
+#endif
 
 } // namespace
 
@@ -72,7 +99,12 @@ private Q_SLOTS:
         QCOMPARE(settings.pluginDirPath(), "/p"_s);
         settings.setRunValue(stored, 3);
         QCOMPARE(settings.value(stored, 4).toInt(), 4);
+        // Left by a process that was killed before it had put its name to it.
+        writeFile(directory.filePath("ovapp.ini.lock"_s));
+        QElapsedTimer elapsed;
+        elapsed.start();
         settings.setValue(stored, Q_UINT64_C(18446744073709551615));
+        QVERIFY2(elapsed.elapsed() < 5000, "waited for a lock that nobody holds");
         QCOMPARE(settings.value(stored).toULongLong(), Q_UINT64_C(18446744073709551615));
         QCOMPARE(settings.runValue(stored).toInt(), 3);
         QCOMPARE(settings.runValue("Group/none"_s, 6).toInt(), 6);
@@ -85,6 +117,17 @@ private Q_SLOTS:
         QCOMPARE(fresh.value(stored).toULongLong(), Q_UINT64_C(18446744073709551615));
         QVERIFY(!fresh.runValue(stored).isValid());
         Settings::destruct();
+    }
+
+    void heldLock()
+    {
+        const QTemporaryDir directory;
+        const QString file = directory.filePath("held.ini"_s);
+        QLockFile lock(file + ".lock"_s);
+        QVERIFY(lock.lock());
+        QTest::qSleep(150); // longer than it takes to put a name to it
+        System::removeAbandonedLock(file);
+        QVERIFY(QFile::exists(file + ".lock"_s));
     }
 
     void console()
@@ -131,6 +174,33 @@ private Q_SLOTS:
         QCOMPARE(contentOf(path), QByteArray("one\ntwo\\r\\n\nthree\n"));
     }
 
+    void logOnFullDisk()
+    {
+#ifdef Q_OS_UNIX
+        const QTemporaryDir directory;
+        const QString path = directory.filePath("log"_s);
+        const auto severity = Core::ConsoleObserver::Severity::Log;
+        {
+            Core::ConsoleObserverFile log(path);
+            const FullDisk full(6);
+            for (const char* line : {"one", "two", "three"})
+                log.write(severity, line);
+            QCOMPARE(contentOf(path), QByteArray("one\ntw"));
+        }
+        Core::ConsoleObserverFile(path).write(severity, "four");
+        Core::ConsoleObserverFile log(path);
+        {
+            const FullDisk full(13);
+            log.write(severity, "five");
+        }
+        log.write(severity, "six");
+        log.write(severity, "seven");
+        QCOMPARE(contentOf(path), QByteArray("one\ntw\nfour\nf\nsix\nseven\n"));
+#else
+        QSKIP("This system has no limit on the size of files");
+#endif
+    }
+
     void documentKeepsWhatItDoesNotKnow()
     {
         for (const auto& [before, after] : changes) {
@@ -146,6 +216,8 @@ private Q_SLOTS:
             counts.setTargetCount(9);
             document.storage()->queryDocObjectDirect()->setPrintCountData(counts);
             QVERIFY(document.save());
+            QCOMPARE(contentOf(path), after);
+            QVERIFY(document.open(path) && document.save());
             QCOMPARE(contentOf(path), after);
             // Another file has taken the former one's place; nothing is written over.
             QCOMPARE(contentOf(former), before);
@@ -182,22 +254,25 @@ private Q_SLOTS:
         Doc::Document document(new Doc::Storage);
         QVERIFY(document.open(path));
 
-        const auto signalHandler = std::signal(SIGXFSZ, SIG_IGN);
-        rlimit limit;
-        QCOMPARE(getrlimit(RLIMIT_FSIZE, &limit), 0);
-        const rlimit full{16, limit.rlim_max};
-        QCOMPARE(setrlimit(RLIMIT_FSIZE, &full), 0);
-        const bool saved = document.save();
-        setrlimit(RLIMIT_FSIZE, &limit);
-        std::signal(SIGXFSZ, signalHandler);
-
-        QVERIFY(!saved);
+        {
+            const FullDisk full(16);
+            QVERIFY(!document.save());
+        }
         QCOMPARE(contentOf(path), before);
         QCOMPARE(QDir(directory.path()).entryList(QDir::Files), words("document"));
         QVERIFY(document.save());
 #else
         QSKIP("This system has no limit on the size of files");
 #endif
+    }
+
+    void transaction()
+    {
+        const Doc::Transaction first("first"_s);
+        Doc::Transaction second(first);
+        second.setName("second"_s);
+        QCOMPARE(second.name(), "second"_s);
+        QCOMPARE(first.name(), "first"_s);
     }
 
     void fonts()
@@ -231,16 +306,12 @@ const std::pair<QByteArray, QByteArray> tst_platform::changes[] = {
     "printCount": { "finished": 2, "target": 9 }
 }
 )"},
-    // The counts twice, of which the last ones hold, however their name is spelt.
-    {R"({"printCount": 1, "format": "ovdoc", "version": 1,
-         "print\u0043ount": {"new": 1.50, "target": 2147483647, "finished": -2147483648}})",
-     R"({
-    "printCount": 1,
-    "format": "ovdoc",
-    "version": 1,
-    "print\u0043ount": { "new": 1.50, "target": 9, "finished": 2 }
-}
-)"}};
+    // What is called almost like the counts, and is not meant.
+    {"{\"print\\u0043ount\": {\"new\": 1.50, \"\xef\xbb\xbftarget\": 3, \"finished\": -2147483648,"
+     "\"\\ufefffinished\": 7}, \"format\": \"ovdoc\", \"version\": 1, \"\xef\xbb\xbfversion\": 2}",
+     "{\n    \"print\\u0043ount\": { \"new\": 1.50, \"\xef\xbb\xbftarget\": 3, \"finished\": 2, "
+     "\"\\ufefffinished\": 7, \"target\": 9 },\n    \"format\": \"ovdoc\",\n    \"version\": 1,\n"
+     "    \"\xef\xbb\xbfversion\": 2\n}\n"}};
 
 QTEST_GUILESS_MAIN(tst_platform)
 #include "tst_platform.moc"

@@ -15,7 +15,13 @@
 #include <QTcpSocket>
 #include <QtTest>
 
+#include <ctime>
 #include <memory>
+
+#ifdef Q_OS_UNIX
+#include <sys/resource.h>
+#include <sys/socket.h>
+#endif
 
 using App::PluginLoader;
 
@@ -77,6 +83,9 @@ private Q_SLOTS:
             QCOMPARE(extensions.count(), 0);
             PluginLoader::loadPlugins(true);
         }
+        App::CommInfoRegistry::instance()->start();
+        QCOMPARE(QDir(samples.path("."_s)).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+                 words("ovapp.ini ProductionCounter TcpTrigger"));
     }
 
     void tcpTrigger()
@@ -93,6 +102,27 @@ private Q_SLOTS:
             return client;
         };
 
+#ifdef Q_OS_UNIX
+        // Without a descriptor for it a client waits, and costs nothing meanwhile.
+        const auto waiting = connected();
+        QFile lowestFree("/dev/null"_s);
+        QVERIFY(lowestFree.open(QIODevice::ReadOnly));
+        rlimit limit;
+        QCOMPARE(getrlimit(RLIMIT_NOFILE, &limit), 0);
+        const rlimit none{static_cast<rlim_t>(lowestFree.handle()), limit.rlim_max};
+        lowestFree.close();
+        QCOMPARE(setrlimit(RLIMIT_NOFILE, &none), 0);
+        const std::clock_t before = std::clock();
+        QTest::qWait(500);
+        const std::clock_t spent = std::clock() - before;
+        setrlimit(RLIMIT_NOFILE, &limit);
+        QVERIFY(spent < CLOCKS_PER_SEC / 20);
+        QVERIFY(samples.console.lines.last().startsWith("warning: TriggerChannel::letIn"));
+        QCOMPARE(answers(*waiting, "status\n", 1).size(), 1);
+        // One that has no more to ask is sent away.
+        QCOMPARE(::shutdown(static_cast<int>(waiting->socketDescriptor()), SHUT_WR), 0);
+        QTRY_COMPARE(waiting->state(), QTcpSocket::UnconnectedState);
+#endif
         const QByteArray tooLong = R"({"error":"the line is too long"})";
         for (const QByteArray& request : {QByteArray(257, 'x') + '\n', QByteArray(300, 'x'),
                                           QByteArray(300, ' ') + "status\n"}) {
@@ -179,13 +209,15 @@ private Q_SLOTS:
         const QTemporaryDir directory;
         const Outcome outcome =
             runHost(words("plugins --profile --board 1 --app-dir %1 --plugins %2")
-                        .replaceInStrings("%1"_s, directory.path())
+                        .replaceInStrings("%1"_s, directory.filePath("made"_s))
                         .replaceInStrings("%2"_s, QStringLiteral(SAMPLE_PLUGIN_DIR)));
+        QCOMPARE(outcome.errors.size(), 1);
+        QVERIFY(outcome.errors.first().contains("--app-dir: there was no directory"_s));
         QCOMPARE(outcome.status, 1);
         QCOMPARE(outcome.output.size(), 5);
         QVERIFY(outcome.output.first().contains("LOAD/MS  START/MS  STOP/MS  VERDICT"_s));
         // It was started, so it has its settings; the refused one was not.
-        QVERIFY(QFile::exists(directory.filePath("ProductionCounter"_s)));
+        QVERIFY(QFile::exists(directory.filePath("made/ProductionCounter"_s)));
         const QRegularExpression refused("rotary-axis.dll +- .* - +- +refused"_s);
         QVERIFY2(outcome.output.at(3).contains(refused), qPrintable(outcome.output.at(3)));
     }

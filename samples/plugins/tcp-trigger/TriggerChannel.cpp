@@ -7,10 +7,16 @@
 #include <ovdoc/Storage.h>
 #include <plugins/PluginBaseSettings.h>
 
+#include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QProcess>
+#include <QSocketNotifier>
 #include <QTcpServer>
 #include <QTcpSocket>
+#include <QTimer>
+
+#include <functional>
 
 namespace {
 
@@ -19,6 +25,8 @@ constexpr int maximumClients = 8;
 constexpr int maximumLineLength = 256; // bytes
 /// A client that asks on and on without reading the answers is sent away at this many bytes.
 constexpr int maximumBacklog = 64 * 1024;
+/// How long to wait for descriptors when the program has run out of them.
+constexpr int patience = 1000; // ms
 
 QByteArray line(const QJsonObject& object)
 {
@@ -43,6 +51,30 @@ QByteArray status()
     return line({{QStringLiteral("document"), document->filePath()},
                  {QStringLiteral("finished"), counts.finishedCount()},
                  {QStringLiteral("target"), counts.targetCount()}});
+}
+
+/// Hands its clients, which are its children, on as they are let in. Kept as pending ones, they
+/// would set it accepting again.
+class Server : public QTcpServer
+{
+public:
+    explicit Server(const std::function<void(QTcpSocket*)>& welcome) : _welcome(welcome) {}
+
+protected:
+    void incomingConnection(qintptr descriptor) override
+    {
+        auto* client = new QTcpSocket(this);
+        client->setSocketDescriptor(descriptor);
+        _welcome(client);
+    }
+
+private:
+    const std::function<void(QTcpSocket*)> _welcome;
+};
+
+bool isDescriptorFree()
+{
+    return QFile(QProcess::nullDevice()).open(QIODevice::ReadOnly);
 }
 
 void sendAway(QTcpSocket* client, const QByteArray& farewell)
@@ -73,7 +105,7 @@ void TriggerChannel::start()
     bool isNumber = false;
     const int port = setting.toInt(&isNumber);
 
-    auto server = std::make_unique<QTcpServer>();
+    auto server = std::make_unique<Server>([this](QTcpSocket* client) { welcome(client); });
     Core::ConsoleSingleton& console = Core::ConsoleSingleton::instance();
     if (!isNumber || port < 0 || port > 0xffff) {
         console.warning("TriggerChannel::start: %s is no port",
@@ -87,18 +119,38 @@ void TriggerChannel::start()
     }
     console.log("TriggerChannel::start: listening on port %d", int(server->serverPort()));
     _server = std::move(server);
-    QObject::connect(_server.get(), &QTcpServer::newConnection, _server.get(), [this] {
-        while (QTcpSocket* client = _server->nextPendingConnection())
-            welcome(client);
-    });
+    // Left to itself, the server tries again at once and for ever when there is no descriptor for a
+    // client, or never again, as its first failure was.
+    _server->pauseAccepting();
+    _knocking =
+        std::make_unique<QSocketNotifier>(_server->socketDescriptor(), QSocketNotifier::Read);
+    QObject::connect(_knocking.get(), &QSocketNotifier::activated, _server.get(),
+                     [this] { letIn(); });
 }
 
 void TriggerChannel::stop()
 {
     if (!_server)
         return;
+    _knocking.reset();
     _server.reset();
     Core::ConsoleSingleton::instance().log("TriggerChannel::stop: no longer listening");
+}
+
+void TriggerChannel::letIn()
+{
+    if (isDescriptorFree()) {
+        _isOutOfDescriptors = false;
+        _server->waitForNewConnection(0);
+        return;
+    }
+    if (!_isOutOfDescriptors) {
+        Core::ConsoleSingleton::instance().warning(
+            "TriggerChannel::letIn: no client can be let in until descriptors are free");
+    }
+    _isOutOfDescriptors = true;
+    _knocking->setEnabled(false);
+    QTimer::singleShot(patience, _knocking.get(), [this] { _knocking->setEnabled(true); });
 }
 
 void TriggerChannel::welcome(QTcpSocket* client)

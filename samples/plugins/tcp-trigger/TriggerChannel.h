@@ -5,6 +5,7 @@
 #include <memory>
 
 class QByteArray;
+class QSocketNotifier;
 class QTcpServer;
 class QTcpSocket;
 
@@ -13,7 +14,8 @@ class QTcpSocket;
 ///
 /// The one request is `status`; its answer is one line of JSON: {"document": the path or null,
 /// "finished": a number, "target": a number}. To any other line the answer is {"error": a text}.
-/// Lines end with a line feed, with or without a carriage return before it.
+/// Lines end with a line feed, with or without a carriage return before it. A client that has said
+/// all that it has to say, and closes its end, is answered and sent away.
 class TriggerChannel : public App::CommInfo
 {
 public:
@@ -27,9 +29,13 @@ public:
     void stop() override;
 
 private:
+    void letIn();
     void welcome(QTcpSocket* client);
     void answerLines(QTcpSocket* client);
 
     /// There while the channel is started; its clients are its children.
     std::unique_ptr<QTcpServer> _server;
+    /// Tells of clients that want to be let in.
+    std::unique_ptr<QSocketNotifier> _knocking;
+    bool _isOutOfDescriptors = false;
 };
