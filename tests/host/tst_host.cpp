@@ -1,6 +1,7 @@
 #include <support/Files.h>
 #include <support/Host.h>
 
+#include <host/InterruptWatcher.h>
 #include <netdiag/SystemTools.h>
 
 #include <QtTest>
@@ -8,6 +9,7 @@
 #include <QRegularExpression>
 
 #ifdef Q_OS_UNIX
+#include <csignal>
 #include <signal.h>
 #endif
 
@@ -250,6 +252,24 @@ log: destruct application.)"_s;
         QSKIP("no way here to interrupt one process");
 #endif
     }
+
+#ifdef Q_OS_UNIX
+    void interruptWatcher()
+    {
+        const auto handler = [](int) {};
+        const auto formerly = std::signal(SIGTERM, handler);
+        std::signal(SIGHUP, SIG_IGN);
+        int interrupts = 0;
+        {
+            const Host::InterruptWatcher watcher([&interrupts] { ++interrupts; });
+            ::raise(SIGHUP);
+            ::raise(SIGTERM);
+            QTRY_COMPARE(interrupts, 1);
+        }
+        QVERIFY(std::signal(SIGHUP, SIG_DFL) == SIG_IGN);
+        QVERIFY(std::signal(SIGTERM, formerly) == handler);
+    }
+#endif
 
     void failingPlugin_data()
     {
