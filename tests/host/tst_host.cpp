@@ -190,7 +190,7 @@ log: destruct application.)"_s;
                                  << missing("ping", "iputils-ping");
         QTest::newRow("traced") << true << "trace --max-hops 3 slow" << 0
                                 << QStringList({QLatin1String(SystemTools::tracerouteMaxHops)}) +
-                                       words("3 slow complaint later")
+                                       words("3 slow complaint") + QStringList(" 1  later"_s)
                                 << none;
         QTest::newRow("no trace-route")
             << false << "trace here" << 1 << none << missing("trace-route", "traceroute");
