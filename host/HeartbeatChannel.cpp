@@ -4,9 +4,10 @@
 
 namespace Host {
 
-HeartbeatChannel::HeartbeatChannel(Report& report) : _report(report)
+HeartbeatChannel::HeartbeatChannel(Report& report, std::chrono::milliseconds interval)
+    : _report(report)
 {
-    _timer.setInterval(20);
+    _timer.setInterval(interval);
     QObject::connect(&_timer, &QTimer::timeout,
                      [this] { _report.line(name(), QStringLiteral("is alive")); });
 }

@@ -4,16 +4,18 @@
 
 #include <QTimer>
 
+#include <chrono>
+
 namespace Host {
 
 class Report;
 
-/// The least that a communication channel can be: while it is started it says, from the event
-/// loop, that it is alive.
+/// The least that a communication channel can be: while it is started it says at intervals, from
+/// the event loop, that it is alive.
 class HeartbeatChannel : public App::CommInfo
 {
 public:
-    explicit HeartbeatChannel(Report& report);
+    HeartbeatChannel(Report& report, std::chrono::milliseconds interval);
 
     QString name() const override;
     void start() override;

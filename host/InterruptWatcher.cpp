@@ -12,6 +12,7 @@
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
+#include <iterator>
 #include <unistd.h>
 #endif
 
@@ -86,6 +87,7 @@ struct InterruptWatcher::Private
 {
     int pipe[2] = {-1, -1};
     std::unique_ptr<QSocketNotifier> notifier;
+    struct sigaction formerActions[std::size(watchedSignals)];
 };
 
 InterruptWatcher::InterruptWatcher(std::function<void()> onInterrupt)
@@ -105,16 +107,25 @@ InterruptWatcher::InterruptWatcher(std::function<void()> onInterrupt)
                          if (::read(d->pipe[0], &byte, 1) == 1)
                              onInterrupt();
                      });
-    for (const int signal : watchedSignals)
-        std::signal(signal, handleInterrupt);
+    struct sigaction action = {};
+    action.sa_handler = handleInterrupt;
+    action.sa_flags = SA_RESTART;
+    struct sigaction* former = d->formerActions;
+    for (const int signal : watchedSignals) {
+        ::sigaction(signal, nullptr, former);
+        if (former->sa_handler != SIG_IGN)
+            ::sigaction(signal, &action, nullptr);
+        ++former;
+    }
 }
 
 InterruptWatcher::~InterruptWatcher()
 {
     if (!d->notifier)
         return;
+    const struct sigaction* former = d->formerActions;
     for (const int signal : watchedSignals)
-        std::signal(signal, SIG_DFL);
+        ::sigaction(signal, former++, nullptr);
     d->notifier.reset();
     pipeToWrite = -1;
     ::close(d->pipe[0]);

@@ -3,18 +3,26 @@
 #include "CommandLine.h"
 #include "InterruptWatcher.h"
 #include "Output.h"
+#include "ProcessEndWatcher.h"
 
 #include <app/Application.h>
 #include <netdiag/PingProcess.h>
+#include <netdiag/SystemTools.h>
 #include <netdiag/TracerouteProcess.h>
 #include <ovcore/Settings.h>
 #include <system/ProcessInterrupt.h>
 
 #include <QCommandLineParser>
+#include <QCoreApplication>
 #include <QEventLoop>
+#include <QFile>
+#include <QRegularExpression>
+#include <QStandardPaths>
 #include <QTemporaryDir>
+#include <QTimer>
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 
 namespace Host {
@@ -64,11 +72,28 @@ bool print(QByteArray text)
     return write(stdout, text.replace('\r', QByteArray()));
 }
 
-int failToLaunch(const QString& tool, const QString& package)
+/// Why no more files can be opened, of which the launch of a tool takes some; empty when they can.
+/// Qt does not pass that on.
+QString problemWithFiles()
 {
-    return fail(JobFailed, QStringLiteral("the system's %1 tool cannot be launched; on Debian the "
-                                          "package %2 brings it")
-                               .arg(tool, package));
+    std::array<QFile, 12> files;
+    for (QFile& file : files) {
+        file.setFileName(QCoreApplication::applicationFilePath());
+        if (!file.open(QIODevice::ReadOnly))
+            return file.errorString();
+    }
+    return {};
+}
+
+/// `name` is what the tool is called, `program` what is launched.
+int failToLaunch(const QString& name, const QString& program, const QString& package)
+{
+    const QString message = QStringLiteral("the system's %1 tool cannot be launched").arg(name);
+    if (QStandardPaths::findExecutable(program).isEmpty())
+        return fail(JobFailed,
+                    QStringLiteral("%1; on Debian the package %2 brings it").arg(message, package));
+    const QString problem = problemWithFiles();
+    return fail(JobFailed, problem.isEmpty() ? message : message + QLatin1String(": ") + problem);
 }
 
 int runPing(const QString& host, int count)
@@ -104,9 +129,12 @@ int runPing(const QString& host, int count)
     if (launched)
         loop.exec();
     if (!launched)
-        return failToLaunch(QStringLiteral("ping"), QStringLiteral("iputils-ping"));
+        return failToLaunch(QStringLiteral("ping"), process.program(),
+                            QStringLiteral("iputils-ping"));
     if (process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0)
         return Success;
+    if (process.exitStatus() == QProcess::CrashExit)
+        return fail(JobFailed, QStringLiteral("the ping tool was ended before it was done"));
     complaint = complaint.trimmed();
     return fail(JobFailed, complaint.isEmpty()
                                ? QStringLiteral("%1 did not answer").arg(quoted(host))
@@ -117,30 +145,47 @@ int runTrace(const QString& host, int maxHops)
 {
     TracerouteProcess process;
     QEventLoop loop;
-    QByteArray::size_type printed = 0;
+    QByteArray report;
     const auto printNews = [&] {
-        const QByteArray report = process.readAllStandardOutput();
-        if (!print(report.mid(printed)))
-            loop.quit();
-        printed = report.size();
+        const auto printed = report.size();
+        report = process.readAllStandardOutput();
+        return print(report.mid(printed));
     };
-    QObject::connect(&process, &TracerouteProcess::readyReadStandardOutput, printNews);
-    QObject::connect(&process, &TracerouteProcess::finished, &loop, &QEventLoop::quit);
-    bool interrupted = false;
-    // The tool is no child of this process, so the keyboard's interrupt does not reach it.
-    const InterruptWatcher watcher([&] {
+    // The tool is no child of this process, so the keyboard's interrupt does not reach it. What it
+    // has yet to say comes at once or, where it cannot be interrupted, not at all.
+    const auto endTool = [&] {
         System::interruptProcess(process.toolProcessId());
+        QTimer::singleShot(500, &loop, &QEventLoop::quit);
+    };
+    QObject::connect(&process, &TracerouteProcess::readyReadStandardOutput, [&] {
+        if (!printNews())
+            endTool();
+    });
+    bool interrupted = false;
+    const InterruptWatcher interruptWatcher([&] {
         interrupted = true;
-        loop.quit();
+        endTool();
     });
 
     process.setMaxHops(maxHops);
     process.doTraceroute(host);
     if (process.toolProcessId() == 0)
-        return failToLaunch(QStringLiteral("trace-route"), QStringLiteral("traceroute"));
+        return failToLaunch(QStringLiteral("trace-route"), QLatin1String(SystemTools::traceroute),
+                            QStringLiteral("traceroute"));
+    const ProcessEndWatcher endWatcher(process.toolProcessId(), [&loop] { loop.quit(); });
+    if (!endWatcher.isWatching())
+        QObject::connect(&process, &TracerouteProcess::finished, &loop, &QEventLoop::quit);
     loop.exec();
+    // The file's watcher may be behind the tool's end.
     printNews();
-    return interrupted ? fail(JobFailed, QStringLiteral("interrupted")) : Success;
+    if (std::ferror(stdout))
+        return Success; // as far as the tool is concerned
+    if (interrupted)
+        return fail(JobFailed, QStringLiteral("interrupted"));
+    const QRegularExpression hop(QStringLiteral("^ +[0-9]+ "), QRegularExpression::MultilineOption);
+    if (!hop.match(QString::fromLocal8Bit(report)).hasMatch())
+        return fail(JobFailed, QStringLiteral("no hop to %1 has been found").arg(quoted(host)));
+    return Success;
 }
 
 /// Does one job with the library up, keeping nothing.
@@ -183,10 +228,8 @@ int trace(const QStringList& arguments)
                                     QStringLiteral("N"));
     QString host;
     int maxHops = 10;
-    if (const std::optional<int> status = read(arguments,
-                                               QStringLiteral("Traces the route to a host. Ends "
-                                                              "seven seconds after the last news."),
-                                               option, 1, host, maxHops))
+    if (const std::optional<int> status = read(
+            arguments, QStringLiteral("Traces the route to a host."), option, 1, host, maxHops))
         return *status;
     return withLibrary([&] { return runTrace(host, maxHops); });
 }

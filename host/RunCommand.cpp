@@ -29,6 +29,9 @@
 #include <QPluginLoader>
 #include <QTimer>
 
+#include <chrono>
+#include <cstdio>
+#include <limits>
 #include <memory>
 #include <optional>
 
@@ -54,7 +57,9 @@ void changeDocument(Doc::Document* document, SessionReceiver& receiver)
     Doc::Transaction transaction(QStringLiteral("Finish a piece"));
     const QSharedPointer<Doc::DocObject> object = document->storage()->queryDocObjectDirect();
     Laser::PrintCountParams counts = object->printCountData();
-    counts.setFinishedCount(counts.finishedCount() + 1);
+    // A counter that is full stays full.
+    if (counts.finishedCount() < std::numeric_limits<int>::max())
+        counts.setFinishedCount(counts.finishedCount() + 1);
     object->setPrintCountData(counts);
 
     application.notifyTransactionListeners(document, &transaction);
@@ -73,16 +78,26 @@ void changeDocument(Doc::Document* document, SessionReceiver& receiver)
 /// Keeps the channels started until an interrupt if they are to `stay`, else for some heartbeats.
 void runChannels(bool stay, Report& report)
 {
+    using namespace std::chrono_literals;
     App::CommInfoRegistry& channels = *App::CommInfoRegistry::instance();
-    HeartbeatChannel heartbeat(report);
+    HeartbeatChannel heartbeat(report, stay ? 1s : 20ms);
     channels.registerCommInfo(&heartbeat);
     channels.start();
     QEventLoop loop;
     std::optional<InterruptWatcher> watcher;
-    if (stay)
+    QTimer readerTimer;
+    if (stay) {
+        report.line(host, QStringLiteral("keeps the channels started until Ctrl+C"));
         watcher.emplace([&loop] { loop.quit(); });
-    else
-        QTimer::singleShot(70, &loop, &QEventLoop::quit);
+        QObject::connect(&readerTimer, &QTimer::timeout, &loop, [&loop] {
+            // When nobody reads the report any more, there is nobody to stay for.
+            if (std::ferror(stdout))
+                loop.quit();
+        });
+        readerTimer.start(1s);
+    } else {
+        QTimer::singleShot(70ms, &loop, &QEventLoop::quit);
+    }
     loop.exec();
     watcher.reset();
     channels.stop();

@@ -1,5 +1,6 @@
 #include "CommandLine.h"
 #include "Output.h"
+#include "StandardChannels.h"
 #include "Utf8Console.h"
 
 #include <ovcore/Version.h>
@@ -10,6 +11,7 @@
 
 int main(int argc, char** argv)
 {
+    Host::secureStandardChannels();
     const Host::Utf8Console console;
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("ovapp-host"));

@@ -5,15 +5,19 @@
 #include <system/ProcessInterrupt.h>
 
 #include <limits>
+#include <utility>
 
 namespace {
 
-constexpr qint64 requestInterval = 1000; // milliseconds
+// In milliseconds.
+constexpr qint64 requestInterval = 1000;
+/// What a tool has until its first output. Looking up a name is given up sooner as a rule.
+constexpr int patience = 30000;
 
 } // namespace
 
 PingProcess::PingProcess(QObject* parent)
-    : QProcess(parent), _count(4), _packageSize(64), _limitTimer(this)
+    : QProcess(parent), _count(4), _packageSize(64), _limitFromOutput(0), _limitTimer(this)
 {
     _limitTimer.setSingleShot(true);
     _limitTimer.setTimerType(Qt::PreciseTimer);
@@ -22,8 +26,14 @@ PingProcess::PingProcess(QObject* parent)
     // The timer is the context, since the base class still changes its state while it is being
     // destroyed, when the timer is gone.
     connect(this, &QProcess::stateChanged, &_limitTimer, [this](ProcessState state) {
-        if (state == NotRunning)
+        if (state == NotRunning) {
+            _limitFromOutput = 0;
             _limitTimer.stop();
+        }
+    });
+    connect(this, &QProcess::readyReadStandardOutput, &_limitTimer, [this] {
+        if (_limitFromOutput > 0)
+            _limitTimer.start(std::exchange(_limitFromOutput, 0));
     });
 }
 
@@ -52,6 +62,8 @@ void PingProcess::limitRun()
     // count; half an interval more leaves time for its answer.
     const qint64 duration = _count * requestInterval - requestInterval / 2;
     // What no timer can hold, some 24 days, is as good as no limit.
-    if (_count > 0 && duration <= std::numeric_limits<int>::max())
-        _limitTimer.start(static_cast<int>(duration));
+    if (_count <= 0 || duration > std::numeric_limits<int>::max() - patience)
+        return;
+    _limitFromOutput = static_cast<int>(duration);
+    _limitTimer.start(patience + _limitFromOutput);
 }

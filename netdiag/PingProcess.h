@@ -27,8 +27,9 @@ public:
     /// How many requests a run may send, one a second; 4 by default, no limit when it is 0 or
     /// less. It does not reach the tool's command line: where the tool runs until it is stopped,
     /// the run is interrupted half a second after the last of them, so that the tool still prints
-    /// its summary, and where it ends by itself (Windows) the tool's own number holds. The next
-    /// `doPing` uses it.
+    /// its summary, and where it ends by itself (Windows) the tool's own number holds. The seconds
+    /// count from the tool's first output, since it looks up the host's name before; a tool that
+    /// prints nothing has half a minute more. The next `doPing` uses it.
     void setCount(int count);
     /// The size of a request in bytes, 64 by default. No run uses it: requests have the tool's
     /// own size.
@@ -43,5 +44,8 @@ private:
 
     int _count;
     int _packageSize;
+    /// How long the run may take from the tool's first output, in milliseconds; 0 from then on,
+    /// and when there is no limit.
+    int _limitFromOutput;
     QTimer _limitTimer;
 };

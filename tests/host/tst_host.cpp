@@ -1,6 +1,7 @@
 #include <support/Files.h>
 #include <support/Host.h>
 
+#include <host/InterruptWatcher.h>
 #include <netdiag/SystemTools.h>
 
 #include <QtTest>
@@ -8,6 +9,7 @@
 #include <QRegularExpression>
 
 #ifdef Q_OS_UNIX
+#include <csignal>
 #include <signal.h>
 #endif
 
@@ -118,6 +120,17 @@ log: destruct application.)"_s;
                  "the library was not taken down");
     }
 
+    void fullCounter()
+    {
+        const QString path = _directory.filePath("full.ovdoc"_s);
+        writeFile(path, R"({"format": "ovdoc", "version": 1,
+                            "printCount": {"finished": 2147483647, "target": 0}})");
+        const Outcome outcome =
+            runHost({"run"_s, "--app-dir"_s, _directory.path(), "--document"_s, path});
+        QCOMPARE(outcome.status, 0);
+        QVERIFY(outcome.output.filter("changed in"_s).first().contains("2147483647 of 0"_s));
+    }
+
     void usage_data()
     {
         QTest::addColumn<QStringList>("arguments");
@@ -184,17 +197,20 @@ log: destruct application.)"_s;
                                "Debian the package %2 brings it"_s.arg(QLatin1String(tool),
                                                                        QLatin1String(package)));
         };
-        QTest::newRow("answered") << true << "ping here" << 0 << words("here") << none;
+        QTest::newRow("answered") << true << "ping --count 0 here" << 0 << words("here") << none;
         QTest::newRow("until the count")
             << true << "ping --count 1 endless" << 0 << words("endless summary") << none;
         QTest::newRow("not answered") << true << "ping unanswered" << 1 << words("unanswered")
                                       << QStringList("ovapp-host: complaint"_s);
         QTest::newRow("no ping") << false << "ping here" << 1 << none
                                  << missing("ping", "iputils-ping");
-        QTest::newRow("traced") << true << "trace --max-hops 3 slow" << 0
-                                << QStringList({QLatin1String(SystemTools::tracerouteMaxHops)}) +
-                                       words("3 slow complaint later")
+        const QStringList hops(QLatin1String(SystemTools::tracerouteMaxHops));
+        QTest::newRow("traced") << true << "trace --max-hops 1 slow" << 0
+                                << hops + words("1 slow complaint") + QStringList(" 1  later"_s)
                                 << none;
+        QTest::newRow("not traced")
+            << true << "trace here" << 1 << hops + words("10 here complaint")
+            << QStringList("ovapp-host: no hop to 'here' has been found"_s);
         QTest::newRow("no trace-route")
             << false << "trace here" << 1 << none << missing("trace-route", "traceroute");
     }
@@ -203,7 +219,7 @@ log: destruct application.)"_s;
     {
         QFETCH(bool, installed);
         QFETCH(QString, arguments);
-        if (arguments.contains("--count"_s) && !SystemTools::pingRunsUntilStopped)
+        if (arguments.contains("endless"_s) && !SystemTools::pingRunsUntilStopped)
             QSKIP("The tool of this system ends by itself");
         if (!installed && Tools::isAlwaysFound(arguments.startsWith("ping"_s)
                                                    ? QLatin1String(SystemTools::ping)
@@ -211,50 +227,129 @@ log: destruct application.)"_s;
             QSKIP("This system's own tool cannot be hidden");
         Tools::findIn(installed ? QStringLiteral(STAND_IN_DIR)
                                 : QCoreApplication::applicationDirPath());
+        QElapsedTimer elapsed;
+        elapsed.start();
         const Outcome outcome = runHost(words(qPrintable(arguments)));
+        // A trace is done when its tool is, not when its report has been quiet for a while.
+        QVERIFY(elapsed.elapsed() < 5000);
         QTEST(outcome.status, "status");
         QTEST(outcome.output, "output");
         QTEST(outcome.errors, "errors");
     }
 
+#ifdef Q_OS_UNIX
     void interrupt_data()
     {
         QTest::addColumn<QString>("arguments");
-        QTest::addColumn<QByteArray>("sign");
-        QTest::addColumn<int>("signs");
+        QTest::addColumn<QString>("sign"); ///< that it is time for the signals
+        QTest::addColumn<QList<int>>("signalsSent");
         QTest::addColumn<QString>("lastLine");
         QTest::addColumn<int>("status");
-        QTest::newRow("ping") << "ping endless" << QByteArray("endless") << 1 << "summary" << 0;
-        QTest::newRow("trace") << "trace endless" << QByteArray("endless") << 1 << "summary" << 1;
-        // More beats than there is time for without the option.
-        QTest::newRow("session") << "run --stay --app-dir %1 --plugins %1" << QByteArray("is alive")
-                                 << 10 << "destruct application." << 0;
+        using Signals = QList<int>;
+        QTest::newRow("ping") << "ping endless"
+                              << "endless" << Signals{SIGINT} << "summary" << 0;
+        QTest::newRow("ping that goes on")
+            << "ping stubborn"
+            << "stubborn" << Signals{SIGINT, SIGTERM} << "stubborn" << 1;
+        QTest::newRow("trace") << "trace endless"
+                               << "endless" << Signals{SIGHUP} << "summary" << 1;
+        // There is about a beat a second.
+        QTest::newRow("session") << "run --stay --app-dir %1 --plugins %1"
+                                 << "[0-9]{4} ms  heartbeat channel +is alive" << Signals{SIGTERM}
+                                 << "destruct application." << 0;
     }
 
     void interrupt()
     {
-#ifdef Q_OS_UNIX
         QFETCH(QString, arguments);
-        QFETCH(QByteArray, sign);
-        QFETCH(int, signs);
+        QFETCH(QString, sign);
+        QFETCH(QList<int>, signalsSent);
         QFETCH(QString, lastLine);
         Tools::findIn(QStringLiteral(STAND_IN_DIR));
         QProcess host;
         host.start(QStringLiteral(OVAPP_HOST),
                    words(qPrintable(arguments)).replaceInStrings("%1"_s, _directory.path()));
-        while (host.peek(100000).count(sign) < signs)
+        while (!QString::fromUtf8(host.peek(100000)).contains(QRegularExpression(sign)))
             QVERIFY(host.waitForReadyRead());
         QElapsedTimer elapsed;
         elapsed.start();
-        QCOMPARE(::kill(static_cast<pid_t>(host.processId()), SIGINT), 0);
+        for (const int signalSent : signalsSent)
+            QCOMPARE(::kill(static_cast<pid_t>(host.processId()), signalSent), 0);
         const Outcome outcome = outcomeOf(host);
         QTEST(outcome.status, "status");
         QVERIFY(elapsed.elapsed() < 2000);
-        QCOMPARE(outcome.output.last().endsWith(lastLine), outcome.status == 0);
-#else
-        QSKIP("no way here to interrupt one process");
-#endif
+        QVERIFY2(outcome.output.last().endsWith(lastLine), qPrintable(outcome.output.last()));
+        QVERIFY(outcome.output.filter("is alive"_s).size() < 10);
     }
+
+    void interruptWatcher()
+    {
+        const auto handler = [](int) {};
+        const auto formerly = std::signal(SIGTERM, handler);
+        std::signal(SIGHUP, SIG_IGN);
+        int interrupts = 0;
+        {
+            const Host::InterruptWatcher watcher([&interrupts] { ++interrupts; });
+            ::raise(SIGHUP);
+            ::raise(SIGTERM);
+            QTRY_COMPARE(interrupts, 1);
+        }
+        QVERIFY(std::signal(SIGHUP, SIG_DFL) == SIG_IGN);
+        QVERIFY(std::signal(SIGTERM, formerly) == handler);
+    }
+
+    void poorShell_data()
+    {
+        QTest::addColumn<QString>("script");
+        QTest::addColumn<QString>("arguments");
+        QTest::addColumn<QStringList>("errors");
+        const QStringList written("ovapp-host: standard output cannot be written to"_s);
+        QTest::newRow("full") << R"(("$@"; echo $? >&2) >/dev/full)"
+                              << "--version" << written;
+        const QString unread = R"(("$@"; echo $? >&2) | :)"_s;
+        QTest::newRow("unread ping") << unread << "ping --count 0 late" << written;
+        QTest::newRow("unread trace") << unread << "trace late" << written;
+        QTest::newRow("unread session")
+            << unread << "run --stay --app-dir %1 --plugins %1" << written;
+        QTest::newRow("closed") << R"(("$@" <&- >&- 2>&-); echo $? >&2)"
+                                << "run --app-dir %1 --plugins %1" << QStringList();
+        QTest::newRow("no descriptors")
+            << R"((ulimit -n 10; exec "$@"); echo $? >&2)"
+            << "trace here"
+            << QStringList("ovapp-host: the system's trace-route tool cannot be launched: "
+                           "Too many open files"_s);
+    }
+
+    /// What a shell can do to a program. Nothing is left behind.
+    void poorShell()
+    {
+        QFETCH(QString, script);
+        QFETCH(QString, arguments);
+        QFETCH(QStringList, errors);
+        Tools::findIn(QStringLiteral(STAND_IN_DIR));
+        const QTemporaryDir directory;
+        writeFile(directory.filePath("ovapp.ini"_s), "[Debug]\nfile=true\n");
+        const QTemporaryDir temporary;
+        const auto formerly = qgetenv("TMPDIR");
+        qputenv("TMPDIR", QFile::encodeName(temporary.path()));
+        QProcess shell;
+        shell.setWorkingDirectory(directory.path());
+        shell.start("/bin/sh"_s,
+                    QStringList{"-c"_s, script, "sh"_s, QStringLiteral(OVAPP_HOST)} +
+                        words(qPrintable(arguments)).replaceInStrings("%1"_s, directory.path()));
+        const Outcome outcome = outcomeOf(shell);
+        formerly.isNull() ? qunsetenv("TMPDIR") : qputenv("TMPDIR", formerly);
+
+        QCOMPARE(outcome.errors, errors + QStringList("1"_s));
+        QVERIFY(QDir(temporary.path()).isEmpty());
+        const QByteArray log = contentOf(directory.filePath("log.txt"_s));
+        QVERIFY2(!log.contains(" ms "), log);
+        for (const QString& process : QDir("/proc"_s).entryList(QDir::Dirs)) {
+            QVERIFY2(QFile::symLinkTarget("/proc/"_s + process + "/cwd"_s) != directory.path(),
+                     "a process goes on");
+        }
+    }
+#endif
 
     void failingPlugin_data()
     {

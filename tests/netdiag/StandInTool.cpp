@@ -14,23 +14,39 @@ static void say(std::FILE* channel, const char* line)
     std::fflush(channel);
 }
 
+static void waitForInterrupt(std::chrono::milliseconds limit)
+{
+    const auto end = std::chrono::steady_clock::now() + limit;
+    while (!isInterrupted && std::chrono::steady_clock::now() < end)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+}
+
 int main(int argc, char* argv[])
 {
-    std::signal(SIGINT, [](int) { isInterrupted = 1; });
-
+    using namespace std::chrono_literals;
     const char* host = argc > 1 ? argv[argc - 1] : "";
-    if (std::strcmp(host, "silent") == 0)
+    const auto is = [host](const char* name) { return std::strcmp(host, name) == 0; };
+    if (is("stubborn"))
+        std::signal(SIGINT, SIG_IGN);
+    else
+        std::signal(SIGINT, [](int) { isInterrupted = 1; });
+
+    if (is("silent"))
         return 0;
+    if (is("late"))
+        waitForInterrupt(1s);
     for (int i = 1; i < argc; ++i)
         say(stdout, argv[i]);
     say(stderr, "complaint");
 
-    const bool isEndless = std::strcmp(host, "endless") == 0;
-    if (isEndless || std::strcmp(host, "slow") == 0) {
-        // Half a minute, so that no test leaves one behind, or half a second.
-        for (int i = 0; i < (isEndless ? 3000 : 50) && !isInterrupted; ++i)
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        say(stdout, isEndless ? "summary" : "later");
+    if (is("slow")) {
+        waitForInterrupt(500ms);
+        say(stdout, " 1  later");
     }
-    return std::strcmp(host, "unanswered") == 0 ? 1 : 0;
+    if (is("endless") || is("late") || is("stubborn")) {
+        // Not quite, so that no test leaves one behind.
+        waitForInterrupt(30s);
+        say(stdout, "summary");
+    }
+    return is("unanswered") ? 1 : 0;
 }

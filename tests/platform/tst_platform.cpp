@@ -9,6 +9,7 @@
 #include <ovdoc/Storage.h>
 #include <ovdoc/Transaction.h>
 #include <ovshape/FontDatabase.h>
+#include <system/ProcessInterrupt.h>
 #include <system/SettingsLock.h>
 
 #include <QtTest>
@@ -21,6 +22,7 @@
 #ifdef Q_OS_UNIX
 #include <csignal>
 #include <sys/resource.h>
+#include <unistd.h>
 #endif
 
 using Core::ConsoleSingleton;
@@ -76,6 +78,21 @@ class tst_platform : public QObject
     static const std::pair<QByteArray, QByteArray> changes[2];
 
 private Q_SLOTS:
+#ifdef Q_OS_UNIX
+    void processInterrupt()
+    {
+        // It would be sent to this group of one, which lives through it.
+        QCOMPARE(::setpgid(0, 0), 0);
+        static volatile std::sig_atomic_t isInterrupted = 0;
+        const auto formerly = std::signal(SIGINT, [](int) { isInterrupted = 1; });
+        QVERIFY(!System::interruptProcess(0));
+        QVERIFY(!isInterrupted);
+        QVERIFY(System::interruptProcess(QCoreApplication::applicationPid()));
+        QVERIFY(isInterrupted);
+        std::signal(SIGINT, formerly);
+    }
+#endif
+
     void settings()
     {
         const QTemporaryDir directory;
