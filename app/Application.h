@@ -56,7 +56,9 @@ class OVAPP_EXPORT Application
 public:
     /// Brings the program up, on an existing `QCoreApplication`: the keep-awake request, settings,
     /// log file, this object, the lower libraries, the two registries, backup and clipboard, in
-    /// this order. Call it once, before any other operation of the library.
+    /// this order. Call it once, before any other operation of the library. From here to
+    /// `destruct` the computer does not go to sleep, as far as the system allows it: see
+    /// <system/ExecutionState.h>.
     static void init();
     /// Takes everything down again, nearly in the reverse order, and this object last. Call it
     /// once, at exit; nothing of the library may be called after it. Neither the active document
