@@ -323,7 +323,10 @@ private Q_SLOTS:
         write(last);
         write(plugin);
 
+        const QDir openFiles("/proc/self/fd"_s);
+        const auto openCount = openFiles.count();
         PluginLoader::loadPlugins(true);
+        QCOMPARE(openFiles.count(), openCount);
         // All but the links that lead to no file, and the directory.
         QVERIFY(PluginLoader::pluginCount() >= number - firstNumber - 6);
         QCOMPARE(RecordingPlugin::takeCalls(),
