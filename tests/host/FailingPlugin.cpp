@@ -38,6 +38,7 @@ private:
     static void passMoment(const char* moment)
     {
         std::puts(moment);
+        std::fflush(stdout);
         QByteArray way;
         for (const volatile char& letter : wayOfFailing)
             way += letter;

@@ -396,6 +396,28 @@ log: destruct application.)"_s;
         QCOMPARE(accepted.errors, words("loaded asked asked started stopped unloaded"));
     }
 
+    void endOfParent()
+    {
+#ifdef Q_OS_LINUX
+        const QTemporaryDir directory;
+        writeFailingPlugin(directory.filePath("hang.dll"_s), "loaded hang");
+        QProcess host;
+        host.setReadChannel(QProcess::StandardError);
+        host.start(
+            QStringLiteral(OVAPP_HOST),
+            words("plugins --app-dir %1 --plugins %1").replaceInStrings("%1"_s, directory.path()));
+        QVERIFY(host.waitForReadyRead());
+        const QByteArray child = contentOf("/proc/%1/task/%1/children"_s.arg(host.processId()));
+        const QString command = "/proc/%1/cmdline"_s.arg(child.toInt());
+        QVERIFY(contentOf(command).contains("hang.dll"));
+        host.kill();
+        QVERIFY(host.waitForFinished());
+        QTRY_COMPARE(contentOf(command), QByteArray());
+#else
+        QSKIP("no way here to find the process that examines the plug-in");
+#endif
+    }
+
     void endOfSession_data()
     {
         QTest::addColumn<QByteArray>("way");
