@@ -63,7 +63,7 @@ Figures loadThroughLoader(const QString& directory)
     return figures;
 }
 
-/// Asks each plug-in what the loader asks it.
+/// Asks each plug-in what the loader asks it, and the system for every symbol, as the loader does.
 Figures loadInBareLoop(const QString& directory)
 {
     Figures figures;
@@ -74,6 +74,7 @@ Figures loadInBareLoop(const QString& directory)
     const QStringList files = sortedFiles(directory);
     for (const QString& file : files) {
         auto loader = std::make_unique<QPluginLoader>(file);
+        loader->setLoadHints(loader->loadHints() | QLibrary::ResolveAllSymbolsHint);
         auto* plugin = qobject_cast<App::PluginInterface*>(loader->instance());
         if (!plugin || !(plugin->supportedBoardTypes() & 1) || !plugin->pluginID())
             continue;

@@ -1,5 +1,6 @@
 #include "CommandLine.h"
 
+#include "ExaminePlugin.h"
 #include "NetworkCommands.h"
 #include "Output.h"
 #include "PluginsCommand.h"
@@ -16,6 +17,7 @@ namespace Host {
 
 namespace {
 
+/// One without a summary is for the host itself, and is listed nowhere.
 struct Command
 {
     QLatin1String name;
@@ -27,6 +29,7 @@ const Command commands[] = {
     {QLatin1String("run"), QLatin1String("run a whole session and print what happens in it"), run},
     {QLatin1String("plugins"), QLatin1String("list the plug-in files and what becomes of them"),
      plugins},
+    {QLatin1String("examine-plugin"), QLatin1String(), examinePlugin},
     {QLatin1String("ping"), QLatin1String("see whether a host answers"), ping},
     {QLatin1String("trace"), QLatin1String("trace the route to a host"), trace},
 };
@@ -35,8 +38,10 @@ QString commandList()
 {
     QString text = QStringLiteral("Runs the application layer without a user interface.\n\n"
                                   "Commands (ovapp-host COMMAND --help says more):");
-    for (const Command& command : commands)
-        text += QStringLiteral("\n  %1  %2").arg(command.name, -8).arg(command.summary);
+    for (const Command& command : commands) {
+        if (command.summary.size() > 0)
+            text += QStringLiteral("\n  %1  %2").arg(command.name, -8).arg(command.summary);
+    }
     return text;
 }
 

@@ -1,9 +1,13 @@
 #include "LastWords.h"
 
+#include "Crash.h"
+#include "Output.h"
+
 #include <atomic>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <exception>
 
 #ifdef Q_OS_WIN
@@ -16,32 +20,32 @@ namespace Host {
 
 namespace {
 
+/// Null while there is nothing to say. A crash may be anywhere, so no more than this is touched.
+std::atomic<const QByteArray*> wordsToSay{nullptr};
+std::terminate_handler formerTerminateHandler = nullptr;
 #ifdef Q_OS_WIN
-/// The others would be asked for on each thread anew.
-constexpr int crashes[] = {SIGABRT};
 LPTOP_LEVEL_EXCEPTION_FILTER formerFilter = nullptr;
-#else
-constexpr int crashes[] = {SIGABRT, SIGBUS, SIGFPE, SIGILL, SIGSEGV};
 #endif
 
-/// Null while there is nothing to say. A crash may be anywhere, so no more than these is touched.
-std::atomic<const QByteArray*> wordsToSay{nullptr};
-std::atomic<int> statusToEndWith{0};
-std::terminate_handler formerTerminateHandler = nullptr;
+void writeError(const char* text, std::size_t size)
+{
+#ifdef Q_OS_WIN
+    DWORD written = 0;
+    WriteFile(GetStdHandle(STD_ERROR_HANDLE), text, static_cast<DWORD>(size), &written, nullptr);
+#else
+    [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, text, size);
+#endif
+}
 
-[[noreturn]] void sayAndEnd()
+[[noreturn]] void sayAndEnd(const char* ending)
 {
     if (const QByteArray* words = wordsToSay.exchange(nullptr)) {
-#ifdef Q_OS_WIN
-        DWORD written = 0;
-        WriteFile(GetStdHandle(STD_ERROR_HANDLE), words->constData(),
-                  static_cast<DWORD>(words->size()), &written, nullptr);
-#else
-        [[maybe_unused]] const ssize_t written =
-            ::write(STDERR_FILENO, words->constData(), static_cast<std::size_t>(words->size()));
-#endif
+        constexpr char beginning[] = "ovapp-host: ended by ";
+        writeError(beginning, sizeof beginning - 1);
+        writeError(ending, std::strlen(ending));
+        writeError(words->constData(), static_cast<std::size_t>(words->size()));
     }
-    std::_Exit(statusToEndWith);
+    std::_Exit(JobFailed);
 }
 
 void sayAtExit()
@@ -49,33 +53,77 @@ void sayAtExit()
     if (!wordsToSay)
         return;
     std::fflush(nullptr);
-    sayAndEnd();
+    sayAndEnd("a call of exit");
+}
+
+void handleSignal(int signal)
+{
+    const CrashSignal* crash = crashSignals;
+    while (crash->name && crash->number != signal)
+        ++crash;
+    sayAndEnd(crash->name ? crash->name : "a signal");
+}
+
+#ifndef Q_OS_WIN
+/// A stack that has overflown has no room for a handler.
+void makeRoomForHandlers()
+{
+    static char room[1 << 16];
+    stack_t stack = {};
+    if (::sigaltstack(nullptr, &stack) != 0 || !(stack.ss_flags & SS_DISABLE))
+        return;
+    stack.ss_sp = room;
+    stack.ss_size = sizeof room;
+    stack.ss_flags = 0;
+    ::sigaltstack(&stack, nullptr);
+}
+#endif
+
+void handle(int signal)
+{
+#ifdef Q_OS_WIN
+    std::signal(signal, handleSignal);
+#else
+    struct sigaction action = {};
+    action.sa_handler = handleSignal;
+    action.sa_flags = SA_ONSTACK;
+    ::sigaction(signal, &action, nullptr);
+#endif
 }
 
 } // namespace
 
-LastWords::LastWords(const QByteArray& words, int status) : _words(words)
+LastWords::LastWords()
 {
     [[maybe_unused]] static const int registered = std::atexit(sayAtExit);
-    statusToEndWith = status;
-    wordsToSay = &_words;
-    formerTerminateHandler = std::set_terminate(sayAndEnd);
-    for (const int crash : crashes)
-        std::signal(crash, [](int) { sayAndEnd(); });
+    formerTerminateHandler =
+        std::set_terminate([] { sayAndEnd(onOneLine(uncaughtException()).toUtf8()); });
 #ifdef Q_OS_WIN
-    formerFilter = SetUnhandledExceptionFilter([](EXCEPTION_POINTERS*) -> LONG { sayAndEnd(); });
+    formerFilter = SetUnhandledExceptionFilter(
+        [](EXCEPTION_POINTERS*) -> LONG { sayAndEnd("an exception of the system"); });
+#else
+    makeRoomForHandlers();
 #endif
+    for (const CrashSignal* crash = crashSignals; crash->name; ++crash)
+        handle(crash->number);
 }
 
 LastWords::~LastWords()
 {
+    wordsToSay = nullptr;
+    for (const CrashSignal* crash = crashSignals; crash->name; ++crash)
+        std::signal(crash->number, SIG_DFL);
 #ifdef Q_OS_WIN
     SetUnhandledExceptionFilter(formerFilter);
 #endif
-    for (const int crash : crashes)
-        std::signal(crash, SIG_DFL);
     std::set_terminate(formerTerminateHandler);
+}
+
+void LastWords::setOccupation(const QString& occupation)
+{
     wordsToSay = nullptr;
+    _words = QStringLiteral(" while %1\n").arg(onOneLine(occupation)).toUtf8();
+    wordsToSay = &_words;
 }
 
 } // namespace Host

@@ -1,23 +1,27 @@
 #pragma once
 
-#include <QByteArray>
+#include <QString>
 
 namespace Host {
 
-/// What is said of code that may end the program. If the program ends while this lives, by a crash,
-/// by an exception that nobody catches or by a call of exit, on any thread, the words are written
-/// to standard error and the status is the one given here; no core is dumped. One at a time.
+/// Keeps a program from ending in silence. If it ends while this lives, by a crash, by an exception
+/// that nobody catches or by a call of exit, on any thread, then standard error says by what, and
+/// what the program was about, and the status is `JobFailed`; no core is dumped. One at a time.
 class LastWords
 {
 public:
-    LastWords(const QByteArray& words, int status);
+    LastWords();
     LastWords(const LastWords&) = delete;
     LastWords& operator=(const LastWords&) = delete;
     /// The program ends as before again.
     ~LastWords();
 
+    /// Says what the program is about from now on, in words that follow "while". Nothing is said
+    /// before the first of them.
+    void setOccupation(const QString& occupation);
+
 private:
-    const QByteArray _words;
+    QByteArray _words;
 };
 
 } // namespace Host

@@ -1,65 +1,37 @@
 #pragma once
 
-#include "LastWords.h"
-
-#include <plugins/PluginLoader.h>
-
-#include <QPluginLoader>
+#include <QJsonObject>
 #include <QString>
-
-#include <optional>
-
-class QJsonObject;
 
 namespace Host {
 
-/// One plug-in file, loaded, with what there is to say about it.
+/// What there is to say about one plug-in file: a row of the table, and an object of the JSON, that
+/// `ovapp-host plugins` prints.
 class PluginReport
 {
 public:
-    /// Loads the file. If a plug-in ends the program, here or in what follows, the host's last line
-    /// says which one it was and what was done with it.
+    /// A report without a verdict.
     explicit PluginReport(const QString& file);
 
-    bool isAccepted() const;
-    /// The file's path as seen from the plug-in directory.
-    QString fileName() const;
-    /// What the plug-in calls itself, if it is accepted and says so.
-    QString name() const;
-    /// The identifier and the boards in hexadecimal; empty when there is no plug-in to ask.
-    QString identifier() const;
-    QString boards() const;
-    /// Whether the plug-in is accepted, and if not, why, and what its author can do.
-    QString verdict() const;
+    /// Adds parts, or replaces them.
+    void add(const QJsonObject& parts);
+    /// Takes a part out; null if it is not there.
+    QString take(const QString& key);
 
-    /// Starts the plug-in, if it is accepted.
-    void start();
-    /// Stops the plug-in, if it is accepted.
-    void stop();
-    /// Unloads the file.
-    void unload();
-
-    /// How long each of it took, in milliseconds; nothing for what has not been done.
-    std::optional<double> loadTime() const { return _loadTime; }
-    std::optional<double> startTime() const { return _startTime; }
-    std::optional<double> stopTime() const { return _stopTime; }
-
-    QJsonObject toJson() const;
+    /// Whether the program can do nothing with the file, whatever board is in use.
+    bool isBroken() const;
+    /// A part as a text; empty when it is not there or null.
+    QString text(const QString& key) const;
+    /// How many milliseconds something took; a dash for what has not been done.
+    QString time(const QString& key) const;
+    const QJsonObject& toJson() const { return _parts; }
 
 private:
-    /// What the host says if the plug-in ends the program while something `isDone` with it.
-    LastWords lastWords(const char* isDone) const;
-
-    const QString _file;
-    QPluginLoader _loader;
-    App::PluginLoader::Verdict _verdict;
-    QString _name;
-    QString _identifier;
-    QString _boards;
-    QString _explanation;
-    std::optional<double> _loadTime;
-    std::optional<double> _startTime;
-    std::optional<double> _stopTime;
+    QJsonObject _parts;
 };
+
+/// The parts of a report that are a verdict: one word for programs, and for people whether the
+/// plug-in is accepted, and if not, why, and what its author can do.
+QJsonObject verdictParts(const QString& word, const QString& explanation);
 
 } // namespace Host

@@ -2,52 +2,53 @@
 
 #include "CommandLine.h"
 #include "Output.h"
-#include "PluginReport.h"
+#include "PluginExaminer.h"
 #include "SessionOptions.h"
 
 #include <app/Application.h>
 #include <ovcore/BoardEthDescHandler.h>
 #include <ovcore/Settings.h>
+#include <plugins/PluginLoader.h>
 
 #include <QCommandLineParser>
+#include <QDir>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QJsonObject>
+#include <QThread>
 
 #include <algorithm>
-#include <memory>
+#include <chrono>
+#include <optional>
 #include <vector>
 
 namespace Host {
 
 namespace {
 
-using Reports = std::vector<std::unique_ptr<PluginReport>>;
+using Reports = std::vector<PluginReport>;
 
-/// Loads every plug-in file in the loader's order, and unloads them in the reverse order. Between
-/// the two it starts and stops the accepted ones if they are to be `profiled`.
-Reports examine(bool profiled)
+/// What the processes that examine the plug-ins have to know: all that this one has found out.
+QStringList examinerArguments(bool profiled)
 {
-    Reports reports;
-    for (const QString& file : App::PluginLoader::pluginFiles())
-        reports.push_back(std::make_unique<PluginReport>(file));
-    if (profiled) {
-        for (const auto& report : reports)
-            report->start();
-    }
-    for (auto report = reports.rbegin(); report != reports.rend(); ++report) {
-        if (profiled)
-            (*report)->stop();
-        (*report)->unload();
-    }
-    return reports;
+    const Core::Settings& settings = Core::Settings::instance();
+    const int board = Core::BoardEthDescHandler::instance()->currentBoardEthDescType();
+    QStringList arguments{QStringLiteral("examine-plugin"),
+                          QStringLiteral("--app-dir"),
+                          settings.applicationDirPath(),
+                          QStringLiteral("--plugins"),
+                          settings.pluginDirPath(),
+                          QStringLiteral("--board"),
+                          QString::number(board)};
+    if (profiled)
+        arguments << QStringLiteral("--profile");
+    return arguments;
 }
 
 void printJson(const Reports& reports)
 {
     QJsonArray array;
-    for (const auto& report : reports)
-        array.append(report->toJson());
+    for (const PluginReport& report : reports)
+        array.append(report.toJson());
     const QJsonObject object{
         {QStringLiteral("directory"), Core::Settings::instance().pluginDirPath()},
         {QStringLiteral("board"), Core::BoardEthDescHandler::instance()->currentBoardEthDescType()},
@@ -58,38 +59,63 @@ void printJson(const Reports& reports)
 void printTable(const Reports& reports, bool profiled)
 {
     const auto orDash = [](const QString& text) {
-        return text.isEmpty() ? QStringLiteral("-") : onOneLine(text);
+        return text.isEmpty() ? QStringLiteral("-") : text;
     };
-    const auto time = [](std::optional<double> milliseconds) {
-        return milliseconds ? QString::number(*milliseconds, 'f', 2) : QStringLiteral("-");
-    };
-    std::vector<QStringList> rows{{QStringLiteral("FILE"), QStringLiteral("NAME"),
-                                   QStringLiteral("IDENTIFIER"), QStringLiteral("BOARDS")}};
-    if (profiled)
-        rows.front() << QStringLiteral("LOAD/MS") << QStringLiteral("START/MS")
-                     << QStringLiteral("STOP/MS");
-    rows.front() << QStringLiteral("VERDICT");
-    for (const auto& report : reports) {
-        QStringList row{onOneLine(report->fileName()), orDash(report->name()),
-                        orDash(report->identifier()), orDash(report->boards())};
-        if (profiled)
-            row << time(report->loadTime()) << time(report->startTime())
-                << time(report->stopTime());
-        row << onOneLine(report->verdict());
+    QStringList titles{QStringLiteral("FILE"), QStringLiteral("NAME"), QStringLiteral("IDENTIFIER"),
+                       QStringLiteral("BOARDS")};
+    if (profiled) {
+        titles << QStringLiteral("LOAD/MS") << QStringLiteral("START/MS")
+               << QStringLiteral("STOP/MS");
+    }
+    std::vector<QStringList> rows{titles << QStringLiteral("VERDICT")};
+    const QDir directory(Core::Settings::instance().pluginDirPath());
+    for (const PluginReport& report : reports) {
+        QStringList row{directory.relativeFilePath(report.text(QStringLiteral("file"))),
+                        orDash(report.text(QStringLiteral("name"))),
+                        orDash(report.text(QStringLiteral("identifier"))),
+                        orDash(report.text(QStringLiteral("boards")))};
+        if (profiled) {
+            row << report.time(QStringLiteral("load_ms")) << report.time(QStringLiteral("start_ms"))
+                << report.time(QStringLiteral("stop_ms"));
+        }
+        row << report.text(QStringLiteral("explanation"));
+        std::transform(row.cbegin(), row.cend(), row.begin(), onOneLine);
         rows.push_back(row);
     }
 
     // The last column is as wide as it is.
+    std::vector<int> widths(static_cast<std::size_t>(titles.size()) - 1);
+    for (const QStringList& row : rows) {
+        for (std::size_t column = 0; column < widths.size(); ++column)
+            widths[column] = std::max(widths[column], int(row.at(int(column)).size()));
+    }
     for (const QStringList& row : rows) {
         QString line;
-        for (int column = 0; column + 1 < row.size(); ++column) {
-            QString::size_type width = 0;
-            for (const QStringList& each : rows)
-                width = std::max(width, each.at(column).size());
-            line += row.at(column).leftJustified(width) + QLatin1String("  ");
-        }
+        for (std::size_t column = 0; column < widths.size(); ++column)
+            line += row.at(int(column)).leftJustified(widths[column]) + QLatin1String("  ");
         print(stdout, line + row.last());
     }
+}
+
+/// Prints the reports, and returns the status that they ask for.
+int conclude(const Reports& reports, bool asJson, bool profiled)
+{
+    if (asJson) {
+        printJson(reports);
+    } else if (reports.empty()) {
+        print(stdout, QStringLiteral("There is no plug-in file in %1")
+                          .arg(quoted(Core::Settings::instance().pluginDirPath())));
+    } else {
+        printTable(reports, profiled);
+    }
+    const auto broken = std::count_if(reports.cbegin(), reports.cend(),
+                                      [](const auto& report) { return report.isBroken(); });
+    if (broken == 0)
+        return Success;
+    return fail(JobFailed, QStringLiteral("%1 of %2 plug-in files %3 broken")
+                               .arg(broken)
+                               .arg(reports.size())
+                               .arg(broken == 1 ? QStringLiteral("is") : QStringLiteral("are")));
 }
 
 } // namespace
@@ -104,26 +130,35 @@ int plugins(const QStringList& arguments)
         QStringLiteral("profile"),
         QStringLiteral("Start and stop the plug-ins, too, and say how long that took."));
     const QCommandLineOption json(QStringLiteral("json"), QStringLiteral("Print JSON."));
-    parser.addOptions({profile, json});
+    const QCommandLineOption timeout(
+        QStringLiteral("timeout"),
+        QStringLiteral("How long examining one plug-in may take; 10 seconds by default."),
+        QStringLiteral("SECONDS"), QStringLiteral("10"));
+    parser.addOptions({profile, timeout, json});
     if (const std::optional<int> status = options.parse(parser, arguments))
         return *status;
+    const int seconds = parser.value(timeout).toInt();
+    constexpr int mostSeconds = 1000000;
+    if (seconds < 1 || seconds > mostSeconds) {
+        return fail(BadUsage, QStringLiteral("--timeout: %1 is no whole number from 1 to %2")
+                                  .arg(quoted(parser.value(timeout)))
+                                  .arg(mostSeconds));
+    }
 
     options.startLibrary();
+    warnIfSettingsCannotBeKept();
     const bool profiled = parser.isSet(profile);
-    const Reports reports = examine(profiled);
-    if (parser.isSet(json)) {
-        printJson(reports);
-    } else if (reports.empty()) {
-        print(stdout, QStringLiteral("There is no plug-in file in %1")
-                          .arg(quoted(Core::Settings::instance().pluginDirPath())));
-    } else {
-        printTable(reports, profiled);
-    }
+    // What is measured is not to be disturbed.
+    const int atOnce = profiled ? 1 : std::max(2, QThread::idealThreadCount());
+    PluginExaminer examiner(examinerArguments(profiled), atOnce, std::chrono::seconds(seconds));
+    const Reports reports = examiner.examine(App::PluginLoader::pluginFiles());
+    const int status =
+        examiner.error().isEmpty()
+            ? conclude(reports, parser.isSet(json), profiled)
+            : fail(JobFailed, QStringLiteral("cannot start a process to examine a plug-in: %1")
+                                  .arg(examiner.error()));
     App::Application::destruct();
-
-    const bool allAccepted = std::all_of(reports.begin(), reports.end(),
-                                         [](const auto& report) { return report->isAccepted(); });
-    return allAccepted ? Success : JobFailed;
+    return status;
 }
 
 } // namespace Host

@@ -4,8 +4,8 @@
 
 namespace Host {
 
-/// `ovapp-host plugins`: every plug-in file, whether it is accepted, and if not, why. Success if
-/// all are accepted.
+/// `ovapp-host plugins`: every plug-in file, whether it is accepted, and if not, why. Success
+/// unless a file is broken: one for another board is not.
 int plugins(const QStringList& arguments);
 
 } // namespace Host

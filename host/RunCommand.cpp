@@ -26,7 +26,6 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QEventLoop>
-#include <QPluginLoader>
 #include <QTimer>
 
 #include <chrono>
@@ -110,24 +109,44 @@ int cannotOpen(const QString& path)
                 QStringLiteral("cannot open %1: %2").arg(quoted(path), documentProblem(path)));
 }
 
+/// The steps of the host itself: each is reported, and remembered in case the program ends in it.
+class Steps
+{
+public:
+    explicit Steps(Report& report) : _report(report) {}
+
+    void begin(const QString& step)
+    {
+        _report.line(host, step);
+        _lastWords.setOccupation(
+            QStringLiteral("the host %1; ovapp-host plugins --profile examines the plug-ins")
+                .arg(step));
+    }
+    Report& report() { return _report; }
+
+private:
+    Report& _report;
+    LastWords _lastWords;
+};
+
 /// Opens the document, changes it, reverts it and closes it.
-int useDocument(const QString& path, bool stay, SessionReceiver& receiver, Report& report)
+int useDocument(const QString& path, bool stay, SessionReceiver& receiver, Steps& steps)
 {
     App::Application& application = App::Application::instance();
-    report.line(host, QStringLiteral("opens the document"));
+    steps.begin(QStringLiteral("opens the document"));
     Doc::Document* document = application.openDocument(path);
     if (!document)
         return cannotOpen(path);
 
-    report.line(host, QStringLiteral("changes the document, notifies and posts"));
+    steps.begin(QStringLiteral("changes the document, notifies and posts"));
     changeDocument(document, receiver);
-    report.line(host, QStringLiteral("runs the event loop"));
+    steps.begin(QStringLiteral("runs the event loop"));
     QCoreApplication::processEvents();
 
-    report.line(host, QStringLiteral("starts and stops the channels"));
-    runChannels(stay, report);
+    steps.begin(QStringLiteral("starts and stops the channels"));
+    runChannels(stay, steps.report());
 
-    report.line(host, QStringLiteral("reverts the document: activates it as it is on disk"));
+    steps.begin(QStringLiteral("reverts the document: activates it as it is on disk"));
     int status = Success;
     auto onDisk = std::make_unique<Doc::Document>(new Doc::Storage);
     if (onDisk->open(path))
@@ -135,55 +154,41 @@ int useDocument(const QString& path, bool stay, SessionReceiver& receiver, Repor
     else
         status = cannotOpen(path);
 
-    report.line(host, QStringLiteral("closes the document"));
+    steps.begin(QStringLiteral("closes the document"));
     application.closeDocument();
     return status;
 }
 
-/// What is said if a plug-in ends the program while something `isDone` with all of them.
-LastWords lastWords(const char* isDone)
-{
-    return {
-        failureLine(
-            QStringLiteral("a plug-in has ended the program while the plug-ins were %1; ovapp-host "
-                           "plugins --profile says which one")
-                .arg(QLatin1String(isDone))),
-        JobFailed};
-}
-
-void loadPlugins(Report& report)
+void loadPlugins(Steps& steps)
 {
     using App::PluginLoader;
-    report.line(host, QStringLiteral("loads and starts the plug-ins"));
+    steps.begin(QStringLiteral("loads and starts the plug-ins"));
     PluginLoader::initPluginIDValue();
-    {
-        const LastWords words = lastWords("loaded and started");
-        PluginLoader::loadPlugins(true);
-    }
+    PluginLoader::loadPlugins(true);
     const QDir directory(PluginLoader::pluginsPath());
     for (const QString& file : PluginLoader::pluginFiles()) {
-        report.line(host, directory.relativeFilePath(file) +
-                              (QPluginLoader(file).isLoaded()
-                                   ? QStringLiteral(" is accepted")
-                                   : QStringLiteral(" is refused; ovapp-host plugins says why")));
+        steps.report().line(host,
+                            directory.relativeFilePath(file) +
+                                (PluginLoader::isLoaded(file)
+                                     ? QStringLiteral(" is accepted")
+                                     : QStringLiteral(" is refused; ovapp-host plugins says why")));
     }
     App::Application::instance().notifyPluginStateChangeListener(PluginLoader::pluginCount());
 }
 
 /// What an executable does between start-up and shutdown.
-int useApplication(const QString& document, bool stay, Report& report)
+int useApplication(const QString& document, bool stay, Steps& steps)
 {
-    SessionListener listener(report);
-    SessionReceiver receiver(report);
+    SessionListener listener(steps.report());
+    SessionReceiver receiver(steps.report());
     QCoreApplication::instance()->installEventFilter(&receiver);
-    loadPlugins(report);
-    report.line(host, QStringLiteral("has completed its own start-up"));
+    loadPlugins(steps);
+    steps.begin(QStringLiteral("has completed its own start-up"));
     App::Application::instance().doAppStartFinished();
 
-    const int status = useDocument(document, stay, receiver, report);
+    const int status = useDocument(document, stay, receiver, steps);
 
-    report.line(host, QStringLiteral("stops and unloads the plug-ins"));
-    const LastWords words = lastWords("stopped and unloaded");
+    steps.begin(QStringLiteral("stops and unloads the plug-ins"));
     App::PluginLoader::unloadPlugins();
     return status;
 }
@@ -207,13 +212,15 @@ int run(const QStringList& arguments)
         return *status;
 
     Report report;
+    Steps steps(report);
     Core::ConsoleSingleton::instance().attachObserver(&report);
-    report.line(host, QStringLiteral("starts the library"));
+    steps.begin(QStringLiteral("starts the library"));
     options.startLibrary();
+    warnIfSettingsCannotBeKept();
 
-    const int status = useApplication(parser.value(document), parser.isSet(stay), report);
+    const int status = useApplication(parser.value(document), parser.isSet(stay), steps);
 
-    report.line(host, QStringLiteral("stops the library"));
+    steps.begin(QStringLiteral("stops the library"));
     App::Application::destruct();
     Core::ConsoleSingleton::instance().detachObserver(&report);
     return status;

@@ -14,21 +14,6 @@
 
 namespace Host {
 
-namespace {
-
-void warnIfSettingsCannotBeKept()
-{
-    const QDir directory(Core::Settings::instance().applicationDirPath());
-    const QSettings store(directory.filePath(QStringLiteral("ovapp.ini")), QSettings::IniFormat);
-    if (!store.isWritable()) {
-        warn(QStringLiteral("%1 cannot be written: settings will be lost; --app-dir names the "
-                            "directory to keep them in")
-                 .arg(quoted(store.fileName())));
-    }
-}
-
-} // namespace
-
 SessionOptions::SessionOptions(QCommandLineParser& parser)
     : _applicationDirOption(
           QStringLiteral("app-dir"),
@@ -91,9 +76,19 @@ void SessionOptions::startLibrary() const
                                    .filePath(QStringLiteral(OVAPP_PLUGINS_PATH))
                              : _pluginDir);
     App::Application::init();
-    warnIfSettingsCannotBeKept();
     if (_boardType)
         Core::BoardEthDescHandler::instance()->setCurrentBoardEthDescType(*_boardType);
+}
+
+void warnIfSettingsCannotBeKept()
+{
+    const QDir directory(Core::Settings::instance().applicationDirPath());
+    const QSettings store(directory.filePath(QStringLiteral("ovapp.ini")), QSettings::IniFormat);
+    if (!store.isWritable()) {
+        warn(QStringLiteral("%1 cannot be written: settings will be lost; --app-dir names the "
+                            "directory to keep them in")
+                 .arg(quoted(store.fileName())));
+    }
 }
 
 } // namespace Host

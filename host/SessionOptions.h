@@ -33,4 +33,7 @@ private:
     std::optional<int> _boardType;
 };
 
+/// Says on standard error if the settings of this session will be lost.
+void warnIfSettingsCannotBeKept();
+
 } // namespace Host

@@ -6,11 +6,12 @@
 #include <ovcore/BoardEthDescHandler.h>
 #include <ovcore/ConsoleSingleton.h>
 #include <ovcore/Settings.h>
+#include <system/LibraryFile.h>
 
 #include <QFileInfo>
-#include <QJsonObject>
 #include <QPluginLoader>
 
+#include <algorithm>
 #include <memory>
 
 namespace App {
@@ -89,14 +90,20 @@ void PluginLoader::loadPlugins(bool startPlugins)
     }
 }
 
+bool PluginLoader::isLoaded(const QString& file)
+{
+    const QFileInfo info(file);
+    return std::any_of(
+        _pluginLoaders.cbegin(), _pluginLoaders.cend(),
+        [&info](const QPluginLoader* loader) { return QFileInfo(loader->fileName()) == info; });
+}
+
 QObject* PluginLoader::rootObjectOf(const QString& file, QPluginLoader& loader)
 {
-    if (!isCompletePluginFile(file))
+    if (!System::libraryFileProblem(file).isEmpty())
         return nullptr;
     loader.setFileName(file);
-    // Without metadata it is no Qt plug-in, and there is nothing to look into.
-    if (loader.metaData().isEmpty())
-        return nullptr;
+    loader.setLoadHints(loader.loadHints() | QLibrary::ResolveAllSymbolsHint);
     return loader.instance();
 }
 

@@ -66,10 +66,14 @@ public:
     /// `startPlugins`, starts each plug-in before the next is loaded. Plug-ins that are loaded
     /// already stay so, and are accepted, and started, once more: call `unloadPlugins` before.
     static void loadPlugins(bool startPlugins);
+    /// Whether `loadPlugins` accepted a plug-in from this file that has not been unloaded since.
+    static bool isLoaded(const QString& file);
     /// Sets a loader on a file, loads the file unless it is loaded, and returns its root object;
     /// null when it is no Qt plug-in or cannot be loaded. Unlike `QPluginLoader` it leaves a file
-    /// alone that is no library of this system or was cut short, where Qt or the system's own
-    /// loader would crash: the loader then has no file.
+    /// alone that `System::libraryFileProblem` finds fault with, where Qt or the system's own
+    /// loader would crash: the loader then has no file. It also asks for every symbol at once, as
+    /// Windows does everywhere: a plug-in that lacks a function is refused here, and does not end
+    /// the program when it first calls it.
     static QObject* rootObjectOf(const QString& file, QPluginLoader& loader);
     /// Takes one root object as a plug-in: keeps its info and, with `startPlugins`, starts it.
     /// Returns false, and leaves the object alone, unless `verdictOn` accepts it. `filePath`, the

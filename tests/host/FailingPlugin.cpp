@@ -1,13 +1,20 @@
 #include <plugins/PluginInterface.h>
 
 #include <QObject>
+#include <QTimer>
 
+#include <chrono>
+#include <climits>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
 #include <thread>
 
-/// Ends the program at the moment and in the way that the environment says.
+/// How and when it fails: a test that copies the file writes other words over these.
+static const volatile char wayOfFailing[] = "how, and at which moment";
+
+/// Ends the program in the way and at the moment that its file says, and prints each moment.
 class FailingPlugin : public QObject, public App::PluginInterface
 {
     Q_OBJECT
@@ -17,25 +24,44 @@ class FailingPlugin : public QObject, public App::PluginInterface
 public:
     FailingPlugin() { passMoment("loaded"); }
     ~FailingPlugin() override { passMoment("unloaded"); }
-    quint64 pluginID() const override { return 1; }
-    int supportedBoardTypes() const override { return -1; }
-    void start() override { passMoment("started"); }
+    quint64 pluginID() const override { return passMoment("asked"), 0x1f; }
+    int supportedBoardTypes() const override { return 4; }
+    void start() override
+    {
+        passMoment("started");
+        QTimer::singleShot(0, [] { passMoment("later"); });
+    }
     void stop() override { passMoment("stopped"); }
     App::PluginInfo pluginInfo() const override { return App::PluginInfo(); }
 
 private:
     static void passMoment(const char* moment)
     {
-        const QByteArray way = qgetenv("FAILING_PLUGIN").trimmed();
-        if (!way.endsWith(QByteArray(" ") + moment))
+        std::puts(moment);
+        std::fflush(stdout);
+        QByteArray way;
+        for (const volatile char& letter : wayOfFailing)
+            way += letter;
+        if (!way.startsWith(QByteArray(moment) + ' '))
             return;
-        if (way.startsWith("exit"))
-            std::exit(0);
-        if (way.startsWith("throw"))
-            throw std::runtime_error("fails");
-        if (way.startsWith("thread"))
-            std::thread(crash).join();
-        crash();
+        if (way.contains("crash"))
+            crash();
+        if (way.contains("overflow"))
+            overflow(0);
+        if (way.contains("throw"))
+            throw std::runtime_error("of no use");
+        if (way.contains("_exit"))
+            std::_Exit(0);
+        if (way.contains("exit"))
+            std::thread([] { std::exit(3); }).join();
+        if (way.contains("hang"))
+            std::this_thread::sleep_for(std::chrono::hours(1));
+    }
+
+    static int overflow(int depth)
+    {
+        volatile int room[1000] = {depth};
+        return depth == INT_MAX ? 0 : overflow(depth + 1) + room[0];
     }
 
     static void crash()

@@ -6,6 +6,9 @@
 
 #include <QtTest>
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QRegularExpression>
 
 #ifdef Q_OS_UNIX
@@ -150,6 +153,7 @@ log: destruct application.)"_s;
             QTest::addRow("host '%s'", host)
                 << QStringList({"ping"_s, "--"_s, QLatin1String(host)}) << 2 << "is no host";
         }
+        QTest::newRow("time-out") << words("plugins --timeout 0") << 2 << "--timeout: '0'";
         QTest::newRow("count") << words("ping a --count -1") << 2 << "--count: '-1'";
         QTest::newRow("hops") << words("trace a --max-hops 0") << 2 << "--max-hops: '0'";
         QTest::newRow("help") << words("--help") << 0 << "run a whole session";
@@ -351,40 +355,114 @@ log: destruct application.)"_s;
     }
 #endif
 
-    void failingPlugin_data()
+    void failingPlugins()
     {
-        QTest::addColumn<QString>("arguments");
-        QTest::addColumn<QByteArray>("failure");
-        QTest::addColumn<QString>("error");
-        const QString named =
-            "ovapp-host: 'FailingPlugin.dll' has ended the program while it was "_s;
-        QTest::newRow("crash") << "plugins" << QByteArray("crash loaded")
-                               << named + "loaded and asked what it is"_s;
-        QTest::newRow("exit") << "plugins" << QByteArray("exit unloaded") << named + "unloaded"_s;
-        QTest::newRow("exception")
-            << "plugins --profile" << QByteArray("throw started") << named + "started"_s;
-        QTest::newRow("on a thread")
-            << "plugins --profile" << QByteArray("thread stopped") << named + "stopped"_s;
-        QTest::newRow("in a session")
-            << "run" << QByteArray("exit started")
-            << "ovapp-host: a plug-in has ended the program while the plug-ins were loaded and "
-               "started; ovapp-host plugins --profile says which one";
+        const QTemporaryDir directory;
+        const struct
+        {
+            QString file;
+            const char* way;
+            const char* verdict;
+            const char* words;
+        } rows[] = {
+            {"accepted.dll"_s, "", "accepted", "accepted"},
+            {"crash.dll"_s, "loaded crash", "crashed", "while it was loaded"},
+            {"exit.dll"_s, "unloaded _exit", "exited", "status 0, while it was unloaded"},
+            {"hang.dll"_s, "stopped hang", "timed-out", "4 s, and was ended while it was stopped"},
+            {"overflow.dll"_s, "started overflow", "crashed", "while it was started"},
+            {"symbol.dll"_s, "symbol", "no-plugin", "Qt cannot load it"},
+            {"throw.dll"_s, "asked throw", "crashed", "(of no use) while it was asked"}};
+        for (const auto& row : rows)
+            writeFailingPlugin(directory.filePath(row.file), row.way);
+        const QStringList command =
+            words("plugins --profile --json --timeout 4 --board 0x4 --app-dir %1 --plugins %1")
+                .replaceInStrings("%1"_s, directory.path());
+        const Outcome outcome = runHost(command);
+        QCOMPARE(outcome.status, 1);
+        QCOMPARE(outcome.errors.last(), "ovapp-host: 6 of 7 plug-in files are broken"_s);
+        const QJsonArray plugins = pluginsOf(outcome);
+        QCOMPARE(plugins.size(), 7);
+        for (int i = 0; i < plugins.size(); ++i) {
+            const QJsonObject plugin = plugins.at(i).toObject();
+            QCOMPARE(plugin.value("file"_s).toString(), directory.filePath(rows[i].file));
+            QCOMPARE(plugin.value("verdict"_s).toString(), QLatin1String(rows[i].verdict));
+            const QString explanation = plugin.value("explanation"_s).toString();
+            QVERIFY2(explanation.contains(QLatin1String(rows[i].words)), qPrintable(explanation));
+            QVERIFY(i == 0 || QFile::remove(directory.filePath(rows[i].file)));
+        }
+        const Outcome accepted = runHost(command);
+        QCOMPARE(accepted.status, 0);
+        QCOMPARE(pluginsOf(accepted).at(0).toObject().value("identifier"_s).toString(), "0x1f"_s);
+        QCOMPARE(accepted.errors, words("loaded asked asked started stopped unloaded"));
     }
 
-    void failingPlugin()
+    void endOfParent()
     {
-        QFETCH(QString, arguments);
-        QFETCH(QByteArray, failure);
-        QFETCH(QString, error);
-        qputenv("FAILING_PLUGIN", failure);
-        const QStringList directories{"--app-dir"_s, _directory.path(), "--plugins"_s,
-                                      QStringLiteral(FAILING_PLUGIN_DIR)};
-        const Outcome outcome = runHost(words(qPrintable(arguments)) + directories);
-        QCOMPARE(outcome.errors, QStringList(error));
+#ifdef Q_OS_LINUX
+        const QTemporaryDir directory;
+        writeFailingPlugin(directory.filePath("hang.dll"_s), "loaded hang");
+        QProcess host;
+        host.setReadChannel(QProcess::StandardError);
+        host.start(
+            QStringLiteral(OVAPP_HOST),
+            words("plugins --app-dir %1 --plugins %1").replaceInStrings("%1"_s, directory.path()));
+        QVERIFY(host.waitForReadyRead());
+        const QByteArray child = contentOf("/proc/%1/task/%1/children"_s.arg(host.processId()));
+        const QString command = "/proc/%1/cmdline"_s.arg(child.toInt());
+        QVERIFY(contentOf(command).contains("hang.dll"));
+        host.kill();
+        QVERIFY(host.waitForFinished());
+        QTRY_COMPARE(contentOf(command), QByteArray());
+#else
+        QSKIP("no way here to find the process that examines the plug-in");
+#endif
+    }
+
+    void endOfSession_data()
+    {
+        QTest::addColumn<QByteArray>("way");
+        QTest::addColumn<QString>("ending");
+        QTest::newRow("exit") << QByteArray("started exit")
+                              << "a call of exit while the host loads and starts the plug-ins";
+        QTest::newRow("exception") << QByteArray("stopped throw")
+                                   << "an exception that nobody caught (of no use) while the host "
+                                      "stops and unloads the plug-ins";
+#ifdef Q_OS_UNIX
+        QTest::newRow("stack") << QByteArray("later overflow")
+                               << "SIGSEGV while the host runs the event loop";
+#endif
+    }
+
+    void endOfSession()
+    {
+        QFETCH(QByteArray, way);
+        QFETCH(QString, ending);
+        const QTemporaryDir directory;
+        writeFailingPlugin(directory.filePath("failing.dll"_s), way);
+        const Outcome outcome = runHost(words("run --board 4 --app-dir %1 --plugins %1")
+                                            .replaceInStrings("%1"_s, directory.path()));
+        QCOMPARE(outcome.errors,
+                 QStringList("ovapp-host: ended by "_s + ending +
+                             "; ovapp-host plugins --profile examines the plug-ins"_s));
         QCOMPARE(outcome.status, 1);
     }
 
 private:
+    static void writeFailingPlugin(const QString& path, QByteArray way)
+    {
+        QByteArray plugin = contentOf(QStringLiteral(FAILING_PLUGIN));
+        const QByteArray placeholder = "how, and at which moment";
+        if (way == "symbol")
+            plugin.replace("PluginInfoC", "PluginInfoX");
+        writeFile(path, plugin.replace(placeholder, way.leftJustified(placeholder.size())));
+    }
+
+    static QJsonArray pluginsOf(const Outcome& outcome)
+    {
+        const QByteArray json = outcome.output.join(u'\n').toUtf8();
+        return QJsonDocument::fromJson(json).object().value("plugins"_s).toArray();
+    }
+
     QTemporaryDir _directory;
 };
 

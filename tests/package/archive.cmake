@@ -17,8 +17,7 @@ if(files MATCHES "\\.(h|a|cmake)(;|$)")
     message(FATAL_ERROR "packed is what only developers need: ${CMAKE_MATCH_0}")
 endif()
 
-# Boards of this type are those that all samples are for.
-execute_process(COMMAND ${emulator} ${folder}/${host} plugins --board 3
+execute_process(COMMAND ${emulator} ${folder}/${host} plugins
     WORKING_DIRECTORY ${folder} OUTPUT_VARIABLE plugins ECHO_OUTPUT_VARIABLE
     COMMAND_ERROR_IS_FATAL ANY)
 if(NOT plugins MATCHES "tcp-trigger\\.dll")

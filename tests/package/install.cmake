@@ -2,4 +2,5 @@
 file(REMOVE_RECURSE ${prefix})
 execute_process(COMMAND ${CMAKE_COMMAND} --install ${build} --prefix ${prefix}
     COMMAND_ERROR_IS_FATAL ANY)
+execute_process(COMMAND ${emulator} ${host} plugins COMMAND_ERROR_IS_FATAL ANY)
 execute_process(COMMAND ${emulator} ${host} run COMMAND_ERROR_IS_FATAL ANY)

@@ -33,6 +33,19 @@ static void hide(const QString& path)
 #ifdef Q_OF_ELF
 #include <link.h>
 
+/// The same plug-in with another number in what the table of sections says of Qt's metadata.
+static QByteArray withMetaData(QByteArray plugin, ElfW(Off) ElfW(Shdr)::*member, ElfW(Off) number)
+{
+    const auto* header = reinterpret_cast<const ElfW(Ehdr)*>(plugin.constData());
+    auto* sections = reinterpret_cast<ElfW(Shdr)*>(plugin.data() + header->e_shoff);
+    const char* names = plugin.constData() + sections[header->e_shstrndx].sh_offset;
+    for (auto* section = sections; section != sections + header->e_shnum; ++section) {
+        if (QByteArray(names + section->sh_name).contains("metadata"))
+            section->*member = number;
+    }
+    return plugin;
+}
+
 /// The same plug-in with one more segment to load, behind everything else, as tools lay it out that
 /// change a library path. The system clears the segment's last page beyond what the file holds.
 static QByteArray withSegmentAtEnd(QByteArray plugin)
@@ -280,6 +293,8 @@ private Q_SLOTS:
         }
         write(contentOf(QCoreApplication::applicationFilePath()));
         write("MZ" + QByteArray(200, '\0') + "PE\0\0");
+        write(QByteArray(10000, '\0'));
+        write(QByteArray(plugin).replace("PluginInfo3set", "PluginInfo3sot"));
         QVERIFY(QFile::link(_fixture->path("nowhere"_s), nextPath()));
         QVERIFY(QFile::link(_fixture->plugin("."_s), nextPath()));
         const QString self = nextPath();
@@ -300,11 +315,18 @@ private Q_SLOTS:
         last = withSegmentAtEnd(last);
         for (int cut = 1; cut < 5000; cut += 97)
             write(last.chopped(cut));
+        for (const auto member : {&ElfW(Shdr)::sh_offset, &ElfW(Shdr)::sh_size}) {
+            for (const ElfW(Off) value : {0x7fffffffULL, ~0ULL, ~0ULL << 2})
+                write(withMetaData(plugin, member, value));
+        }
 #endif
         write(last);
         write(plugin);
 
+        const QDir openFiles("/proc/self/fd"_s);
+        const auto openCount = openFiles.count();
         PluginLoader::loadPlugins(true);
+        QCOMPARE(openFiles.count(), openCount);
         // All but the links that lead to no file, and the directory.
         QVERIFY(PluginLoader::pluginCount() >= number - firstNumber - 6);
         QCOMPARE(RecordingPlugin::takeCalls(),

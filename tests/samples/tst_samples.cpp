@@ -173,7 +173,7 @@ private Q_SLOTS:
             {"accepted.dll"_s, samples + "rotary-axis.dll"_s, "accepted", "accepted"},
             {"board.dll"_s, samples + "relief-engraving.dll"_s, "other-board",
              "supportedBoardTypes() is 0x5"},
-            {"cut.dll"_s, samples + "rotary-axis.dll"_s, "no-plugin", "Qt cannot load it"},
+            {"cut.dll"_s, samples + "rotary-axis.dll"_s, "no-plugin", "cut short"},
             {"interface.dll"_s, others + "OtherInterface.dll"_s, "no-interface", "Q_INTERFACES"},
             {"nobody.dll"_s, others + "PluginWithoutIdentifier.dll"_s, "no-identifier",
              "pluginID() is 0"},
@@ -199,8 +199,9 @@ private Q_SLOTS:
             const QString explanation = plugin.value("explanation"_s).toString();
             QVERIFY2(explanation.contains(QLatin1String(rows[i].words)), qPrintable(explanation));
             QCOMPARE(plugin.value("accepted"_s).toBool(), i == 0);
-            QVERIFY(i == 0 || QFile::remove(file));
+            QVERIFY(i < 2 || QFile::remove(file));
         }
+        // None is broken now.
         QCOMPARE(runHost(command).status, 0);
     }
 
@@ -213,7 +214,7 @@ private Q_SLOTS:
                         .replaceInStrings("%2"_s, QStringLiteral(SAMPLE_PLUGIN_DIR)));
         QCOMPARE(outcome.errors.size(), 1);
         QVERIFY(outcome.errors.first().contains("--app-dir: there was no directory"_s));
-        QCOMPARE(outcome.status, 1);
+        QCOMPARE(outcome.status, 0);
         QCOMPARE(outcome.output.size(), 5);
         QVERIFY(outcome.output.first().contains("LOAD/MS  START/MS  STOP/MS  VERDICT"_s));
         // It was started, so it has its settings; the refused one was not.

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "PluginReport.h"
+
+#include <QEventLoop>
+#include <QStringList>
+
+#include <chrono>
+#include <deque>
+#include <vector>
+
+class QProcess;
+
+namespace Host {
+
+/// Examines plug-in files, each in a process of its own that runs `examinePlugin`, so that none
+/// spoils what is said of the others. A file that cannot be loaded, as its tables show, needs no
+/// process. The processes end when this one does.
+class PluginExaminer
+{
+public:
+    /// `arguments` are those of `examinePlugin` without the file. Up to `atOnce` processes run at a
+    /// time; each is ended after `timeout`.
+    PluginExaminer(const QStringList& arguments, int atOnce, std::chrono::seconds timeout);
+
+    /// The reports on the files, in their order.
+    std::vector<PluginReport> examine(const QStringList& files);
+    /// Why not all files have been examined; empty if they have.
+    QString error() const { return _error; }
+
+private:
+    void startNext();
+    void end(QProcess* process);
+
+    const QStringList _arguments;
+    const int _atOnce;
+    const std::chrono::seconds _timeout;
+    /// What there is still to do.
+    std::deque<PluginReport*> _waiting;
+    int _running = 0;
+    QEventLoop _loop;
+    QString _error;
+};
+
+} // namespace Host
