@@ -1,6 +1,7 @@
 #include "PluginsCommand.h"
 
 #include "CommandLine.h"
+#include "HiddenNames.h"
 #include "Output.h"
 #include "PluginReport.h"
 #include "SessionOptions.h"
@@ -109,6 +110,9 @@ int plugins(const QStringList& arguments)
         return *status;
 
     options.startLibrary();
+    for (const QString& file :
+         undecodableFiles(App::PluginLoader::pluginsPath(), App::PluginLoader::pluginSuffix()))
+        warn(QStringLiteral("%1 is passed over: its name is no UTF-8").arg(quoted(file)));
     const bool profiled = parser.isSet(profile);
     const Reports reports = examine(profiled);
     if (parser.isSet(json)) {
