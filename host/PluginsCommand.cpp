@@ -1,6 +1,7 @@
 #include "PluginsCommand.h"
 
 #include "CommandLine.h"
+#include "HiddenNames.h"
 #include "Output.h"
 #include "PluginExaminer.h"
 #include "SessionOptions.h"
@@ -147,6 +148,9 @@ int plugins(const QStringList& arguments)
 
     options.startLibrary();
     warnIfSettingsCannotBeKept();
+    for (const QString& file :
+         undecodableFiles(App::PluginLoader::pluginsPath(), App::PluginLoader::pluginSuffix()))
+        warn(QStringLiteral("%1 is passed over: its name is no UTF-8").arg(quoted(file)));
     const bool profiled = parser.isSet(profile);
     // What is measured is not to be disturbed.
     const int atOnce = profiled ? 1 : std::max(2, QThread::idealThreadCount());

@@ -112,6 +112,10 @@ private Q_SLOTS:
         Settings& settings = start();
         QCOMPARE(settings.sysFontDirPath(), directory.filePath("fonts"_s));
         QCOMPARE(settings.pluginDirPath(), QDir(executables).filePath("plugins"_s));
+#ifdef Q_OS_LINUX
+        qputenv("XDG_DATA_HOME", "/user");
+        QCOMPARE(settings.usrFontDirPath(), "/user/ovapp/fonts"_s);
+#endif
         settings.setPluginDirPath("/p"_s);
         QCOMPARE(settings.pluginDirPath(), "/p"_s);
         settings.setRunValue(stored, 3);

@@ -16,6 +16,8 @@
 #include <QtTest>
 
 #include <ctime>
+#include <filesystem>
+#include <fstream>
 #include <memory>
 
 #ifdef Q_OS_UNIX
@@ -186,8 +188,18 @@ private Q_SLOTS:
 
         const QStringList command = words("plugins --json --board 2 --app-dir %1 --plugins %1")
                                         .replaceInStrings("%1"_s, directory.path());
+#ifdef Q_OS_LINUX
+        const std::string hidden = directory.path().toStdString() + "/\xff.dll";
+        std::ofstream{hidden};
+#endif
         const Outcome outcome = runHost(command);
         QCOMPARE(outcome.status, 1);
+#ifdef Q_OS_LINUX
+        QVERIFY(
+            outcome.errors.join(u'\n').contains(".dll' is passed over: its name is no UTF-8"_s));
+        // Qt would not remove it.
+        QVERIFY(std::filesystem::remove(hidden));
+#endif
         const QByteArray json = outcome.output.join(u'\n').toUtf8();
         const auto plugins = QJsonDocument::fromJson(json).object().value("plugins"_s).toArray();
         QCOMPARE(plugins.size(), 6);
