@@ -7,8 +7,8 @@
 #include <QTemporaryDir>
 #include <QVariant>
 
-// Ends with 0 if the version that ovapp stores is the one of this project's library, and this project's
-// plug-in is accepted.
+// Ends with 0 if the version that ovapp stores is the one of this project's library, and this
+// project's plug-in is accepted.
 int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
