@@ -12,6 +12,18 @@ function(ovapp_add_plugin target)
         message(FATAL_ERROR "ovapp_add_plugin(${target}): SOURCES is missing")
     endif()
 
+    # Without Qt's version in the directory of the target, CMake would build it without moc. The
+    # directory need not be one that has found Qt itself.
+    get_target_property(qt ovapp::ovapp INTERFACE_QT_MAJOR_VERSION)
+    find_package(Qt${qt} REQUIRED COMPONENTS Core)
+    if(NOT TARGET Qt${qt}::moc)
+        message(FATAL_ERROR "ovapp_add_plugin(${target}): Qt ${qt} has no moc")
+    endif()
+    string(REGEX MATCH "^([0-9]+)\\.([0-9]+)" version ${Qt${qt}_VERSION})
+    set_directory_properties(PROPERTIES
+        Qt${qt}Core_VERSION_MAJOR ${CMAKE_MATCH_1}
+        Qt${qt}Core_VERSION_MINOR ${CMAKE_MATCH_2})
+
     add_library(${target} MODULE ${arg_SOURCES})
     set_target_properties(${target} PROPERTIES
         PREFIX ""

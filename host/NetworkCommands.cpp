@@ -66,7 +66,7 @@ std::optional<int> read(const QStringList& arguments, const QString& description
 }
 
 /// Prints a part of a tool's report; false when nobody takes it any more.
-bool print(QByteArray text)
+bool printReport(QByteArray text)
 {
     // On Windows the tools end their lines as the standard output does by itself.
     return write(stdout, text.replace('\r', QByteArray()));
@@ -103,7 +103,7 @@ int runPing(const QString& host, int count)
     bool launched = true;
     QByteArray complaint;
     QObject::connect(&process, &QProcess::readyReadStandardOutput, [&] {
-        if (!print(process.readAllStandardOutput()))
+        if (!printReport(process.readAllStandardOutput()))
             System::interruptProcess(process.processId());
     });
     QObject::connect(&process, &QProcess::readyReadStandardError,
@@ -149,7 +149,7 @@ int runTrace(const QString& host, int maxHops)
     const auto printNews = [&] {
         const auto printed = report.size();
         report = process.readAllStandardOutput();
-        return print(report.mid(printed));
+        return printReport(report.mid(printed));
     };
     // The tool is no child of this process, so the keyboard's interrupt does not reach it. What it
     // has yet to say comes at once or, where it cannot be interrupted, not at all.

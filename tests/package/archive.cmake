@@ -2,7 +2,7 @@
 cmake_policy(VERSION 3.25)
 file(REMOVE_RECURSE ${dir})
 get_filename_component(cmake_dir ${CMAKE_COMMAND} DIRECTORY)
-execute_process(COMMAND ${cmake_dir}/cpack -G ZIP --config ${build}/CPackConfig.cmake
+execute_process(COMMAND ${cmake_dir}/cpack -G ZIP -C ${config} --config ${build}/CPackConfig.cmake
         -B ${dir}/packed
     COMMAND_ERROR_IS_FATAL ANY)
 file(GLOB archive ${dir}/packed/*.zip)

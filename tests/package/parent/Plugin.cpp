@@ -1,0 +1,17 @@
+#include <plugins/PluginInterface.h>
+
+class Plugin : public QObject, public App::PluginInterface
+{
+    Q_OBJECT
+    Q_PLUGIN_METADATA(IID "com.quillmere.beamforge.PluginInterface/1.0")
+    Q_INTERFACES(App::PluginInterface)
+
+public:
+    quint64 pluginID() const override { return 1; }
+    int supportedBoardTypes() const override { return 1; }
+    void start() override {}
+    void stop() override {}
+    App::PluginInfo pluginInfo() const override { return {}; }
+};
+
+#include "Plugin.moc"
