@@ -39,7 +39,7 @@ private:
     ~ExtendPluginRegistry();
     Q_DISABLE_COPY(ExtendPluginRegistry)
 
-    static ExtendPluginRegistry* _p_instance;
+    static OVAPP_NO_EXPORT ExtendPluginRegistry* _p_instance;
 
     QList<ExtendPluginInfo*> _infos;
 };
