@@ -10,7 +10,7 @@ namespace App {
 
 /// Told when another document, or none, has been made the active one with
 /// `Application::setActivateDocument`.
-/// Register it with `Application`, and remove it there before destroying it.
+/// Register it with `Application`, and remove it there before destroying it. Main thread only.
 class OVAPP_EXPORT ActiveDocumentListener
 {
 public:

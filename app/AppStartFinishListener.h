@@ -7,7 +7,7 @@ namespace App {
 /// Told when the program's start-up is complete: by `Application::doAppStartFinished`, which the
 /// executable calls once, and by every `Application::notifyStartFinishListener`. Whoever registers
 /// after that is not told.
-/// Register it with `Application`, and remove it there before destroying it.
+/// Register it with `Application`, and remove it there before destroying it. Main thread only.
 class OVAPP_EXPORT AppStartFinishListener
 {
 public:

@@ -173,9 +173,9 @@ private:
     ~Application();
     Q_DISABLE_COPY(Application)
 
-    static Application* _p_instance;
+    static OVAPP_NO_EXPORT Application* _p_instance;
     /// The log file's observer, owned; null while nothing is logged to a file.
-    static Core::ConsoleObserverFile* _p_consoleObserverFile;
+    static OVAPP_NO_EXPORT Core::ConsoleObserverFile* _p_consoleObserverFile;
 
     Doc::Document* _p_activeDocument;
     QList<NewDocumentListener*> _newDocumentListeners;

@@ -9,7 +9,7 @@ class Document;
 namespace App {
 
 /// Told when a document has been created or opened.
-/// Register it with `Application`, and remove it there before destroying it.
+/// Register it with `Application`, and remove it there before destroying it. Main thread only.
 class OVAPP_EXPORT NewDocumentListener
 {
 public:

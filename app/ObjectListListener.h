@@ -10,7 +10,7 @@ namespace App {
 
 /// Told when the list of a document's objects has changed. The library never notifies of it:
 /// whoever makes the change does. Register it with `Application`, and remove it there before
-/// destroying it.
+/// destroying it. Main thread only.
 class OVAPP_EXPORT ObjectListListener
 {
 public:

@@ -6,7 +6,7 @@ namespace App {
 
 /// Told when the state of a plug-in has changed. The library never notifies of it, not when
 /// plug-ins are loaded, started or stopped either: whoever changes the state does. Register it with
-/// `Application`, and remove it there before destroying it.
+/// `Application`, and remove it there before destroying it. Main thread only.
 class OVAPP_EXPORT PluginStateListener
 {
 public:

@@ -10,7 +10,7 @@ namespace App {
 
 /// Told when a property of a document's objects has changed. The library never notifies of it:
 /// whoever makes the change does.
-/// Register it with `Application`, and remove it there before destroying it.
+/// Register it with `Application`, and remove it there before destroying it. Main thread only.
 class OVAPP_EXPORT PropertyListener
 {
 public:

@@ -10,7 +10,7 @@ namespace App {
 
 /// Told when another selection of objects has been made. The library never notifies of it: whoever
 /// makes the selection does.
-/// Register it with `Application`, and remove it there before destroying it.
+/// Register it with `Application`, and remove it there before destroying it. Main thread only.
 class OVAPP_EXPORT SelectionListener
 {
 public:

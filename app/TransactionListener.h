@@ -11,7 +11,7 @@ namespace App {
 
 /// Told when a document has been changed in a transaction. The library never notifies of it:
 /// whoever makes the change does. Register it with `Application`, and remove it there before
-/// destroying it.
+/// destroying it. Main thread only.
 class OVAPP_EXPORT TransactionListener
 {
 public:

@@ -128,7 +128,14 @@ int main(int argc, char** argv)
         registerPeer<Bench::BoostNotifier>("boost::signals2", boost, count);
         registerPeer<Bench::SigcNotifier>("sigc++", sigc, count);
     }
+    // A bare loop in the executable calls what is beside it, and the library does not.
+#ifdef BENCH_PEERS_STATIC_DEFINE
     Bench::wantAtMost(nameOf("bare loop", 1000), 1.5);
+#else
+    Bench::wantAtMost(nameOf("bare loop", 1), 1.4);
+    Bench::wantAtMost(nameOf("bare loop", 10), 1.15);
+    Bench::wantAtMost(nameOf("bare loop", 1000), 1.05);
+#endif
     Bench::wantFaster(nameOf("Qt signal", 1000), 6);
     Bench::wantFaster(nameOf("sigc++", 1000), 2.5);
 

@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
-"""Prints what Google Benchmark measured as tables of medians and ratios.
+"""Prints what Google Benchmark measured as a table of smallest times and ratios.
 
 Usage: compare.py RESULT.json...
 
 A benchmark is named "group/side" or "group/side/size". The sides of a group that have the same
-size make one table, in which each is compared with the side "ovapp". A ratio that is wanted of a
-side stands in the context of the run, as "wanted group/side/size": "ovapp/it <= 1.5" or
-"it/ovapp >= 6".
+size are compared with the side "ovapp", each by the smallest time of its repetitions: that is the
+one that other work on the machine moves least. A ratio that is wanted of a side stands in the
+context of the run, as "wanted group/side/size": "ovapp/it <= 1.5" or "it/ovapp >= 6".
 
 The exit status is 1 when a benchmark has failed or the results do not fit together. A wanted ratio
 that is not met is reported, no more: timings depend on the machine.
@@ -78,11 +78,8 @@ def format_time(nanoseconds):
 
 
 def format_spread(times):
-    """The middle half of the repetitions, as a share of the median."""
-    if len(times) < 2:
-        return ""
-    lower, _, upper = statistics.quantiles(times, n=4, method="inclusive")
-    return f"{100 * (upper - lower) / statistics.median(times):.0f} %"
+    """How far the median lies above the smallest."""
+    return f"+{100 * (statistics.median(times) / min(times) - 1):.0f} %"
 
 
 def verdict(wanted, ours, other):
@@ -93,38 +90,42 @@ def verdict(wanted, ours, other):
 
 
 def rows_of(result):
-    """The tables of one result, a title each and its rows; and the names in which a ratio is
+    """The groups of one result, a title each and its rows; and the names in which a ratio is
     wanted of something that was not measured.
     """
     times = read_times(result)
     wanted = read_wanted(result)
-    medians = {split(name): statistics.median(values) for name, values in times.items()}
+    smallest = {split(name): min(values) for name, values in times.items()}
 
     tables = {}
     for name, values in times.items():
         group, side, size = split(name)
-        median = medians[group, side, size]
-        row = [side, format_time(median), format_spread(values), "", "", ""]
+        time = smallest[group, side, size]
+        row = [side, format_time(time), format_spread(values), "", "", ""]
         if side != OURS:
-            ours = medians.get((group, OURS, size))
+            ours = smallest.get((group, OURS, size))
             if ours is None:
                 raise Failure(f"{name}: there is no {OURS} to compare it with")
-            row[3:5] = f"{ours / median:.2f}", f"{median / ours:.2f}"
+            row[3:5] = f"{ours / time:.2f}", f"{time / ours:.2f}"
             if name in wanted:
-                row[5] = verdict(wanted.pop(name), ours, median)
+                row[5] = verdict(wanted.pop(name), ours, time)
         tables.setdefault(group if size is None else f"{group}, {size}", []).append(row)
     return tables, list(wanted)
 
 
-def print_table(title, rows):
-    head = [title, "median", "spread", "ovapp/it", "it/ovapp", "wanted"]
-    widths = [max(len(row[i]) for row in [head, *rows]) for i in range(len(head))]
-    for row in [head, ["-" * width for width in widths], *rows]:
-        first, *numbers, last = row
+def print_tables(tables):
+    """All in one, a heading with the groups' names between their rows."""
+    head = ["", "smallest", "median", "ovapp/it", "it/ovapp", "wanted"]
+    rows = [head]
+    for title, sides in tables.items():
+        rows += [[""] * len(head), [title, "", "", "", "", ""]]
+        rows += [["  " + side, *others] for side, *others in sides]
+    # A title may be longer than the names below it: nothing stands beside it.
+    widths = [max(len(row[i]) for row in rows if i or row[1]) for i in range(len(head))]
+    for first, *numbers, last in rows:
         cells = [first.ljust(widths[0])]
         cells += [cell.rjust(width) for cell, width in zip(numbers, widths[1:])]
         print("  ".join([*cells, last]).rstrip())
-    print()
 
 
 def main(paths):
@@ -132,6 +133,7 @@ def main(paths):
         print(__doc__.strip().splitlines()[2], file=sys.stderr)
         return 2
     failed = False
+    all_tables = {}
     for path in paths:
         try:
             with open(path, encoding="utf-8") as file:
@@ -140,11 +142,11 @@ def main(paths):
             print(f"compare.py: {path}: {error}", file=sys.stderr)
             failed = True
             continue
-        for title, rows in tables.items():
-            print_table(title, rows)
+        all_tables.update(tables)
         for name in unmeasured:
             print(f"compare.py: {path}: {name}: wanted, but not measured", file=sys.stderr)
             failed = True
+    print_tables(all_tables)
     return 1 if failed else 0
 
 

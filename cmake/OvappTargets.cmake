@@ -38,6 +38,12 @@ function(ovapp_add_library target)
         set_property(TARGET ${target} PROPERTY PREFIX "")
     endif()
     ovapp_set_warnings(${target})
+    # What is exported depends neither on the build type nor on the compiler.
+    if(UNIX AND NOT APPLE)
+        set(exports ${CMAKE_CURRENT_FUNCTION_LIST_DIR}/exports.map)
+        target_link_options(${target} PRIVATE LINKER:--version-script=${exports})
+        set_property(TARGET ${target} PROPERTY LINK_DEPENDS ${exports})
+    endif()
     generate_export_header(${target}
         EXPORT_FILE_NAME ${generated}/${target}_export.h)
 

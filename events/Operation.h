@@ -11,7 +11,7 @@ namespace App {
 ///     moveOperation.setTransactionGroup(group);
 ///     scaleOperation.setTransactionGroup(group);
 ///
-/// The library itself neither makes, groups nor executes operations.
+/// The library itself neither makes, groups nor executes operations. One thread at a time.
 class OVAPP_EXPORT Operation
 {
 public:

@@ -10,7 +10,7 @@ namespace App {
 
 /// A record of one change of an object property. It is a plain value, no `QEvent`: hand it over as
 /// any value is, never through the event queue. What the numbers in it mean is for those to say
-/// who make and read it. To change a record, assign another to it.
+/// who make and read it. To change a record, assign another to it. Any thread, as of any value.
 class OVAPP_EXPORT PropertyEvent
 {
 public:

@@ -7,7 +7,7 @@
 namespace App {
 
 /// Tells a Qt object that another selection of objects has been made; the type is all it says.
-/// Post it with `Application::postSelectionChangedEvent`.
+/// Post it with `Application::postSelectionChangedEvent`. It is handled on the receiver's thread.
 class OVAPP_EXPORT SelectionChangeEvent : public QEvent
 {
 public:

@@ -7,7 +7,8 @@
 namespace Core {
 
 /// Tells a Qt object to switch the screen layout to the one of a board type. The library posts
-/// none itself: make one with `new` and hand it to `QCoreApplication::postEvent`.
+/// none itself: make one with `new` and hand it to `QCoreApplication::postEvent`, on any thread. It
+/// is handled on the receiver's.
 class OVAPP_EXPORT SwitchScreenLayoutEvent : public QEvent
 {
 public:

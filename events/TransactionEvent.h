@@ -8,7 +8,7 @@
 namespace App {
 
 /// Tells a Qt object that a transaction took place. Post it with
-/// `Application::postTransactionEvent`.
+/// `Application::postTransactionEvent`. It is handled on the receiver's thread.
 class OVAPP_EXPORT TransactionEvent : public QEvent
 {
 public:

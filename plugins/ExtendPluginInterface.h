@@ -7,7 +7,7 @@ namespace App {
 
 /// What the root object of an extension plug-in is: a plug-in that the executable asks two things
 /// more. It declares `Q_INTERFACES(App::PluginInterface)` as any plug-in does, and is loaded as
-/// such; a `dynamic_cast` of the `PluginInterface` tells that it is an extension.
+/// such; a `dynamic_cast` of the `PluginInterface` tells that it is an extension. Main thread.
 class OVAPP_EXPORT ExtendPluginInterface : public PluginInterface
 {
 public:

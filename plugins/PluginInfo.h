@@ -11,7 +11,7 @@ namespace App {
 
 /// What a plug-in tells about itself: an open set of named values, which the library hands on as
 /// they come. A copy is cheap and independent of its source; a record that was moved from holds
-/// nothing.
+/// nothing. Any thread, as of any value.
 class OVAPP_EXPORT PluginInfo
 {
 public:

@@ -112,10 +112,10 @@ public:
     static unsigned long long defaultPluginValue();
 
 private:
-    static QStringList _pluginFiles;
-    static QList<PluginInfo> _pluginInfos;
+    static OVAPP_NO_EXPORT QStringList _pluginFiles;
+    static OVAPP_NO_EXPORT QList<PluginInfo> _pluginInfos;
     /// Of the plug-ins that `loadPlugins` accepted and that are still loaded; owned.
-    static QList<QPluginLoader*> _pluginLoaders;
+    static OVAPP_NO_EXPORT QList<QPluginLoader*> _pluginLoaders;
 };
 
 } // namespace App

@@ -57,7 +57,7 @@ private:
     ~CommInfoRegistry();
     Q_DISABLE_COPY(CommInfoRegistry)
 
-    static CommInfoRegistry* _p_instance;
+    static OVAPP_NO_EXPORT CommInfoRegistry* _p_instance;
 
     QList<CommInfo*> _infos;
 };

@@ -20,7 +20,8 @@ namespace App {
 ///         int supportedBoardTypes() const override { return 1; }
 ///     };
 ///
-/// The library calls none of these operations; the executable and other plug-ins do.
+/// The library calls none of these operations; the executable and other plug-ins do, on the main
+/// thread.
 class OVAPP_EXPORT ExtendPluginInfo
 {
 public:

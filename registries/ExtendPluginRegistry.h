@@ -10,7 +10,7 @@ class ExtendPluginInfo;
 
 /// The list of descriptions of extension plug-ins. It holds plain pointers and never calls them:
 /// whoever registers a description keeps it alive and unregisters it before destroying it. Nothing
-/// is locked: calls must not overlap.
+/// is locked: one thread uses it at a time, as a rule the main thread.
 class OVAPP_EXPORT ExtendPluginRegistry
 {
 public:
@@ -39,7 +39,7 @@ private:
     ~ExtendPluginRegistry();
     Q_DISABLE_COPY(ExtendPluginRegistry)
 
-    static ExtendPluginRegistry* _p_instance;
+    static OVAPP_NO_EXPORT ExtendPluginRegistry* _p_instance;
 
     QList<ExtendPluginInfo*> _infos;
 };

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QList>
-#include <QtGlobal>
 
 /// What the listener lists and the two registries have in common: a plain `QList` of pointers in
 /// order of registration, with no null and no duplicate in it, that owns nothing.
@@ -46,7 +45,7 @@ public:
             walk->changed = true;
     }
     /// Tells the passes that the entry at `index` was removed.
-    static void entryRemoved(qsizetype index)
+    static void entryRemoved(int index)
     {
         for (Walk* walk = _p_innermost; walk; walk = walk->_p_outer) {
             walk->changed = true;
@@ -56,7 +55,7 @@ public:
     }
 
     /// The place of the entry to call next.
-    qsizetype next = 0;
+    int next = 0;
     /// Set by every change of the list.
     bool changed = false;
 
@@ -82,7 +81,7 @@ bool add(QList<T*>& list, T* entry)
 template <typename T>
 void remove(QList<T*>& list, T* entry)
 {
-    const auto index = list.indexOf(entry);
+    const int index = int(list.indexOf(entry));
     if (index < 0)
         return;
     list.removeAt(index);
@@ -100,8 +99,8 @@ void callAll(const QList<T*>& list, const Arguments&... arguments)
         // read them afresh at every step would take as long as the call.
         walk.changed = false;
         const auto entries = list.constBegin();
-        const auto end = list.size();
-        for (qsizetype place = walk.next; place < end && !walk.changed; ++place) {
+        const int end = int(list.size());
+        for (int place = walk.next; place < end && !walk.changed; ++place) {
             walk.next = place + 1;
             (entries[place]->*operation)(arguments...);
         }

@@ -25,7 +25,7 @@ private:
     BoardEthDescHandler();
     ~BoardEthDescHandler();
 
-    static BoardEthDescHandler* _p_instance;
+    static OVCORE_NO_EXPORT BoardEthDescHandler* _p_instance;
 
     int _currentType;
 };

@@ -62,7 +62,7 @@ private:
     struct Private;
     std::unique_ptr<Private> d;
 
-    static Settings* _p_instance;
+    static OVCORE_NO_EXPORT Settings* _p_instance;
 };
 
 } // namespace Core

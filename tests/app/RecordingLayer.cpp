@@ -24,6 +24,8 @@
 #include <ovdoc/Storage.h>
 #include <ovshape/FontDatabase.h>
 #include <ovshape/FontPluginLoader.h>
+#include <registries/CommInfoRegistry.h>
+#include <registries/ExtendPluginRegistry.h>
 #include <system/ExecutionState.h>
 
 #include <QFile>
@@ -57,6 +59,8 @@ QString text(const QVariant& value)
     }
 #define RECORDED_SERVICE(name) RECORDED(name::init) RECORDED(name::destruct)
 
+RECORDED_SERVICE(App::CommInfoRegistry)
+RECORDED_SERVICE(App::ExtendPluginRegistry)
 RECORDED_SERVICE(Core::Settings)
 RECORDED_SERVICE(Core::SystemBackupManager)
 RECORDED_SERVICE(Core::SystemTimerManager)

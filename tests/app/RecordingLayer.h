@@ -5,8 +5,8 @@
 
 #include <functional>
 
-/// A second implementation of the layer below the library: it writes down every call that reaches
-/// it, with the arguments that matter, and answers as the fields say.
+/// A second implementation of the registries and the layer below the library: it writes down every
+/// call that reaches it, with the arguments that matter, and answers as the fields say.
 struct RecordingLayer
 {
     QStringList calls;
