@@ -211,7 +211,7 @@ private Q_SLOTS:
 
         const QTemporaryDir directory;
         qint64 smallest = std::numeric_limits<qint64>::max();
-        for (int i = 0; i < 20; ++i) {
+        for (unsigned i = 0; i < 20; ++i) {
             Core::Settings::instance().setApplicationDirPath(directory.path());
             QElapsedTimer timer;
             timer.start();
