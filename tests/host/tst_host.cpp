@@ -288,7 +288,7 @@ log: destruct application.)"_s;
 
     void interruptWatcher()
     {
-        const auto handler = [](int) {};
+        const auto handler = [](int){};
         const auto formerly = std::signal(SIGTERM, handler);
         std::signal(SIGHUP, SIG_IGN);
         int interrupts = 0;
