@@ -16,6 +16,8 @@ class Document;
 class Transaction;
 } // namespace Doc
 
+/// The layer between the executable and the plug-ins: start and stop, the active document,
+/// listeners, events, plug-ins, and the registries of extensions and of communication channels.
 namespace App {
 
 class ActiveDocumentListener;
@@ -104,10 +106,11 @@ public:
     bool closeDocument();
 
     /// @name Registering listeners
+    /// @{
+
     /// `add` operations register a listener, which is told after those registered before it. Null
     /// and a listener that is registered already are ignored. The listener is not owned. `remove`
     /// operations remove it; one that is not registered is ignored.
-    /// @{
     void addNewDocumentListener(NewDocumentListener* listener);
     void removeNewDocumentListener(NewDocumentListener* listener);
     void addCloseDocumentListener(CloseDocumentListener* listener);

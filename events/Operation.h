@@ -18,8 +18,11 @@ public:
     /// The type filter stays with the operation; its meaning is that of whoever derives, as is
     /// that of -1.
     explicit Operation(int typeFilter = -1);
+    /// A copy has the type filter and the group of its source.
+    /// @{
     Operation(const Operation& other);
     Operation& operator=(const Operation& other);
+    /// @}
     virtual ~Operation();
 
     /// Does what the operation is for; false when that failed.

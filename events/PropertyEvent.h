@@ -17,17 +17,23 @@ public:
     /// A record of nothing: the property type, the object type and the referenced object ID are
     /// -1, the value is invalid, the list empty.
     PropertyEvent();
+    /// A record of what is given; without `objectIDs` the list is empty.
+    /// @{
     PropertyEvent(Core::PropertyTypeID propertyTypeID, const QVariant& value, int objectType,
                   const QList<int>& objectIDs, int referObjectID);
-    /// A record without object IDs.
     PropertyEvent(Core::PropertyTypeID propertyTypeID, const QVariant& value, int objectType,
                   int referObjectID);
+    /// @}
+    /// A copy is independent of its source.
+    /// @{
     PropertyEvent(const PropertyEvent& other);
-    /// Leaves `other` without object IDs and its value unspecified; the rest of it stays.
-    PropertyEvent(PropertyEvent&& other) noexcept;
     PropertyEvent& operator=(const PropertyEvent& other);
+    /// @}
     /// Leaves `other` without object IDs and its value unspecified; the rest of it stays.
+    /// @{
+    PropertyEvent(PropertyEvent&& other) noexcept;
     PropertyEvent& operator=(PropertyEvent&& other) noexcept;
+    /// @}
     ~PropertyEvent();
 
     /// The property that changed.

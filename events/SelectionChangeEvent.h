@@ -14,9 +14,12 @@ public:
     /// What `type()` returns.
     static constexpr Type eventType = static_cast<Type>(QEvent::User + 101);
 
+    /// One event is as good as another.
+    /// @{
     SelectionChangeEvent();
     SelectionChangeEvent(const SelectionChangeEvent& other);
     SelectionChangeEvent& operator=(const SelectionChangeEvent& other);
+    /// @}
     ~SelectionChangeEvent() override;
 };
 

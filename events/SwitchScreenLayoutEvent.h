@@ -15,9 +15,12 @@ public:
     /// What `type()` returns.
     static constexpr Type eventType = static_cast<Type>(QEvent::User + 106);
 
+    /// An event with that board type, or with that of another event.
+    /// @{
     explicit SwitchScreenLayoutEvent(int boardType);
     SwitchScreenLayoutEvent(const SwitchScreenLayoutEvent& other);
     SwitchScreenLayoutEvent& operator=(const SwitchScreenLayoutEvent& other);
+    /// @}
     ~SwitchScreenLayoutEvent() override;
 
     /// The board type as it was given, whatever number that is.

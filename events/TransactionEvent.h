@@ -16,10 +16,12 @@ public:
     static constexpr Type eventType = static_cast<Type>(QEvent::User + 100);
 
     /// Copies the transaction, so that the original may change or go.
+    /// @{
     TransactionEvent(const Doc::Transaction& transaction, bool hasOnlyChanges,
                      int objectTypeFilter);
     TransactionEvent(const TransactionEvent& other);
     TransactionEvent& operator=(const TransactionEvent& other);
+    /// @}
     ~TransactionEvent() override;
 
     /// A copy of the transaction.

@@ -21,6 +21,7 @@ class OVAPP_EXPORT PingProcess : public QProcess
     Q_OBJECT
 
 public:
+    /// Starts nothing yet.
     explicit PingProcess(QObject* parent = nullptr);
     ~PingProcess() override;
 

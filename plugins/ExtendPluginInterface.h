@@ -12,8 +12,11 @@ class OVAPP_EXPORT ExtendPluginInterface : public PluginInterface
 {
 public:
     ExtendPluginInterface();
+    /// A copy has nothing of its source: there is nothing to copy.
+    /// @{
     ExtendPluginInterface(const ExtendPluginInterface& other);
     ExtendPluginInterface& operator=(const ExtendPluginInterface& other);
+    /// @}
     ~ExtendPluginInterface() override;
 
     /// Whether the document has to be saved before the executable starts the plug-in; false by

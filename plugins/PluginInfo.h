@@ -17,10 +17,13 @@ class OVAPP_EXPORT PluginInfo
 public:
     /// A record with the one entry "QtVersion": the version, as text, of the Qt that is running.
     PluginInfo();
+    /// A record of what another holds, or held.
+    /// @{
     PluginInfo(const PluginInfo& other);
     PluginInfo(PluginInfo&& other) noexcept;
     PluginInfo& operator=(const PluginInfo& other);
     PluginInfo& operator=(PluginInfo&& other) noexcept;
+    /// @}
     ~PluginInfo();
 
     /// The value of `key`, even an invalid one; `defaultValue` when there is no such key.

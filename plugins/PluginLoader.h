@@ -65,6 +65,11 @@ public:
     /// Scans afresh and loads every plug-in file in the order of `pluginFiles`; with
     /// `startPlugins`, starts each plug-in before the next is loaded. Plug-ins that are loaded
     /// already stay so, and are accepted, and started, once more: call `unloadPlugins` before.
+    ///
+    /// What a plug-in throws reaches the caller. Those before it are loaded then, and can be
+    /// unloaded; those after it are not. The one that threw stays in memory until the program ends
+    /// and is neither stopped nor unloaded, but what it registered before stays registered; if it
+    /// threw in `start`, its info is kept. End the session then, rather than load again.
     static void loadPlugins(bool startPlugins);
     /// Whether `loadPlugins` accepted a plug-in from this file that has not been unloaded since.
     static bool isLoaded(const QString& file);
@@ -74,6 +79,10 @@ public:
     /// loader would crash: the loader then has no file. It also asks for every symbol at once, as
     /// Windows does everywhere: a plug-in that lacks a function is refused here, and does not end
     /// the program when it first calls it.
+    ///
+    /// The object is the plug-in file's own, one for all loaders of the file: never delete it. It
+    /// lives until the last of them unloads the file; destroying a loader does not. The loader
+    /// stays the caller's.
     static QObject* rootObjectOf(const QString& file, QPluginLoader& loader);
     /// Takes one root object as a plug-in: keeps its info and, with `startPlugins`, starts it.
     /// Returns false, and leaves the object alone, unless `verdictOn` accepts it. `filePath`, the

@@ -22,8 +22,11 @@ class OVAPP_EXPORT CommInfo
 {
 public:
     CommInfo();
+    /// A copy is not registered, whether its source is or not.
+    /// @{
     CommInfo(const CommInfo& other);
     CommInfo& operator=(const CommInfo& other);
+    /// @}
     virtual ~CommInfo();
 
     /// What the log calls the channel; empty by default.

@@ -26,8 +26,11 @@ class OVAPP_EXPORT ExtendPluginInfo
 {
 public:
     ExtendPluginInfo();
+    /// A copy is not registered, whether its source is or not.
+    /// @{
     ExtendPluginInfo(const ExtendPluginInfo& other);
     ExtendPluginInfo& operator=(const ExtendPluginInfo& other);
+    /// @}
     virtual ~ExtendPluginInfo();
 
     /// The name by which programs know the extension; empty by default.

@@ -6,12 +6,17 @@ namespace Core {
 class PropertyTypeID
 {
 public:
+    /// A number converts to an identifier, and is had back as it was given.
+    /// @{
     PropertyTypeID(int value) : _value(value) {}
-
     int value() const { return _value; }
+    /// @}
 
+    /// Identifiers are the same where their numbers are.
+    /// @{
     bool operator==(const PropertyTypeID& other) const { return _value == other._value; }
     bool operator!=(const PropertyTypeID& other) const { return _value != other._value; }
+    /// @}
 
 private:
     int _value;

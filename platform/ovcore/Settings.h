@@ -8,6 +8,7 @@
 
 class QString;
 
+/// What every part of the program uses: settings, the log, the description of the board, versions.
 namespace Core {
 
 /// The program's settings: stored values, which persist in the INI file `ovapp.ini` of the

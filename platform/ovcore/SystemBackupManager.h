@@ -9,8 +9,11 @@ namespace Core {
 class OVCORE_EXPORT SystemBackupManager
 {
 public:
+    /// `App::Application` calls these at start-up and shutdown, on the main thread.
+    /// @{
     static void init();
     static void destruct();
+    /// @}
 };
 
 } // namespace Core

@@ -9,8 +9,11 @@ namespace Database {
 class OVDATABASE_EXPORT MemoryDatabaseManager
 {
 public:
+    /// `App::Application` calls these at start-up and shutdown, on the main thread.
+    /// @{
     static void init();
     static void destruct();
+    /// @}
 };
 
 } // namespace Database

@@ -6,6 +6,7 @@
 
 #include <memory>
 
+/// Documents and what they hold.
 namespace Doc {
 
 class Storage;

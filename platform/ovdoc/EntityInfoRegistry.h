@@ -9,8 +9,11 @@ namespace Doc {
 class OVDOC_EXPORT EntityInfoRegistry
 {
 public:
+    /// `App::Application` calls these at start-up and shutdown, on the main thread.
+    /// @{
     static void init();
     static void destruct();
+    /// @}
 };
 
 } // namespace Doc

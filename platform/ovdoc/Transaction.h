@@ -11,14 +11,19 @@ namespace Doc {
 class OVDOC_EXPORT Transaction
 {
 public:
+    /// A change of that name, or with that of another.
+    /// @{
     explicit Transaction(const QString& name = QString());
     Transaction(const Transaction& other);
     Transaction& operator=(const Transaction& other);
+    /// @}
     ~Transaction();
 
     /// What the user sees in the list of changes; empty when the change has no name.
+    /// @{
     QString name() const;
     void setName(const QString& name);
+    /// @}
 
 private:
     QString _name;

@@ -4,6 +4,7 @@
 
 #include <QStringList>
 
+/// The fonts that texts are marked in.
 namespace FontLibrary {
 
 /// The font files that the program may use. Main thread only.

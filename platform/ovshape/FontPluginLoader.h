@@ -9,8 +9,11 @@ namespace FontLibrary {
 class OVSHAPE_EXPORT FontPluginLoader
 {
 public:
+    /// `App::Application` calls these at start-up and shutdown, on the main thread.
+    /// @{
     static void init();
     static void destruct();
+    /// @}
 };
 
 } // namespace FontLibrary
