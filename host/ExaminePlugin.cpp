@@ -13,6 +13,7 @@
 
 #include <QCommandLineParser>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QJsonDocument>
 #include <QPluginLoader>
 
@@ -41,12 +42,12 @@ namespace {
 using App::PluginLoader;
 using Verdict = PluginLoader::Verdict;
 
-std::FILE* listener = nullptr;
+std::FILE* toExaminer = nullptr;
 
 void tell(const QJsonObject& parts)
 {
     // Without anyone who listens there is no reason to go on.
-    if (!write(listener, QJsonDocument(parts).toJson(QJsonDocument::Compact) + '\n'))
+    if (!write(toExaminer, QJsonDocument(parts).toJson(QJsonDocument::Compact) + '\n'))
         std::_Exit(JobFailed);
 }
 
@@ -60,11 +61,11 @@ bool takeStandardOutput()
 {
     std::fflush(stdout);
 #ifdef Q_OS_WIN
-    listener = _fdopen(_dup(1), "w");
-    return listener && _dup2(2, 1) == 0;
+    toExaminer = _fdopen(_dup(1), "w");
+    return toExaminer && _dup2(2, 1) == 0;
 #else
-    listener = ::fdopen(::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0), "w");
-    return listener && ::dup2(STDERR_FILENO, STDOUT_FILENO) != -1;
+    toExaminer = ::fdopen(::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0), "w");
+    return toExaminer && ::dup2(STDERR_FILENO, STDOUT_FILENO) != -1;
 #endif
 }
 
@@ -105,9 +106,34 @@ QString hexadecimal(quint64 number)
     return QLatin1String("0x") + QString::number(number, 16);
 }
 
-/// Qt's own words, with a hint where they do not help.
+/// The major version of the Qt that a library was built with instead of this program's; 0 if it was
+/// not, as far as the names of the libraries tell that it wants loaded.
+int otherQtOf(const QString& file)
+{
+    QFile library(file);
+    if (!library.open(QIODevice::ReadOnly))
+        return 0;
+    const QByteArray content = library.readAll();
+    const auto wants = [&content](int qt) {
+        return content.contains("Qt" + QByteArray::number(qt) + "Core");
+    };
+    if (wants(QT_VERSION_MAJOR))
+        return 0;
+    for (const int qt : {5, 6, 7}) {
+        if (wants(qt))
+            return qt;
+    }
+    return 0;
+}
+
+/// Qt's own words, where they help.
 QString loadError(const QPluginLoader& loader)
 {
+    if (const int qt = otherQtOf(loader.fileName())) {
+        return QStringLiteral("it is built with Qt %1, and this program with Qt %2")
+            .arg(qt)
+            .arg(QT_VERSION_MAJOR);
+    }
     return loader.metaData().isEmpty()
                ? loader.errorString() + QStringLiteral("; is Q_PLUGIN_METADATA in its class?")
                : loader.errorString();
