@@ -373,7 +373,8 @@ log: destruct application.)"_s;
             {"exit.dll"_s, "unloaded _exit", "exited", "status 0, while it was unloaded"},
             {"hang.dll"_s, "stopped hang", "timed-out", "4 s, and was ended while it was stopped"},
             {"overflow.dll"_s, "started overflow", "crashed", "while it was started"},
-            {"symbol.dll"_s, "symbol", "no-plugin", "Qt cannot load it"},
+            {"symbol.dll"_s, "symbol", Tools::isWine() ? "crashed" : "no-plugin",
+             Tools::isWine() ? "while it was asked" : "Qt cannot load it"},
             {"throw.dll"_s, "asked throw", "crashed", "(of no use) while it was asked"}};
         for (const auto& row : rows)
             writeFailingPlugin(directory.filePath(row.file), row.way);

@@ -5,6 +5,7 @@
 #include <QByteArray>
 #include <QDir>
 #include <QFile>
+#include <QLibrary>
 #include <QStandardPaths>
 #include <QString>
 
@@ -24,6 +25,12 @@ inline bool isAlwaysFound(const QString& tool)
 {
     const QString systemDirectory = qEnvironmentVariable("SystemRoot") + "/System32"_s;
     return !QStandardPaths::findExecutable(tool, {systemDirectory}).isEmpty();
+}
+
+/// Whether Windows is Wine, which loads a library whose functions are not all there.
+inline bool isWine()
+{
+    return QLibrary::resolve("ntdll"_s, "wine_get_version") != nullptr;
 }
 
 /// What a program has printed, with the line ends that it meant.
