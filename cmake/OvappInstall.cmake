@@ -1,4 +1,5 @@
-# The CMake package: find_package(ovapp CONFIG) gives ovapp::ovapp and ovapp_add_plugin.
+# What others build against: find_package(ovapp CONFIG) gives ovapp::ovapp and ovapp_add_plugin, and
+# `pkg-config ovapp` the options of a compiler.
 include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/ovapp${ovapp_qt_suffix})
@@ -16,14 +17,28 @@ install(FILES
         ${PROJECT_BINARY_DIR}/ovappVersion.cmake
         cmake/OvappPlugin.cmake
         cmake/OvappQt.cmake
-    DESTINATION ${package_dir})
-install(EXPORT ovappTargets NAMESPACE ovapp:: DESTINATION ${package_dir})
+    DESTINATION ${package_dir} COMPONENT development)
+install(EXPORT ovappTargets NAMESPACE ovapp:: DESTINATION ${package_dir} COMPONENT development)
 
-# `cpack` packs what is needed to run the host, not what is needed to build against the library, into
-# an archive of one folder.
-set(CPACK_GENERATOR ZIP)
-set(CPACK_ARCHIVE_COMPONENT_INSTALL ON)
-set(CPACK_COMPONENTS_ALL runtime)
-set(CPACK_COMPONENTS_GROUPING ALL_COMPONENTS_IN_ONE)
-set(CPACK_COMPONENT_INCLUDE_TOPLEVEL_DIRECTORY ON)
+set(pc_libraries "")
+foreach(library ovapp ovdoc ovcore ovdatabase ovshape ovsystem)
+    string(APPEND pc_libraries " -l${library}${ovapp_qt_suffix}")
+endforeach()
+file(RELATIVE_PATH prefix_path /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+configure_file(cmake/ovapp.pc.in ${PROJECT_BINARY_DIR}/ovapp${ovapp_qt_suffix}.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/ovapp${ovapp_qt_suffix}.pc
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+
+# What `cpack` makes: by default, of what is needed to run the host and not of what is needed to build
+# against the library, an archive of one folder.
+set(CPACK_GENERATOR ZIP CACHE STRING "ZIP, or DEB as the preset debian has it")
+if(CPACK_GENERATOR STREQUAL "DEB")
+    include(cmake/OvappDebian.cmake)
+else()
+    set(CPACK_ARCHIVE_COMPONENT_INSTALL ON)
+    set(CPACK_COMPONENTS_ALL runtime host)
+    set(CPACK_COMPONENTS_GROUPING ALL_COMPONENTS_IN_ONE)
+    set(CPACK_COMPONENT_INCLUDE_TOPLEVEL_DIRECTORY ON)
+endif()
+set(CPACK_PROJECT_CONFIG_FILE ${PROJECT_SOURCE_DIR}/cmake/OvappCPackCheck.cmake)
 include(CPack)

@@ -31,6 +31,7 @@ function(ovapp_add_library target)
         VERSION ${PROJECT_VERSION}
         SOVERSION ${PROJECT_VERSION_MAJOR}
         OUTPUT_NAME ${target}${ovapp_qt_suffix}
+        INSTALL_RPATH "$ORIGIN"
         INTERFACE_QT_MAJOR_VERSION ${QT_MAJOR_VERSION}
         COMPATIBLE_INTERFACE_STRING QT_MAJOR_VERSION)
     target_compile_features(${target} PUBLIC cxx_std_17)
@@ -63,8 +64,12 @@ function(ovapp_add_library target)
             RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime
             LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime
                 NAMELINK_COMPONENT development
-            ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
-            FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ovapp${ovapp_qt_suffix}
-            FILE_SET export_header DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ovapp${ovapp_qt_suffix})
+            ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
+            FILE_SET HEADERS
+                DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ovapp${ovapp_qt_suffix}
+                COMPONENT development
+            FILE_SET export_header
+                DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ovapp${ovapp_qt_suffix}
+                COMPONENT development)
     endif()
 endfunction()

@@ -11,13 +11,14 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QSettings>
+#include <QStandardPaths>
 
 namespace Host {
 
 SessionOptions::SessionOptions(QCommandLineParser& parser)
     : _applicationDirOption(
           QStringLiteral("app-dir"),
-          QStringLiteral("Where settings and log are kept; the executable's directory by default."),
+          QStringLiteral("Where settings and log are kept; the user's data directory by default."),
           QStringLiteral("DIR")),
       _pluginDirOption(QStringLiteral("plugins"),
                        QStringLiteral("Where plug-ins are looked for; \"" OVAPP_PLUGINS_PATH
@@ -64,13 +65,17 @@ std::optional<int> SessionOptions::parse(QCommandLineParser& parser, const QStri
 
 void SessionOptions::startLibrary() const
 {
-    if (!_applicationDir.isEmpty()) {
-        if (!QFileInfo::exists(_applicationDir) && QDir().mkpath(_applicationDir)) {
-            warn(QStringLiteral("--app-dir: there was no directory %1; it has been made")
-                     .arg(quoted(_applicationDir)));
-        }
-        Core::Settings::instance().setApplicationDirPath(_applicationDir);
+    // The executable's directory, which is the library's choice, may be everybody's.
+    const QString applicationDir =
+        _applicationDir.isEmpty()
+            ? QStandardPaths::writableLocation(QStandardPaths::AppDataLocation)
+            : _applicationDir;
+    const bool isNew = !QFileInfo::exists(applicationDir) && QDir().mkpath(applicationDir);
+    if (isNew && !_applicationDir.isEmpty()) {
+        warn(QStringLiteral("--app-dir: there was no directory %1; it has been made")
+                 .arg(quoted(_applicationDir)));
     }
+    Core::Settings::instance().setApplicationDirPath(applicationDir);
     Core::Settings::instance().setPluginDirPath(
         _pluginDir.isEmpty() ? QDir(QCoreApplication::applicationDirPath())
                                    .filePath(QStringLiteral(OVAPP_PLUGINS_PATH))

@@ -17,11 +17,11 @@ if(files MATCHES "\\.(h|a|cmake)(;|$)")
     message(FATAL_ERROR "packed is what only developers need: ${CMAKE_MATCH_0}")
 endif()
 
-execute_process(COMMAND ${emulator} ${folder}/${host} plugins
+execute_process(COMMAND ${emulator} ${folder}/${host} plugins --app-dir .
     WORKING_DIRECTORY ${folder} OUTPUT_VARIABLE plugins ECHO_OUTPUT_VARIABLE
     COMMAND_ERROR_IS_FATAL ANY)
 if(NOT plugins MATCHES "tcp-trigger\\.dll")
     message(FATAL_ERROR "the sample plug-ins are missing")
 endif()
-execute_process(COMMAND ${emulator} ${folder}/${host} run
+execute_process(COMMAND ${emulator} ${folder}/${host} run --app-dir .
     WORKING_DIRECTORY ${folder} COMMAND_ERROR_IS_FATAL ANY)

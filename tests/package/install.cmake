@@ -2,5 +2,5 @@
 file(REMOVE_RECURSE ${prefix})
 execute_process(COMMAND ${CMAKE_COMMAND} --install ${build} --config ${config} --prefix ${prefix}
     COMMAND_ERROR_IS_FATAL ANY)
-execute_process(COMMAND ${emulator} ${host} plugins COMMAND_ERROR_IS_FATAL ANY)
-execute_process(COMMAND ${emulator} ${host} run COMMAND_ERROR_IS_FATAL ANY)
+execute_process(COMMAND ${emulator} ${host} plugins --app-dir ${prefix} COMMAND_ERROR_IS_FATAL ANY)
+execute_process(COMMAND ${emulator} ${host} run --app-dir ${prefix} COMMAND_ERROR_IS_FATAL ANY)

@@ -30,7 +30,7 @@ foreach(file ${files})
 endforeach()
 
 # The host finds samples where the build has put them.
-execute_process(COMMAND ${other}/build/Release/${host} run
+execute_process(COMMAND ${other}/build/Release/${host} run --app-dir ${dir}
     OUTPUT_VARIABLE session ECHO_OUTPUT_VARIABLE COMMAND_ERROR_IS_FATAL ANY)
 if(NOT session MATCHES "tcp-trigger\\.dll is accepted")
     message(FATAL_ERROR "the sample plug-ins are not where the host looks")
