@@ -176,6 +176,8 @@ void Application::postSelectionChangedEvent(QObject* receiver)
     post(receiver, new SelectionChangeEvent);
 }
 
+// The transaction is the caller's to change, as it is in the notification.
+// cppcheck-suppress constParameter
 void Application::postTransactionEvent(Doc::Transaction& transaction, bool hasOnlyChanges,
                                        int objectTypeFilter, QObject* receiver)
 {

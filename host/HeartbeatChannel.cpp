@@ -8,7 +8,7 @@ HeartbeatChannel::HeartbeatChannel(Report& report, std::chrono::milliseconds int
     : _report(report)
 {
     _timer.setInterval(interval);
-    QObject::connect(&_timer, &QTimer::timeout,
+    QObject::connect(&_timer, &QTimer::timeout, &_timer,
                      [this] { _report.line(name(), QStringLiteral("is alive")); });
 }
 

@@ -57,9 +57,10 @@ std::optional<int> read(const QStringList& arguments, const QString& description
         bool isNumber = false;
         number = parser.value(option).toInt(&isNumber);
         if (!isNumber || number < least) {
-            return fail(BadUsage, QStringLiteral("--%1: %2 is no whole number from %3 up")
-                                      .arg(option.names().first(), quoted(parser.value(option)))
-                                      .arg(least));
+            return fail(BadUsage,
+                        QStringLiteral("--%1: %2 is no whole number from %3 up")
+                            .arg(option.names().constFirst(), quoted(parser.value(option)))
+                            .arg(least));
         }
     }
     return std::nullopt;
@@ -102,13 +103,13 @@ int runPing(const QString& host, int count)
     QEventLoop loop;
     bool launched = true;
     QByteArray complaint;
-    QObject::connect(&process, &QProcess::readyReadStandardOutput, [&] {
+    QObject::connect(&process, &QProcess::readyReadStandardOutput, &loop, [&] {
         if (!printReport(process.readAllStandardOutput()))
             System::interruptProcess(process.processId());
     });
-    QObject::connect(&process, &QProcess::readyReadStandardError,
+    QObject::connect(&process, &QProcess::readyReadStandardError, &loop,
                      [&] { complaint += process.readAllStandardError(); });
-    QObject::connect(&process, &QProcess::errorOccurred, [&](QProcess::ProcessError error) {
+    QObject::connect(&process, &QProcess::errorOccurred, &loop, [&](QProcess::ProcessError error) {
         launched = launched && error != QProcess::FailedToStart;
         if (!launched)
             loop.quit();
@@ -157,7 +158,7 @@ int runTrace(const QString& host, int maxHops)
         System::interruptProcess(process.toolProcessId());
         QTimer::singleShot(500, &loop, &QEventLoop::quit);
     };
-    QObject::connect(&process, &TracerouteProcess::readyReadStandardOutput, [&] {
+    QObject::connect(&process, &TracerouteProcess::readyReadStandardOutput, &loop, [&] {
         if (!printNews())
             endTool();
     });

@@ -56,7 +56,8 @@ void conclude(PluginReport& report, QProcess& process, bool isTimeUp, std::chron
     const QString occupation = QLatin1String(Tale::occupation);
     const QString ending = QLatin1String(Tale::ending);
     report.add({{occupation, QStringLiteral("the library was started")}});
-    for (const QByteArray& line : process.readAllStandardOutput().split('\n'))
+    const QList<QByteArray> lines = process.readAllStandardOutput().split('\n');
+    for (const QByteArray& line : lines)
         report.add(QJsonDocument::fromJson(line).object());
     const QString lastOccupation = report.take(occupation);
     QString endedBy = report.take(ending);
@@ -110,7 +111,7 @@ std::vector<PluginReport> PluginExaminer::examine(const QStringList& files)
 
 void PluginExaminer::startNext()
 {
-    PluginReport& report = *_waiting.front();
+    PluginReport* const report = _waiting.front();
     _waiting.pop_front();
     ++_running;
     auto* process = new QProcess(&_loop);
@@ -125,8 +126,8 @@ void PluginExaminer::startNext()
         end(process);
     });
     QObject::connect(process, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished),
-                     process, [this, process, timer, &report] {
-                         conclude(report, *process, !timer->isActive(), _timeout);
+                     process, [this, process, timer, report] {
+                         conclude(*report, *process, !timer->isActive(), _timeout);
                          end(process);
                      });
     process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
@@ -134,7 +135,7 @@ void PluginExaminer::startNext()
     timer->start(_timeout);
     process->start(QCoreApplication::applicationFilePath(),
                    _arguments +
-                       QStringList{QStringLiteral("--file"), report.text(QStringLiteral("file"))});
+                       QStringList{QStringLiteral("--file"), report->text(QStringLiteral("file"))});
 }
 
 void PluginExaminer::end(QProcess* process)

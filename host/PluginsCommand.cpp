@@ -148,8 +148,9 @@ int plugins(const QStringList& arguments)
 
     options.startLibrary();
     warnIfSettingsCannotBeKept();
-    for (const QString& file :
-         undecodableFiles(App::PluginLoader::pluginsPath(), App::PluginLoader::pluginSuffix()))
+    const QStringList hidden =
+        undecodableFiles(App::PluginLoader::pluginsPath(), App::PluginLoader::pluginSuffix());
+    for (const QString& file : hidden)
         warn(QStringLiteral("%1 is passed over: its name is no UTF-8").arg(quoted(file)));
     const bool profiled = parser.isSet(profile);
     // What is measured is not to be disturbed.

@@ -77,9 +77,8 @@ void changeDocument(Doc::Document* document, SessionReceiver& receiver)
 /// Keeps the channels started until an interrupt if they are to `stay`, else for some heartbeats.
 void runChannels(bool stay, Report& report)
 {
-    using namespace std::chrono_literals;
     App::CommInfoRegistry& channels = *App::CommInfoRegistry::instance();
-    HeartbeatChannel heartbeat(report, stay ? 1s : 20ms);
+    HeartbeatChannel heartbeat(report, std::chrono::milliseconds(stay ? 1000 : 20));
     channels.registerCommInfo(&heartbeat);
     channels.start();
     QEventLoop loop;
@@ -93,9 +92,9 @@ void runChannels(bool stay, Report& report)
             if (std::ferror(stdout))
                 loop.quit();
         });
-        readerTimer.start(1s);
+        readerTimer.start(1000);
     } else {
-        QTimer::singleShot(70ms, &loop, &QEventLoop::quit);
+        QTimer::singleShot(70, &loop, &QEventLoop::quit);
     }
     loop.exec();
     watcher.reset();
@@ -166,7 +165,8 @@ void loadPlugins(Steps& steps)
     PluginLoader::initPluginIDValue();
     PluginLoader::loadPlugins(true);
     const QDir directory(PluginLoader::pluginsPath());
-    for (const QString& file : PluginLoader::pluginFiles()) {
+    const QStringList files = PluginLoader::pluginFiles();
+    for (const QString& file : files) {
         steps.report().line(host,
                             directory.relativeFilePath(file) +
                                 (PluginLoader::isLoaded(file)

@@ -38,7 +38,7 @@ std::optional<int> SessionOptions::parse(QCommandLineParser& parser, const QStri
         return status;
     if (!parser.positionalArguments().isEmpty()) {
         return fail(BadUsage, QStringLiteral("%1 is no option, and nothing else is taken")
-                                  .arg(quoted(parser.positionalArguments().first())));
+                                  .arg(quoted(parser.positionalArguments().constFirst())));
     }
     _applicationDir = parser.value(_applicationDirOption);
     if (_applicationDir.isEmpty() && parser.isSet(_applicationDirOption))

@@ -11,6 +11,7 @@ public:
     Utf8Console(const Utf8Console&) = delete;
     Utf8Console& operator=(const Utf8Console&) = delete;
     /// The console shows what it did before.
+    // NOLINTNEXTLINE(performance-trivially-destructible): not on Windows.
     ~Utf8Console();
 
 private:

@@ -89,7 +89,8 @@ void TracerouteProcess::prepare()
         // watcher's brings it, some is on its way already, to an object that belongs to the
         // watcher.
         _watcher->removePath(_outputFilePath);
-        for (QObject* messenger : _watcher->findChildren<QObject*>())
+        const QList<QObject*> messengers = _watcher->findChildren<QObject*>();
+        for (QObject* messenger : messengers)
             QCoreApplication::removePostedEvents(messenger, QEvent::MetaCall);
     }
 

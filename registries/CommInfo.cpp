@@ -4,9 +4,9 @@ namespace App {
 
 CommInfo::CommInfo() = default;
 
-CommInfo::CommInfo(const CommInfo& other) = default;
+CommInfo::CommInfo(const CommInfo&) = default;
 
-CommInfo& CommInfo::operator=(const CommInfo& other) = default;
+CommInfo& CommInfo::operator=(const CommInfo&) = default;
 
 CommInfo::~CommInfo() = default;
 

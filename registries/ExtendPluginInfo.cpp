@@ -4,9 +4,9 @@ namespace App {
 
 ExtendPluginInfo::ExtendPluginInfo() = default;
 
-ExtendPluginInfo::ExtendPluginInfo(const ExtendPluginInfo& other) = default;
+ExtendPluginInfo::ExtendPluginInfo(const ExtendPluginInfo&) = default;
 
-ExtendPluginInfo& ExtendPluginInfo::operator=(const ExtendPluginInfo& other) = default;
+ExtendPluginInfo& ExtendPluginInfo::operator=(const ExtendPluginInfo&) = default;
 
 ExtendPluginInfo::~ExtendPluginInfo() = default;
 

@@ -40,8 +40,6 @@ BoardEthDescHandler::BoardEthDescHandler() : _currentType(storedBoardType())
 {
 }
 
-BoardEthDescHandler::~BoardEthDescHandler() = default;
-
 int BoardEthDescHandler::currentBoardEthDescType() const
 {
     return _currentType;

@@ -23,7 +23,7 @@ public:
 
 private:
     BoardEthDescHandler();
-    ~BoardEthDescHandler();
+    ~BoardEthDescHandler() = default;
 
     static OVCORE_NO_EXPORT BoardEthDescHandler* _p_instance;
 

@@ -35,6 +35,8 @@ void writeToAll(const QList<ConsoleObserver*>& observers, ConsoleObserver::Sever
         return;
 
     const QByteArray line = formatted(format, arguments);
+    // An observer that is called may attach and detach others.
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
     const QList<ConsoleObserver*> attached = observers;
     for (ConsoleObserver* observer : attached) {
         if (observers.contains(observer))

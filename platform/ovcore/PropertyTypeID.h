@@ -8,6 +8,8 @@ class PropertyTypeID
 public:
     /// A number converts to an identifier, and is had back as it was given.
     /// @{
+    // A number stands for a property wherever one is wanted.
+    // cppcheck-suppress noExplicitConstructor
     PropertyTypeID(int value) : _value(value) {}
     int value() const { return _value; }
     /// @}

@@ -167,7 +167,7 @@ QString libraryFileProblem(const QString& path)
     const int file = ::open(name.constData(), O_RDONLY | O_CLOEXEC);
     if (file < 0)
         return unreadable(qt_error_string(errno));
-    const QString problem = problemOf(file, static_cast<quint64>(status.st_size));
+    QString problem = problemOf(file, static_cast<quint64>(status.st_size));
     ::close(file);
     return problem;
 }

@@ -15,7 +15,7 @@ void removeAbandonedLock(const QString& settingsFile)
     // a process depend on the file's age.
     QLockFile lock(path);
     lock.setStaleLockTime(100);
-    lock.tryLock(200);
+    [[maybe_unused]] const bool removed = lock.tryLock(200);
 }
 
 } // namespace System

@@ -27,9 +27,9 @@ QByteArray socketName(const QByteArray& address)
     const QByteArray unixDomain = "unix:";
     if (!address.startsWith(unixDomain))
         return {};
-    for (const QByteArray& option : address.mid(unixDomain.size()).split(',')) {
-        const QByteArray value =
-            QByteArray::fromPercentEncoding(option.mid(option.indexOf('=') + 1));
+    const QList<QByteArray> options = address.mid(unixDomain.size()).split(',');
+    for (const QByteArray& option : options) {
+        QByteArray value = QByteArray::fromPercentEncoding(option.mid(option.indexOf('=') + 1));
         if (option.startsWith("path="))
             return value;
         if (option.startsWith("abstract="))
@@ -71,10 +71,11 @@ QString programName()
 
 SleepInhibitor::SleepInhibitor() : _program(programName()), _end(::eventfd(0, EFD_CLOEXEC))
 {
-    QByteArray addresses = qgetenv("DBUS_SYSTEM_BUS_ADDRESS");
-    if (addresses.isEmpty())
-        addresses = "unix:path=/var/run/dbus/system_bus_socket";
-    for (const QByteArray& address : addresses.split(';')) {
+    QByteArray value = qgetenv("DBUS_SYSTEM_BUS_ADDRESS");
+    if (value.isEmpty())
+        value = "unix:path=/var/run/dbus/system_bus_socket";
+    const QList<QByteArray> addresses = value.split(';');
+    for (const QByteArray& address : addresses) {
         const int knocking = knockAt(address);
         if (knocking < 0)
             continue;

@@ -208,7 +208,7 @@ log: destruct application.)"_s;
                                       << QStringList("ovapp-host: complaint"_s);
         QTest::newRow("no ping") << false << "ping here" << 1 << none
                                  << missing("ping", "iputils-ping");
-        const QStringList hops(QLatin1String(SystemTools::tracerouteMaxHops));
+        const QStringList hops{QLatin1String(SystemTools::tracerouteMaxHops)};
         QTest::newRow("traced") << true << "trace --max-hops 1 slow" << 0
                                 << hops + words("1 slow complaint") + QStringList(" 1  later"_s)
                                 << none;
