@@ -92,10 +92,12 @@ void PluginLoader::loadPlugins(bool startPlugins)
 
 bool PluginLoader::isLoaded(const QString& file)
 {
+    // A loader's name of its file is the canonical one. To ask the file system about each of them
+    // would take seconds where there are a thousand.
     const QFileInfo info(file);
-    return std::any_of(
-        _pluginLoaders.cbegin(), _pluginLoaders.cend(),
-        [&info](const QPluginLoader* loader) { return QFileInfo(loader->fileName()) == info; });
+    const QString path = info.exists() ? info.canonicalFilePath() : info.absoluteFilePath();
+    return std::any_of(_pluginLoaders.cbegin(), _pluginLoaders.cend(),
+                       [&path](const QPluginLoader* loader) { return loader->fileName() == path; });
 }
 
 QObject* PluginLoader::rootObjectOf(const QString& file, QPluginLoader& loader)

@@ -15,6 +15,7 @@
 #include <sys/eventfd.h>
 #include <sys/socket.h>
 #include <sys/un.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace System {
@@ -69,8 +70,11 @@ QString programName()
 
 } // namespace
 
-SleepInhibitor::SleepInhibitor() : _program(programName()), _end(::eventfd(0, EFD_CLOEXEC))
+SleepInhibitor::SleepInhibitor()
+    : _program(programName()), _process(::getpid()), _end(::eventfd(0, EFD_CLOEXEC))
 {
+    if (_end < 0)
+        return;
     QByteArray value = qgetenv("DBUS_SYSTEM_BUS_ADDRESS");
     if (value.isEmpty())
         value = "unix:path=/var/run/dbus/system_bus_socket";
@@ -79,20 +83,32 @@ SleepInhibitor::SleepInhibitor() : _program(programName()), _end(::eventfd(0, EF
         const int knocking = knockAt(address);
         if (knocking < 0)
             continue;
-        _thread = std::thread([=] {
-            if (answers(knocking))
-                ask(QString::fromLatin1(address));
-        });
+        try {
+            _thread = std::thread([=] {
+                if (answers(knocking))
+                    ask(QString::fromLatin1(address));
+            });
+        } catch (const std::system_error&) {
+            // The user may have no more threads.
+            ::close(knocking);
+        }
         break;
     }
 }
 
 SleepInhibitor::~SleepInhibitor()
 {
-    ::eventfd_write(_end, 1);
-    if (_thread.joinable())
+    if (!_thread.joinable()) {
+        // There is nothing to end.
+    } else if (::getpid() == _process) {
+        ::eventfd_write(_end, 1);
         _thread.join();
-    ::close(_end);
+    } else {
+        // In a child that was forked there is no such thread, and the end would be the parent's.
+        _thread.detach();
+    }
+    if (_end >= 0)
+        ::close(_end);
 }
 
 bool SleepInhibitor::answers(int knocking) const

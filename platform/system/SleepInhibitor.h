@@ -2,6 +2,7 @@
 
 #include <QString>
 
+#include <sys/types.h>
 #include <thread>
 
 namespace System {
@@ -30,6 +31,8 @@ private:
     bool endsWithin(int milliseconds, int socket = -1) const;
 
     const QString _program;
+    /// The process that the thread is one of.
+    const pid_t _process;
     /// Readable when the thread is to end.
     const int _end;
     std::thread _thread;

@@ -6,8 +6,10 @@
 #include <QtTest>
 
 #include <csignal>
+#include <cstdio>
 #include <sys/socket.h>
 #include <sys/un.h>
+#include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
@@ -174,6 +176,10 @@ private Q_SLOTS:
         Helper child;
         child.run({QCoreApplication::applicationFilePath(), "--end"_s, way});
         QVERIFY(becomesHeld());
+        child.write("fork");
+        QVERIFY(child.waitForReadyRead());
+        QTest::qWait(100);
+        QVERIFY(becomesHeld());
         if (way == "killed"_s)
             child.kill();
         else
@@ -294,12 +300,20 @@ private:
     QDBusConnection _manager = QDBusConnection("none"_s);
 };
 
-/// Asks for the system to stay awake, and ends without withdrawing it when its input does.
+/// Asks for the system to stay awake, and ends without withdrawing it when its input does. At input
+/// it forks: what the child withdraws is its own.
 int end(const QByteArray& way)
 {
     setThreadExecutionState(asked);
-    char byte;
-    while (read(STDIN_FILENO, &byte, 1) > 0) {
+    char input[9];
+    while (read(STDIN_FILENO, input, sizeof input) > 0) {
+        if (fork() == 0) {
+            setThreadExecutionState(withdrawn);
+            _exit(0);
+        }
+        wait(nullptr);
+        std::putchar('.');
+        std::fflush(stdout);
     }
     if (way == "exit")
         std::thread([] { std::exit(0); }).join();
