@@ -1,7 +1,7 @@
 #include <plugins/PluginBaseSettings.h>
 
 #include <ovcore/Settings.h>
-#include <system/SettingsLock.h>
+#include <system/SettingsFile.h>
 
 #include <QDir>
 #include <QFile>
@@ -50,7 +50,8 @@ PluginBaseSettings& PluginBaseSettings::operator=(const PluginBaseSettings& othe
 
 PluginBaseSettings::~PluginBaseSettings()
 {
-    flush();
+    if (_p_settings)
+        System::writeSettings(*_p_settings, System::Unwritten::Drop);
     delete _p_settings;
 }
 
@@ -112,10 +113,8 @@ QString PluginBaseSettings::defaultConfigPath() const
 
 void PluginBaseSettings::flush()
 {
-    if (!_p_settings)
-        return;
-    System::removeAbandonedLock(_p_settings->fileName());
-    _p_settings->sync();
+    if (_p_settings)
+        System::writeSettings(*_p_settings);
 }
 
 } // namespace App

@@ -1,6 +1,6 @@
 #include <ovcore/Settings.h>
 
-#include <system/SettingsLock.h>
+#include <system/SettingsFile.h>
 
 #include <QCoreApplication>
 #include <QDir>
@@ -37,7 +37,11 @@ Settings::Settings() : d(std::make_unique<Private>())
 {
 }
 
-Settings::~Settings() = default;
+Settings::~Settings()
+{
+    if (d->store)
+        System::writeSettings(*d->store, System::Unwritten::Drop);
+}
 
 void Settings::init()
 {
@@ -57,8 +61,7 @@ void Settings::setValue(const QString& key, const QVariant& value)
     if (!d->store)
         return;
     d->store->setValue(key, value);
-    System::removeAbandonedLock(d->store->fileName());
-    d->store->sync();
+    System::writeSettings(*d->store);
 }
 
 QVariant Settings::runValue(const QString& key, const QVariant& defaultValue) const

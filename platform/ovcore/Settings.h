@@ -32,7 +32,7 @@ public:
     /// The stored value of `key`, or `defaultValue` when there is none or before `init`.
     QVariant value(const QString& key, const QVariant& defaultValue = QVariant()) const;
     /// Stores a value and writes the file before it returns; does nothing before `init`. Where the
-    /// file cannot be written the value holds until `destruct`.
+    /// file cannot be written it stays as it was, and the value holds until `destruct`.
     void setValue(const QString& key, const QVariant& value);
 
     /// The run value of `key`, or `defaultValue` when there is none.

@@ -10,7 +10,7 @@
 #include <ovdoc/Transaction.h>
 #include <ovshape/FontDatabase.h>
 #include <system/ProcessInterrupt.h>
-#include <system/SettingsLock.h>
+#include <system/SettingsFile.h>
 
 #include <QtTest>
 
@@ -20,8 +20,9 @@
 #include <vector>
 
 #ifdef Q_OS_UNIX
+#include <support/FullDisk.h>
+
 #include <csignal>
-#include <sys/resource.h>
 #include <unistd.h>
 #endif
 
@@ -41,31 +42,6 @@ struct Counter : Core::ConsoleObserver
     int calls = 0;
     Core::ConsoleObserver* other = nullptr;
 };
-
-#ifdef Q_OS_UNIX
-/// No file grows beyond a size for as long as this lives.
-class FullDisk
-{
-public:
-    explicit FullDisk(rlim_t size) : _signalHandler(std::signal(SIGXFSZ, SIG_IGN))
-    {
-        getrlimit(RLIMIT_FSIZE, &_limit);
-        const rlimit full{size, _limit.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &full);
-    }
-    FullDisk(const FullDisk&) = delete;
-    FullDisk& operator=(const FullDisk&) = delete;
-    ~FullDisk()
-    {
-        setrlimit(RLIMIT_FSIZE, &_limit);
-        std::signal(SIGXFSZ, _signalHandler);
-    }
-
-private:
-    void (*const _signalHandler)(int);
-    rlimit _limit;
-};
-#endif
 
 } // namespace
 
@@ -138,6 +114,49 @@ private Q_SLOTS:
         QCOMPARE(fresh.value(stored).toULongLong(), Q_UINT64_C(18446744073709551615));
         QVERIFY(!fresh.runValue(stored).isValid());
         Settings::destruct();
+    }
+
+    void settingsOnFullDisk()
+    {
+#ifdef Q_OS_UNIX
+        const QTemporaryDir directory;
+        const QString file = directory.filePath("ovapp.ini"_s);
+        const QByteArray longValue(40, 'x');
+        // Cut within a line and between lines, and where there is no file yet.
+        for (const QByteArray& before : {QByteArray("[Group]\na=1\nb=2\n"), QByteArray()}) {
+            for (rlim_t size = 0; size < 60; ++size) {
+                QFile::remove(file);
+                if (!before.isEmpty())
+                    writeFile(file, before);
+                const auto start = [&directory]() -> Settings& {
+                    Settings::instance().setApplicationDirPath(directory.path());
+                    Settings::instance().init();
+                    return Settings::instance();
+                };
+                {
+                    const FullDisk full(size);
+                    start().setValue("Group/c"_s, longValue);
+                    Settings::instance().setValue("Group/a"_s, longValue);
+                    QCoreApplication::processEvents();
+                    QCOMPARE(Settings::instance().value("Group/c"_s).toByteArray(), longValue);
+                    QCOMPARE(contentOf(file), before);
+                    if (size % 2 == 0)
+                        Settings::destruct();
+                }
+                if (size % 2 == 0) {
+                    QCOMPARE(contentOf(file), before);
+                    continue;
+                }
+                Settings::instance().setValue("Group/d"_s, 4);
+                Settings::destruct();
+                QCOMPARE(start().value("Group/c"_s).toByteArray(), longValue);
+                Settings::destruct();
+            }
+        }
+        QCOMPARE(QDir(directory.path()).entryList(QDir::Files), words("ovapp.ini"));
+#else
+        QSKIP("This system has no limit on the size of files");
+#endif
     }
 
     void heldLock()

@@ -11,6 +11,10 @@
 #include <cstdio>
 #include <optional>
 
+#ifdef Q_OS_UNIX
+#include <support/FullDisk.h>
+#endif
+
 using App::PluginBaseSettings;
 
 static const QString marker = "Marker"_s;
@@ -117,6 +121,21 @@ private Q_SLOTS:
                      .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
                  QStringList{marker});
         QCOMPARE(contentOf(path(marker)), QByteArray("obstacle"));
+    }
+
+    void survivesFullDisk()
+    {
+#ifdef Q_OS_UNIX
+        PluginBaseSettings(marker).setValue(key, 1);
+        const QByteArray before = store();
+        {
+            const FullDisk full(static_cast<rlim_t>(before.size()) + 10);
+            PluginBaseSettings(marker).setValue("bulk"_s, QByteArray(100, 'x'));
+        }
+        QCOMPARE(store(), before);
+#else
+        QSKIP("This system has no limit on the size of files");
+#endif
     }
 
     void survivesBeingKilled()
