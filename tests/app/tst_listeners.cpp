@@ -1,4 +1,5 @@
 #include <support/Listener.h>
+#include <support/ListenerModel.h>
 #include <support/Literals.h>
 #include <support/Session.h>
 
@@ -9,29 +10,12 @@
 
 #include <QtTest>
 
-#include <functional>
-#include <map>
 #include <random>
 #include <thread>
-#include <utility>
-#include <vector>
 
 using App::Application;
 
 namespace {
-
-void remove(Application& application, Listener* listener)
-{
-    application.removeNewDocumentListener(listener);
-    application.removeCloseDocumentListener(listener);
-    application.removeActiveDocumentListener(listener);
-    application.removeObjectListListener(listener);
-    application.removeTransactionListener(listener);
-    application.removeSelectionListener(listener);
-    application.removePropertyListener(listener);
-    application.removePluginStateChangeListener(listener);
-    application.removeStartFinishListener(listener);
-}
 
 void notify(Application& application, Doc::Document* document)
 {
@@ -58,16 +42,6 @@ QStringList notesOf(const QString& names, const QString& active)
     }
     return notes;
 }
-
-/// Acts on the lists that it is called from.
-struct Actor : App::SelectionListener, App::AppStartFinishListener
-{
-    void updateSelectionListener(Doc::Document*) override { act(); }
-    void updateAppStartFinishListener() override { act(); }
-    std::function<void()> act;
-    /// Its place among all registrations, or 0 without one.
-    int number = 0;
-};
 
 /// Keeps the events that reach an object of this thread.
 struct Receiver : QObject
@@ -146,78 +120,20 @@ private Q_SLOTS:
 
     void randomChanges()
     {
-        // The model: registrations with rising numbers. The next one that a walk calls is the one
-        // with the smallest number above that of the last one it called.
-        std::map<int, Actor*> model;
-        std::vector<int> walks; // the number last called, innermost walk last
-        int lastNumber = 0;
-        int calls = 0;
-        int budget = 0;
         std::mt19937 random(20210);
-        const auto below = [&random](unsigned end) {
-            return static_cast<unsigned>(random() % end);
-        };
-
-        std::vector<Actor> actors(20);
-        Actor other;
-        const auto add = [&](Actor* actor) {
-            Application::instance().addStartFinishListener(actor);
-            if (!actor->number) {
-                actor->number = ++lastNumber;
-                model.emplace(actor->number, actor);
-            }
-        };
-        const auto remove = [&](Actor* actor) {
-            Application::instance().removeStartFinishListener(actor);
-            model.erase(std::exchange(actor->number, 0));
-        };
-        const auto notify = [&] {
-            walks.push_back(0);
-            Application::instance().notifyStartFinishListener();
-            QVERIFY2(model.upper_bound(walks.back()) == model.end(), "a walk ended too early");
-            walks.pop_back();
-        };
-        const auto change = [&] {
-            // What happens to another list is none of the walks' business.
-            Application::instance().addSelectionListener(&other);
-            Application::instance().removeSelectionListener(&other);
-            for (unsigned left = below(4); left > 0 && budget > 0; --left, --budget) {
-                Actor* const actor = &actors[below(20)];
-                const unsigned action = below(9);
-                if (action < 4)
-                    add(actor);
-                else if (action < 8)
-                    remove(actor);
-                else if (walks.size() < 4)
-                    notify();
-            }
-        };
-        for (Actor& actor : actors) {
-            actor.act = [&] {
-                ++calls;
-                const auto expected = model.upper_bound(walks.back());
-                QVERIFY2(expected != model.end(), "called after the end");
-                QCOMPARE(&actor, expected->second);
-                walks.back() = expected->first;
-                change();
-            };
-        }
-
+        ListenerModel model(
+            [&random](unsigned end) { return static_cast<unsigned>(random() % end); });
         // A list that has grown once stays where it is in memory: each session begins with new
         // ones.
         for (int start = 0; start < 500; ++start) {
             const Session session;
             for (int round = 0; round < 10; ++round) {
-                budget = 60;
-                change();
-                notify();
-                if (QTest::currentTestFailed())
-                    return;
+                model.play();
+                QVERIFY2(!model.problem(), model.problem());
             }
-            for (Actor& actor : actors)
-                remove(&actor);
+            model.clear();
         }
-        QVERIFY(calls > 50000);
+        QVERIFY(model.calls() > 50000);
     }
 
     void activeDocumentChangesMeanwhile()

@@ -1,11 +1,8 @@
-#include <support/ConsoleRecorder.h>
 #include <support/Host.h>
-#include <support/Session.h>
+#include <support/SampleSession.h>
 
 #include <ovdoc/Document.h>
 #include <ovdoc/Transaction.h>
-#include <plugins/PluginLoader.h>
-#include <registries/CommInfoRegistry.h>
 #include <registries/ExtendPluginInfo.h>
 #include <registries/ExtendPluginRegistry.h>
 
@@ -28,20 +25,6 @@
 using App::PluginLoader;
 
 namespace {
-
-/// A session with the sample plug-ins loaded and started, where the TCP trigger takes a free port.
-struct SampleSession : Session
-{
-    SampleSession()
-    {
-        write("TcpTrigger/TcpTrigger.ini"_s, "[Server]\nport=0\n");
-        Core::Settings::instance().setPluginDirPath(QStringLiteral(SAMPLE_PLUGIN_DIR));
-        PluginLoader::loadPlugins(true);
-    }
-    ~SampleSession() { PluginLoader::unloadPlugins(); }
-
-    ConsoleRecorder console;
-};
 
 /// What a client of the TCP trigger reads until it has `lines` lines or is sent away.
 QByteArrayList answers(QTcpSocket& client, const QByteArray& request, int lines)
@@ -93,10 +76,8 @@ private Q_SLOTS:
     void tcpTrigger()
     {
         const SampleSession samples;
-        App::CommInfoRegistry::instance()->start();
-        const QByteArray started = samples.console.lines.last();
-        QVERIFY2(started.startsWith("TriggerChannel::start: listening on port "), started);
-        const auto port = started.mid(started.lastIndexOf(' ') + 1).toUShort();
+        const quint16 port = samples.startChannels();
+        QVERIFY2(port != 0, samples.console.lines.last());
         const auto connected = [port] {
             auto client = std::make_unique<QTcpSocket>();
             client->connectToHost(QHostAddress::LocalHost, port);

@@ -76,3 +76,17 @@ inline void add(App::Application& application, Listener* listener)
     application.addPluginStateChangeListener(listener);
     application.addStartFinishListener(listener);
 }
+
+/// Removes it from all of them.
+inline void remove(App::Application& application, Listener* listener)
+{
+    application.removeNewDocumentListener(listener);
+    application.removeCloseDocumentListener(listener);
+    application.removeActiveDocumentListener(listener);
+    application.removeObjectListListener(listener);
+    application.removeTransactionListener(listener);
+    application.removeSelectionListener(listener);
+    application.removePropertyListener(listener);
+    application.removePluginStateChangeListener(listener);
+    application.removeStartFinishListener(listener);
+}

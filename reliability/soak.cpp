@@ -1,0 +1,372 @@
+// Goes through a program's life again and again, and through what may go wrong in it.
+
+#include <support/FullDisk.h>
+#include <support/Listener.h>
+#include <support/SampleSession.h>
+
+#include <events/SelectionChangeEvent.h>
+#include <events/TransactionEvent.h>
+#include <ovdoc/DocObject.h>
+#include <ovdoc/Storage.h>
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QHostAddress>
+#include <QProcess>
+#include <QSettings>
+#include <QTcpSocket>
+#include <QThread>
+#include <QTimer>
+
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+#include <random>
+#include <stdexcept>
+
+#include <unistd.h>
+
+namespace {
+
+void require(bool holds, const char* promise)
+{
+    if (!holds)
+        throw std::runtime_error(promise);
+}
+
+/// The memory and the descriptors of this process: once a tenth is done, neither may grow.
+class Growth
+{
+public:
+    void measure(int done, int all)
+    {
+        const qint64 pages = contentOf("/proc/self/statm"_s).split(' ').value(1).toLongLong();
+        const qint64 memory = pages * ::sysconf(_SC_PAGESIZE) / 1024;
+        const auto descriptors =
+            QDir("/proc/self/fd"_s).entryList(QDir::System | QDir::AllEntries).size();
+        if (done * 10 <= all) {
+            _memory = _most = memory;
+            _descriptors = descriptors;
+        }
+        _most = std::max(_most, memory);
+        require(_most - _memory <= mostGrowth, "memory grows");
+        require(descriptors == _descriptors, "descriptors are left open");
+    }
+    QString words() const
+    {
+        return "%1 KiB of memory after the first tenth, at most %2 KiB more later, %3 descriptors"_s
+            .arg(_memory)
+            .arg(_most - _memory)
+            .arg(_descriptors);
+    }
+
+private:
+    static constexpr qint64 mostGrowth = 1024; // KiB
+
+    qint64 _memory = 0; // KiB
+    qint64 _most = 0;   // KiB
+    decltype(QStringList().size()) _descriptors = 0;
+};
+
+/// Keeps a document that was closed until the next one is, and the events that are delivered.
+struct Keeper : QObject, App::CloseDocumentListener
+{
+    void updateCloseDocumentListener(Doc::Document* document) override { closed.reset(document); }
+    bool event(QEvent* event) override
+    {
+        if (event->type() == App::TransactionEvent::eventType ||
+            event->type() == App::SelectionChangeEvent::eventType)
+            ++events;
+        return QObject::event(event);
+    }
+    std::unique_ptr<Doc::Document> closed;
+    int events = 0;
+};
+
+Laser::PrintCountParams countsOf(const Doc::Document& document)
+{
+    return document.storage()->queryDocObjectDirect()->printCountData();
+}
+
+void setCounts(const Doc::Document& document, int count)
+{
+    Laser::PrintCountParams counts;
+    counts.setFinishedCount(count);
+    counts.setTargetCount(count);
+    document.storage()->queryDocObjectDirect()->setPrintCountData(counts);
+}
+
+/// The count that a document holds, which is all of it or nothing.
+int countIn(const QString& path)
+{
+    Doc::Document document(new Doc::Storage);
+    require(document.open(path), "a document can no longer be opened");
+    const Laser::PrintCountParams counts = countsOf(document);
+    require(counts.finishedCount() == counts.targetCount(), "a document holds half of a change");
+    return counts.finishedCount();
+}
+
+/// From a new document to a closed one, with everything that is told meanwhile.
+void goThroughDocuments(const Session& session, Keeper& keeper, int count)
+{
+    App::Application& application = session.application();
+    int told = 0;
+    Listener listener([&told](const QString&) { ++told; });
+    add(application, &listener);
+    const QString path = session.path("%1.ovdoc"_s.arg(count % 7));
+    const Doc::Document* document = application.newDocument(path);
+    require(document, "a document cannot be made");
+    setCounts(*document, count);
+    Doc::Transaction transaction("mark"_s);
+    application.notifyTransactionListeners(nullptr, &transaction);
+    application.notifySelectionListeners(nullptr);
+    application.notifyObjectListListener(nullptr);
+    application.notifyPropertyListeners(nullptr, true, count);
+    application.postTransactionEvent(transaction, true, count, &keeper);
+    application.postSelectionChangedEvent(&keeper);
+    keeper.events = 0;
+    QCoreApplication::processEvents();
+    require(keeper.events == 2, "an event is lost");
+    require(document->save() && countIn(path) == count, "a document is not saved");
+
+    require(application.openDocument(session.path("other.ovdoc"_s)), "a document cannot be opened");
+    auto activated = std::make_unique<Doc::Document>(new Doc::Storage);
+    activated->setFilePath(path);
+    application.setActivateDocument(activated.release());
+    require(application.closeDocument(), "a document cannot be closed");
+    require(told == 9, "a listener is not told");
+    remove(application, &listener);
+}
+
+QString cycles(int all)
+{
+    constexpr int perSession = 10;
+    Growth growth;
+    int sessions = 0;
+    for (int done = 0; done < all;) {
+        {
+            const SampleSession session("[Debug]\nfile=true\n");
+            session.write("other.ovdoc"_s, R"({"format": "ovdoc", "version": 1})");
+            session.application().doAppStartFinished();
+            Keeper keeper;
+            session.application().addCloseDocumentListener(&keeper);
+            require(session.startChannels() != 0, "a channel does not start");
+            for (int i = 0; i < perSession && done < all; ++i)
+                goThroughDocuments(session, keeper, ++done);
+            App::CommInfoRegistry::instance()->stop();
+            session.application().removeCloseDocumentListener(&keeper);
+            ++sessions;
+        }
+        growth.measure(done, all);
+    }
+    return "%1 document cycles in %2 sessions with plug-ins: "_s.arg(all).arg(sessions) +
+           growth.words();
+}
+
+const QByteArray& ballast()
+{
+    static const QByteArray text(100000, 'x');
+    return text;
+}
+
+/// Saves a document and a setting with rising counts, and says so each time, until it is killed.
+[[noreturn]] void saveForEver(const QString& directory)
+{
+    Core::Settings::instance().setApplicationDirPath(directory);
+    App::Application::init();
+    const QString path = directory + "/killed.ovdoc"_s;
+    Doc::Document document(new Doc::Storage);
+    if (!document.open(path))
+        std::_Exit(1);
+    for (int count = countsOf(document).finishedCount();; ++count) {
+        setCounts(document, count);
+        if (!document.save())
+            std::_Exit(1);
+        Core::Settings::instance().setValue("Soak/count"_s, count);
+        Core::Settings::instance().setValue("Soak/ballast"_s, ballast());
+        if (::write(STDOUT_FILENO, &count, sizeof count) != sizeof count)
+            std::_Exit(1);
+    }
+}
+
+QString kills(int all)
+{
+    const QTemporaryDir directory;
+    const QString path = directory.filePath("killed.ovdoc"_s);
+    writeFile(path, R"({"format": "ovdoc", "version": 1, "ballast": ")" + ballast() + R"("})");
+    std::mt19937 random(20210);
+    qint64 slowest = 0;
+    int saves = 0;
+    int locks = 0;
+    for (int done = 0; done < all; ++done) {
+        QElapsedTimer start;
+        start.start();
+        QProcess victim;
+        victim.start(QCoreApplication::applicationFilePath(), {"--save"_s, directory.path()});
+        require(victim.waitForReadyRead(), "a program does not start");
+        slowest = std::max(slowest, start.elapsed());
+        require(slowest < 1000, "a program starts late");
+        QThread::usleep(static_cast<unsigned long>(random() % 20000));
+        victim.kill();
+        require(victim.waitForFinished() && victim.exitStatus() == QProcess::CrashExit,
+                "a program cannot save");
+
+        // What it was about when it was killed may have been done or not.
+        int last = 0;
+        const QByteArray said = victim.readAllStandardOutput();
+        std::copy_n(said.end() - sizeof last, sizeof last, reinterpret_cast<char*>(&last));
+        const auto isLastOrNext = [last](int count) { return count == last || count == last + 1; };
+        saves += static_cast<int>(said.size() / static_cast<int>(sizeof last));
+        require(isLastOrNext(countIn(path)), "a document is older than its last save");
+        require(contentOf(path).contains(ballast()), "a document has lost a member");
+        locks += QFile::exists(directory.filePath("ovapp.ini.lock"_s));
+        const QString copy = directory.filePath("copy.ini"_s);
+        writeFile(copy, contentOf(directory.filePath("ovapp.ini"_s)));
+        const QSettings settings(copy, QSettings::IniFormat);
+        require(isLastOrNext(settings.value("Soak/count"_s).toInt()) &&
+                    settings.value("Soak/ballast"_s).toByteArray() == ballast(),
+                "settings are lost");
+    }
+    const auto halves = QDir(directory.path()).entryList({"*.??????"_s}, QDir::Files).size();
+    return "%1 kills among %2 saves, %3 of them while a file was written, %4 while settings were "
+           "locked: the slowest start took %5 ms"_s.arg(all)
+               .arg(saves)
+               .arg(halves)
+               .arg(locks)
+               .arg(slowest);
+}
+
+QString fullDisks()
+{
+    constexpr int all = 298;
+    const QByteArray more(150, 'x');
+    Growth growth;
+    int saved = 0;
+    int stored = 0;
+    for (int size = 0; size < all; ++size) {
+        const Session session("[Debug]\nfile=true\n");
+        Core::Settings& settings = Core::Settings::instance();
+        const QString path = session.write(
+            "full.ovdoc"_s, R"({"format": "ovdoc", "version": 1, "more": ")" + more + R"("})");
+        const QString iniPath = session.path("ovapp.ini"_s);
+        settings.setValue("Soak/count"_s, 1);
+        const QByteArray ini = contentOf(iniPath);
+        const QByteArray text = contentOf(path);
+        Doc::Document document(new Doc::Storage);
+        require(document.open(path), "a document cannot be opened");
+        setCounts(document, 2);
+        bool isSaved = false;
+        QByteArray limited;
+        {
+            const FullDisk full(static_cast<rlim_t>(size));
+            isSaved = document.save();
+            settings.setValue("Soak/more"_s, more);
+            limited = contentOf(iniPath);
+            Core::ConsoleSingleton::instance().log("%s", more.constData());
+        }
+        require(isSaved ? countIn(path) == 2 : contentOf(path) == text, "a document is lost");
+        require(limited == ini || limited.contains(more), "settings are lost");
+        saved += isSaved;
+        stored += limited != ini;
+
+        settings.setValue("Soak/count"_s, 2);
+        const QByteArray later = contentOf(iniPath);
+        require(later.contains(more) && later.contains("count=2"), "a setting is lost");
+        Core::ConsoleSingleton::instance().log("afterwards");
+        require(contentOf(session.path("log.txt"_s)).endsWith("\nafterwards\n"),
+                "a log line is lost");
+        require(QDir(session.path("."_s)).entryList(QDir::Files) ==
+                    words("full.ovdoc log.txt ovapp.ini"),
+                "a file is left over");
+        growth.measure(size, all);
+    }
+    require(saved > 0 && saved < all && stored > 0 && stored < all,
+            "no disk, or every one, was full");
+    return "%1 full disks, %2 of them for a document, %3 for settings: "_s.arg(all)
+               .arg(all - saved)
+               .arg(all - stored) +
+           growth.words();
+}
+
+/// What a client is told until it has a line, or is sent away; it hangs up without one where it
+/// asks for nothing.
+QByteArray answerTo(const QByteArray& request, quint16 port)
+{
+    QTcpSocket client;
+    QEventLoop loop;
+    QTimer patience;
+    QObject::connect(&patience, &QTimer::timeout, &loop, &QEventLoop::quit);
+    patience.start(10000);
+    QObject::connect(&client, &QTcpSocket::disconnected, &loop, &QEventLoop::quit);
+    QObject::connect(&client, &QTcpSocket::connected, &loop, [&] {
+        if (client.write(request) <= 0)
+            loop.quit();
+    });
+    QObject::connect(&client, &QTcpSocket::readyRead, &loop, [&] {
+        if (client.canReadLine())
+            loop.quit();
+    });
+    client.connectToHost(QHostAddress::LocalHost, port);
+    loop.exec();
+    return client.readAll();
+}
+
+QString connections(int all)
+{
+    const struct
+    {
+        QByteArray request;
+        QByteArray answer;
+    } kinds[] = {{"status\n", R"({"document":null,"finished":0,"target":0})"},
+                 {QByteArray(300, 'x'), R"({"error":"the line is too long"})"},
+                 {"stat\n", R"({"error":"unknown request; the one there is: status"})"},
+                 {}};
+    const SampleSession session;
+    const quint16 port = session.startChannels();
+    Growth growth;
+    for (int done = 1; done <= all; ++done) {
+        const auto& [request, answer] = kinds[done % 4];
+        require(answerTo(request, port).trimmed() == answer, "a client is not answered");
+        if (done % 10 != 0)
+            continue;
+        // Until the other side has heard that the client is gone.
+        QEventLoop loop;
+        QTimer::singleShot(5, &loop, &QEventLoop::quit);
+        loop.exec();
+        growth.measure(done, all);
+    }
+    App::CommInfoRegistry::instance()->stop();
+    return "%1 connections: "_s.arg(all) + growth.words();
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QCoreApplication qtApplication(argc, argv);
+    const QStringList arguments = qtApplication.arguments();
+    if (arguments.value(1) == "--save"_s)
+        saveForEver(arguments.value(2));
+    const int all = arguments.value(1).toInt();
+    if (all < 100) {
+        std::fputs("usage: soak CYCLES    (100 or more)\n", stderr);
+        return 2;
+    }
+
+    int status = 0;
+    const auto run = [&status](const char* name, const auto& kind) {
+        try {
+            std::printf("%s: %s\n", name, qPrintable(kind()));
+        } catch (const std::exception& loss) {
+            std::printf("%s: LOST: %s\n", name, loss.what());
+            status = 1;
+        }
+        std::fflush(stdout);
+    };
+    run("documents", [all] { return cycles(all); });
+    run("kills", [all] { return kills(all * 6 / 100); });
+    run("disks", [] { return fullDisks(); });
+    run("connections", [all] { return connections(all); });
+    return status;
+}
