@@ -12,8 +12,7 @@ function(ovapp_set_warnings target)
             $<$<CXX_COMPILER_ID:Clang>:-Wweak-vtables>)
     endif()
     target_compile_definitions(${target} PRIVATE
-        QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS
-        QT_DEPRECATED_WARNINGS)
+        QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS)
 endfunction()
 
 # ovapp_add_library(<target> HEADERS <header>... SOURCES <file>... [LINK <target>...])

@@ -17,19 +17,13 @@ void print(std::FILE* file, const QString& text)
 
 int fail(ExitStatus status, const QString& message)
 {
-    write(stderr, failureLine(message));
+    print(stderr, programName + QLatin1String(": ") + onOneLine(message));
     return status;
 }
 
 void warn(const QString& message)
 {
     print(stderr, programName + QLatin1String(": warning: ") + onOneLine(message));
-}
-
-QByteArray failureLine(const QString& message)
-{
-    const QString line = programName + QLatin1String(": ") + onOneLine(message) + QLatin1Char('\n');
-    return line.toUtf8();
 }
 
 QString quoted(const QString& text)

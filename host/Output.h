@@ -30,9 +30,6 @@ int fail(ExitStatus status, const QString& message);
 /// Says on standard error, in the same way, what is amiss though the job goes on.
 void warn(const QString& message);
 
-/// The line that `fail` says, with its end.
-QByteArray failureLine(const QString& message);
-
 /// A text of the user's, as messages show it.
 QString quoted(const QString& text);
 /// A text with its control characters escaped, so that it stays one line and does nothing to a

@@ -36,10 +36,11 @@ void PluginScan::search(const QString& path, const QString& canonicalPath)
     _searched.insert(canonicalPath);
 
     // One listing for files and subdirectories, and no name filter, which QDir would compile anew
-    // for every directory: most of the time of a scan would go into these two.
+    // for every directory: most of the time of a scan would go into these two. QDir's own order is
+    // the one wanted.
     const QDir directory(path);
     const QFileInfoList entries =
-        directory.entryInfoList(QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot, QDir::NoSort);
+        directory.entryInfoList(QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot);
     QFileInfoList subdirectories;
     for (const QFileInfo& entry : entries) {
         if (entry.isDir())

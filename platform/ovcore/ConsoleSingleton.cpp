@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 
+#include <cstdarg>
 #include <cstdio>
 
 namespace Core {

@@ -5,7 +5,6 @@
 #include <QList>
 #include <QtGlobal>
 
-#include <cstdarg>
 #include <mutex>
 
 namespace Core {

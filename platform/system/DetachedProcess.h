@@ -5,8 +5,6 @@
 #include <QStringList>
 #include <QtGlobal>
 
-class QString;
-
 namespace System {
 
 /// Starts a program as a process of its own, which this one neither waits for nor stops, and has

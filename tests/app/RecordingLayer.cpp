@@ -30,6 +30,8 @@
 
 #include <QFile>
 
+#include <cstdarg>
+
 RecordingLayer& RecordingLayer::instance()
 {
     static RecordingLayer layer;

@@ -49,10 +49,7 @@ const QByteArray noDocuments[] = {
 
 QByteArrayList linesOf(const QString& path)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    return file.readAll().split('\n');
+    return contentOf(path).split('\n');
 }
 
 struct Description : App::ExtendPluginInfo

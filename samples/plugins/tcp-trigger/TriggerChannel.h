@@ -4,7 +4,6 @@
 
 #include <memory>
 
-class QByteArray;
 class QSocketNotifier;
 class QTcpServer;
 class QTcpSocket;
