@@ -10,19 +10,18 @@
 #include <netdiag/SystemTools.h>
 #include <netdiag/TracerouteProcess.h>
 #include <ovcore/Settings.h>
+#include <system/LaunchProblem.h>
 #include <system/ProcessInterrupt.h>
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QEventLoop>
-#include <QFile>
 #include <QRegularExpression>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTimer>
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
 
 namespace Host {
@@ -73,19 +72,6 @@ bool printReport(QByteArray text)
     return write(stdout, text.replace('\r', QByteArray()));
 }
 
-/// Why no more files can be opened, of which the launch of a tool takes some; empty when they can.
-/// Qt does not pass that on.
-QString problemWithFiles()
-{
-    std::array<QFile, 12> files;
-    for (QFile& file : files) {
-        file.setFileName(QCoreApplication::applicationFilePath());
-        if (!file.open(QIODevice::ReadOnly))
-            return file.errorString();
-    }
-    return {};
-}
-
 /// `name` is what the tool is called, `program` what is launched.
 int failToLaunch(const QString& name, const QString& program, const QString& package)
 {
@@ -93,7 +79,7 @@ int failToLaunch(const QString& name, const QString& program, const QString& pac
     if (QStandardPaths::findExecutable(program).isEmpty())
         return fail(JobFailed,
                     QStringLiteral("%1; on Debian the package %2 brings it").arg(message, package));
-    const QString problem = problemWithFiles();
+    const QString problem = System::launchProblem();
     return fail(JobFailed, problem.isEmpty() ? message : message + QLatin1String(": ") + problem);
 }
 
@@ -130,7 +116,7 @@ int runPing(const QString& host, int count)
     if (launched)
         loop.exec();
     if (!launched)
-        return failToLaunch(QStringLiteral("ping"), process.program(),
+        return failToLaunch(QStringLiteral("ping"), QLatin1String(SystemTools::ping),
                             QStringLiteral("iputils-ping"));
     if (process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0)
         return Success;

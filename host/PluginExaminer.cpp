@@ -4,6 +4,7 @@
 #include "ExaminePlugin.h"
 #include "Output.h"
 
+#include <system/LaunchProblem.h>
 #include <system/LibraryFile.h>
 
 #include <QCoreApplication>
@@ -111,6 +112,12 @@ std::vector<PluginReport> PluginExaminer::examine(const QStringList& files)
 
 void PluginExaminer::startNext()
 {
+    const QString problem = System::launchProblem();
+    if (!problem.isEmpty()) {
+        _error = problem;
+        _waiting.clear();
+        return;
+    }
     PluginReport* const report = _waiting.front();
     _waiting.pop_front();
     ++_running;
@@ -144,7 +151,7 @@ void PluginExaminer::end(QProcess* process)
     --_running;
     if (!_waiting.empty())
         startNext();
-    else if (_running == 0)
+    if (_running == 0)
         _loop.quit();
 }
 

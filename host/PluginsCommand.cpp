@@ -1,8 +1,8 @@
 #include "PluginsCommand.h"
 
 #include "CommandLine.h"
-#include "HiddenNames.h"
 #include "Output.h"
+#include "PassedOver.h"
 #include "PluginExaminer.h"
 #include "SessionOptions.h"
 
@@ -148,10 +148,10 @@ int plugins(const QStringList& arguments)
 
     options.startLibrary();
     warnIfSettingsCannotBeKept();
-    const QStringList hidden =
-        undecodableFiles(App::PluginLoader::pluginsPath(), App::PluginLoader::pluginSuffix());
-    for (const QString& file : hidden)
-        warn(QStringLiteral("%1 is passed over: its name is no UTF-8").arg(quoted(file)));
+    const QStringList sentences =
+        passedOver(App::PluginLoader::pluginsPath(), App::PluginLoader::pluginSuffix());
+    for (const QString& sentence : sentences)
+        warn(sentence);
     const bool profiled = parser.isSet(profile);
     // What is measured is not to be disturbed.
     const int atOnce = profiled ? 1 : std::max(2, QThread::idealThreadCount());

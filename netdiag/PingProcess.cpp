@@ -2,6 +2,7 @@
 
 #include <netdiag/SystemTools.h>
 
+#include <system/LaunchProblem.h>
 #include <system/ProcessInterrupt.h>
 
 #include <limits>
@@ -51,8 +52,16 @@ void PingProcess::setPackageSize(int packageSize)
 
 void PingProcess::doPing(const QString& host)
 {
-    if (SystemTools::pingRunsUntilStopped && state() == NotRunning)
-        limitRun();
+    if (state() == NotRunning) {
+        const QString problem = System::launchProblem();
+        if (!problem.isEmpty()) {
+            setErrorString(problem);
+            Q_EMIT errorOccurred(FailedToStart);
+            return;
+        }
+        if (SystemTools::pingRunsUntilStopped)
+            limitRun();
+    }
     start(QLatin1String(SystemTools::ping), QStringList(host));
 }
 
