@@ -19,7 +19,7 @@ QStringList passedOver(const QString& directory, const QString& suffix)
     };
     const auto addUnreadable = [&add](const fs::path& path) {
         std::error_code error;
-        fs::directory_iterator(path, error);
+        [[maybe_unused]] const bool isEmpty = fs::is_empty(path, error);
         if (error) {
             add(QFile::decodeName(path.c_str()),
                 QStringLiteral("it cannot be read: %1")

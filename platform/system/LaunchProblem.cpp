@@ -29,7 +29,7 @@ QString launchProblem()
     if (problem != 0)
         return qt_error_string(problem);
 
-    const pid_t process = ::vfork();
+    const pid_t process = ::fork();
     if (process == 0)
         ::_exit(0);
     if (process < 0)
