@@ -13,7 +13,7 @@ public:
     LastWords();
     LastWords(const LastWords&) = delete;
     LastWords& operator=(const LastWords&) = delete;
-    /// The program ends as before again.
+    /// Crashes end the program as the system has it again.
     ~LastWords();
 
     /// Says what the program is about from now on, in words that follow "while". Nothing is said
