@@ -14,7 +14,6 @@
 #include <system/ProcessInterrupt.h>
 
 #include <QCommandLineParser>
-#include <QCoreApplication>
 #include <QEventLoop>
 #include <QRegularExpression>
 #include <QStandardPaths>
