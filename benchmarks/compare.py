@@ -3,7 +3,7 @@
 
 Usage: compare.py RESULT.json...
 
-A benchmark is named "group/side" or "group/side/size". The sides of a group that have the same
+Results of the same program are taken together. A benchmark is named "group/side" or "group/side/size". The sides of a group that have the same
 size are compared with the side "ovapp", each by the smallest time of its repetitions: that is the
 one that other work on the machine moves least. A ratio that is wanted of a side stands in the
 context of the run, as "wanted group/side/size": "ovapp/it <= 1.5" or "it/ovapp >= 6".
@@ -133,18 +133,28 @@ def main(paths):
         print(__doc__.strip().splitlines()[2], file=sys.stderr)
         return 2
     failed = False
-    all_tables = {}
+    programs = {}
     for path in paths:
         try:
             with open(path, encoding="utf-8") as file:
-                tables, unmeasured = rows_of(json.load(file))
-        except (OSError, ValueError, Failure) as error:
-            print(f"compare.py: {path}: {error}", file=sys.stderr)
+                result = json.load(file)
+            program = programs.setdefault(result["context"]["executable"], result)
+            if program is not result:
+                program["benchmarks"] += result["benchmarks"]
+        except (OSError, ValueError, KeyError) as error:
+            print(f"compare.py: {path}: {error!r}", file=sys.stderr)
+            failed = True
+    all_tables = {}
+    for program, result in programs.items():
+        try:
+            tables, unmeasured = rows_of(result)
+        except Failure as error:
+            print(f"compare.py: {program}: {error}", file=sys.stderr)
             failed = True
             continue
         all_tables.update(tables)
         for name in unmeasured:
-            print(f"compare.py: {path}: {name}: wanted, but not measured", file=sys.stderr)
+            print(f"compare.py: {program}: {name}: wanted, but not measured", file=sys.stderr)
             failed = True
     print_tables(all_tables)
     return 1 if failed else 0
