@@ -100,7 +100,8 @@ private Q_SLOTS:
         QVERIFY2(_bus.start() && _busWithoutLogind.start(), neededPackages);
         qputenv("DBUS_SYSTEM_BUS_ADDRESS", _bus.address);
         _logind.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        _logind.run(words("/usr/bin/python3 -m dbusmock --system --template " LOGIND_TEMPLATE));
+        _logind.run(words("/usr/bin/python3 -m dbusmock --system --template") +
+                    QStringList(QStringLiteral(LOGIND_TEMPLATE)));
         const QDBusConnection bus =
             QDBusConnection::connectToBus(QString::fromLatin1(_bus.address), "test"_s);
         QVERIFY(bus.isConnected());
