@@ -1,6 +1,6 @@
-# ovapp_wanted_qt(<variable>): the major version of the Qt that the project at hand wants, or nothing
+# ovapp_requested_qt(<variable>): the major version of the Qt that the project at hand wants, or nothing
 # if it has not said: what it sets as QT_MAJOR_VERSION, else the one that it has found already.
-function(ovapp_wanted_qt variable)
+function(ovapp_requested_qt variable)
     set(wanted "")
     if(QT_MAJOR_VERSION)
         set(wanted ${QT_MAJOR_VERSION})

@@ -1,10 +1,10 @@
 #include "CommandLine.h"
 
-#include "ExaminePlugin.h"
-#include "NetworkCommands.h"
-#include "Output.h"
-#include "PluginsCommand.h"
-#include "RunCommand.h"
+#include "inspection/InspectPluginCommand.h"
+#include "inspection/PluginsCommand.h"
+#include "network/NetworkCommands.h"
+#include "process/Output.h"
+#include "session/RunCommand.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>

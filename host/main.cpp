@@ -1,7 +1,7 @@
 #include "CommandLine.h"
-#include "Output.h"
-#include "StandardChannels.h"
-#include "Utf8Console.h"
+#include "process/Output.h"
+#include "process/StandardStreams.h"
+#include "process/Utf8Console.h"
 
 #include <ovcore/Version.h>
 

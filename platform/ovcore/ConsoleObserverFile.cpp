@@ -1,7 +1,7 @@
 #include <ovcore/ConsoleObserverFile.h>
 
 #include <ovcore/Settings.h>
-#include <system/AppendedFile.h>
+#include <system/AppendFile.h>
 
 #include <QByteArray>
 #include <QDir>

@@ -1,7 +1,7 @@
 #include <support/Files.h>
 #include <support/Host.h>
 
-#include <host/InterruptWatcher.h>
+#include <host/process/InterruptWatcher.h>
 #include <netdiag/SystemTools.h>
 
 #include <QtTest>
@@ -229,7 +229,7 @@ log: destruct application.)"_s;
                                                    ? QLatin1String(SystemTools::ping)
                                                    : QLatin1String(SystemTools::traceroute)))
             QSKIP("This system's own tool cannot be hidden");
-        Tools::findIn(installed ? QStringLiteral(STAND_IN_DIR)
+        Tools::findIn(installed ? QStringLiteral(FAKE_TOOL_DIR)
                                 : QCoreApplication::applicationDirPath());
         QElapsedTimer elapsed;
         elapsed.start();
@@ -269,7 +269,7 @@ log: destruct application.)"_s;
         QFETCH(QString, sign);
         QFETCH(QList<int>, signalsSent);
         QFETCH(QString, lastLine);
-        Tools::findIn(QStringLiteral(STAND_IN_DIR));
+        Tools::findIn(QStringLiteral(FAKE_TOOL_DIR));
         QProcess host;
         host.start(QStringLiteral(OVAPP_HOST),
                    words(qPrintable(arguments)).replaceInStrings("%1"_s, _directory.path()));
@@ -334,7 +334,7 @@ log: destruct application.)"_s;
         QFETCH(QString, script);
         QFETCH(QString, arguments);
         QFETCH(QStringList, errors);
-        Tools::findIn(QStringLiteral(STAND_IN_DIR));
+        Tools::findIn(QStringLiteral(FAKE_TOOL_DIR));
         const QTemporaryDir directory;
         writeFile(directory.filePath("ovapp.ini"_s), "[Debug]\nfile=true\n");
         const QTemporaryDir temporary;

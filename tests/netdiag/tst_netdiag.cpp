@@ -72,7 +72,7 @@ class tst_netdiag : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { Tools::findIn(QStringLiteral(STAND_IN_DIR)); }
+    void init() { Tools::findIn(QStringLiteral(FAKE_TOOL_DIR)); }
 
     void metaObjects()
     {

@@ -2,7 +2,7 @@
 # builds are of another kind than the rest of the tests': of several configurations, optimised, and
 # with the sources of a target joined into one.
 cmake_policy(VERSION 3.25)
-set(parts app cmake events host netdiag platform plugins registries samples CMakeLists.txt)
+set(parts app cmake events host netdiag platform plugins registries samples system CMakeLists.txt)
 list(TRANSFORM parts PREPEND ${source}/)
 set(one ${dir}/a)
 set(other ${dir}/b-of-another-length)

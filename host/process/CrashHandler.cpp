@@ -1,7 +1,7 @@
-#include "LastWords.h"
+#include "process/CrashHandler.h"
 
-#include "Crash.h"
-#include "Output.h"
+#include "process/FatalSignals.h"
+#include "process/Output.h"
 
 #include <atomic>
 #include <csignal>

@@ -1,9 +1,9 @@
-#include "PluginsCommand.h"
+#include "inspection/PluginsCommand.h"
 
 #include "CommandLine.h"
-#include "Output.h"
-#include "PassedOver.h"
-#include "PluginExaminer.h"
+#include "inspection/PluginInspector.h"
+#include "inspection/SkippedFiles.h"
+#include "process/Output.h"
 #include "SessionOptions.h"
 
 #include <app/Application.h>

@@ -1,8 +1,8 @@
-#include "PluginExaminer.h"
+#include "inspection/PluginInspector.h"
 
-#include "Crash.h"
-#include "ExaminePlugin.h"
-#include "Output.h"
+#include "inspection/InspectPluginCommand.h"
+#include "process/FatalSignals.h"
+#include "process/Output.h"
 
 #include <system/LaunchProblem.h>
 #include <system/LibraryFile.h>

@@ -1,9 +1,9 @@
-#include "NetworkCommands.h"
+#include "network/NetworkCommands.h"
 
 #include "CommandLine.h"
-#include "InterruptWatcher.h"
-#include "Output.h"
-#include "ProcessEndWatcher.h"
+#include "network/ProcessEndWatcher.h"
+#include "process/InterruptWatcher.h"
+#include "process/Output.h"
 
 #include <app/Application.h>
 #include <netdiag/PingProcess.h>

@@ -1,4 +1,4 @@
-#include "ProcessEndWatcher.h"
+#include "network/ProcessEndWatcher.h"
 
 #include <QObject>
 #include <QTimer>

@@ -1,4 +1,4 @@
-#include "Output.h"
+#include "process/Output.h"
 
 #include <cstddef>
 

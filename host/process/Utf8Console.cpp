@@ -1,4 +1,4 @@
-#include "Utf8Console.h"
+#include "process/Utf8Console.h"
 
 #include <QtGlobal>
 

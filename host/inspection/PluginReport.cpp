@@ -1,4 +1,4 @@
-#include "PluginReport.h"
+#include "inspection/PluginReport.h"
 
 namespace Host {
 

@@ -1,9 +1,9 @@
-#include "ExaminePlugin.h"
+#include "inspection/InspectPluginCommand.h"
 
 #include "CommandLine.h"
-#include "Crash.h"
-#include "Output.h"
-#include "PluginReport.h"
+#include "inspection/PluginReport.h"
+#include "process/FatalSignals.h"
+#include "process/Output.h"
 #include "SessionOptions.h"
 
 #include <app/Application.h>

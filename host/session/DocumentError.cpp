@@ -1,4 +1,4 @@
-#include "DocumentProblem.h"
+#include "session/DocumentError.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -1,4 +1,4 @@
-#include "Crash.h"
+#include "process/FatalSignals.h"
 
 #include <csignal>
 #include <exception>

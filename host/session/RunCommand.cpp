@@ -1,15 +1,15 @@
-#include "RunCommand.h"
+#include "session/RunCommand.h"
 
 #include "CommandLine.h"
-#include "DocumentProblem.h"
-#include "HeartbeatChannel.h"
-#include "InterruptWatcher.h"
-#include "LastWords.h"
-#include "Output.h"
-#include "Report.h"
-#include "SessionListener.h"
+#include "process/CrashHandler.h"
+#include "process/InterruptWatcher.h"
+#include "process/Output.h"
+#include "session/DocumentError.h"
+#include "session/EventPrinter.h"
+#include "session/HeartbeatChannel.h"
+#include "session/SessionListener.h"
+#include "session/SessionReceiver.h"
 #include "SessionOptions.h"
-#include "SessionReceiver.h"
 
 #include <app/Application.h>
 #include <events/SwitchScreenLayoutEvent.h>

@@ -1,6 +1,6 @@
-#include "SessionReceiver.h"
+#include "session/SessionReceiver.h"
 
-#include "Report.h"
+#include "session/EventPrinter.h"
 
 #include <events/SelectionChangeEvent.h>
 #include <events/SwitchScreenLayoutEvent.h>

@@ -1,6 +1,6 @@
-#include "HeartbeatChannel.h"
+#include "session/HeartbeatChannel.h"
 
-#include "Report.h"
+#include "session/EventPrinter.h"
 
 namespace Host {
 

@@ -1,4 +1,4 @@
-#include "StandardChannels.h"
+#include "process/StandardStreams.h"
 
 #include <QtGlobal>
 

@@ -1,6 +1,6 @@
-#include "Report.h"
+#include "session/EventPrinter.h"
 
-#include "Output.h"
+#include "process/Output.h"
 
 #include <QByteArray>
 #include <QString>

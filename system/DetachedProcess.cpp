@@ -3,7 +3,7 @@
 #include <QProcess>
 
 #ifdef Q_OS_WIN
-#include <system/AppendedFile.h>
+#include <system/AppendFile.h>
 
 #include <QFile>
 
@@ -22,7 +22,7 @@ qint64 startDetached(const QString& program, const QStringList& arguments,
 
 #ifdef Q_OS_WIN
     QFile file(outputFilePath);
-    if (!openForAppending(file, Writing::Through))
+    if (!openForAppending(file, WriteMode::WriteThrough))
         return 0;
     const auto handle = reinterpret_cast<HANDLE>(_get_osfhandle(file.handle()));
     SetHandleInformation(handle, HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT);

@@ -1,6 +1,6 @@
-#include "PassedOver.h"
+#include "inspection/SkippedFiles.h"
 
-#include "Output.h"
+#include "process/Output.h"
 
 #include <QFile>
 

@@ -1,6 +1,6 @@
-#include "SessionListener.h"
+#include "session/SessionListener.h"
 
-#include "Report.h"
+#include "session/EventPrinter.h"
 
 #include <app/Application.h>
 #include <ovdoc/DocObject.h>

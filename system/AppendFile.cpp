@@ -1,4 +1,4 @@
-#include <system/AppendedFile.h>
+#include <system/AppendFile.h>
 
 #include <QFile>
 
@@ -14,19 +14,19 @@ namespace System {
 
 namespace {
 
-constexpr QIODevice::OpenMode mode =
+constexpr QIODevice::OpenMode openMode =
     QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered;
 
 } // namespace
 
 #ifdef Q_OS_WIN
 
-bool openForAppending(QFile& file, Writing writing)
+bool openForAppending(QFile& file, WriteMode mode)
 {
     // Qt would go to the end of the file once, at the start. Only a handle that may append and
     // nothing else always writes there.
     const QString path = QDir::toNativeSeparators(file.fileName());
-    const DWORD flags = writing == Writing::Through ? FILE_FLAG_WRITE_THROUGH : 0;
+    const DWORD flags = mode == WriteMode::WriteThrough ? FILE_FLAG_WRITE_THROUGH : 0;
     const HANDLE handle =
         CreateFileW(reinterpret_cast<const wchar_t*>(path.utf16()), FILE_APPEND_DATA,
                     FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_ALWAYS,
@@ -38,14 +38,14 @@ bool openForAppending(QFile& file, Writing writing)
         CloseHandle(handle);
         return false;
     }
-    return file.open(descriptor, mode, QFileDevice::AutoCloseHandle);
+    return file.open(descriptor, openMode, QFileDevice::AutoCloseHandle);
 }
 
 #else
 
-bool openForAppending(QFile& file, Writing)
+bool openForAppending(QFile& file, WriteMode)
 {
-    return file.open(mode);
+    return file.open(openMode);
 }
 
 #endif

@@ -1,4 +1,4 @@
-#include "InterruptWatcher.h"
+#include "process/InterruptWatcher.h"
 
 #include <QObject>
 

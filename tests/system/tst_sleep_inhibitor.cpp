@@ -90,7 +90,7 @@ public:
 
 } // namespace
 
-class tst_awake : public QObject
+class tst_sleep_inhibitor : public QObject
 {
     Q_OBJECT
 
@@ -136,7 +136,7 @@ private Q_SLOTS:
                     QTest::qWait(200);
                 const QString held =
                     what +
-                    " by tst_awake: Sleep would stop the laser in the middle of a job, block"_s;
+                    " by tst_sleep_inhibitor: Sleep would stop the laser in the middle of a job, block"_s;
                 QVERIFY(becomes(what.isEmpty() ? QString() : held));
                 // Whatever the program starts may live longer than it does.
                 child.run({"cat"_s});
@@ -326,8 +326,8 @@ int main(int argc, char** argv)
     if (argc == 3)
         return end(argv[2]);
     QCoreApplication application(argc, argv);
-    tst_awake test;
+    tst_sleep_inhibitor test;
     return QTest::qExec(&test, argc, argv);
 }
 
-#include "tst_awake.moc"
+#include "tst_sleep_inhibitor.moc"

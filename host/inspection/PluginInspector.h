@@ -1,6 +1,6 @@
 #pragma once
 
-#include "PluginReport.h"
+#include "inspection/PluginReport.h"
 
 #include <QEventLoop>
 #include <QStringList>
