@@ -29,7 +29,7 @@ const Command commands[] = {
     {QLatin1String("run"), QLatin1String("run a whole session and print what happens in it"), run},
     {QLatin1String("plugins"), QLatin1String("list the plug-in files and what becomes of them"),
      plugins},
-    {QLatin1String("examine-plugin"), QLatin1String(), examinePlugin},
+    {QLatin1String("inspect-plugin"), QLatin1String(), inspectPlugin},
     {QLatin1String("ping"), QLatin1String("see whether a host answers"), ping},
     {QLatin1String("trace"), QLatin1String("trace the route to a host"), trace},
 };
@@ -57,14 +57,14 @@ int runCommand(const QStringList& arguments)
     }
 
     if (!name.isEmpty() && !name.startsWith(QLatin1Char('-')))
-        return fail(BadUsage, QStringLiteral("there is no command %1").arg(quoted(name)));
+        return fail(UsageError, QStringLiteral("there is no command %1").arg(quoted(name)));
     QCommandLineParser parser;
     parser.setApplicationDescription(commandList());
     parser.addPositionalArgument(QStringLiteral("command"), QStringLiteral("What to do."));
     const std::optional<int> status = parse(parser, QStringList(programName) + arguments.mid(1));
     if (status)
         return *status;
-    return fail(BadUsage, QStringLiteral("a command is missing; --help lists them"));
+    return fail(UsageError, QStringLiteral("a command is missing; --help lists them"));
 }
 
 std::optional<int> parse(QCommandLineParser& parser, const QStringList& arguments)
@@ -87,7 +87,7 @@ std::optional<int> parse(QCommandLineParser& parser, const QStringList& argument
         return Success;
     }
     if (!parsed)
-        return fail(BadUsage, parser.errorText());
+        return fail(UsageError, parser.errorText());
     return std::nullopt;
 }
 

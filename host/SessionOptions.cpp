@@ -37,17 +37,17 @@ std::optional<int> SessionOptions::parse(QCommandLineParser& parser, const QStri
     if (const std::optional<int> status = Host::parse(parser, arguments))
         return status;
     if (!parser.positionalArguments().isEmpty()) {
-        return fail(BadUsage, QStringLiteral("%1 is no option, and nothing else is taken")
-                                  .arg(quoted(parser.positionalArguments().constFirst())));
+        return fail(UsageError, QStringLiteral("%1 is no option, and nothing else is taken")
+                                    .arg(quoted(parser.positionalArguments().constFirst())));
     }
     _applicationDir = parser.value(_applicationDirOption);
     if (_applicationDir.isEmpty() && parser.isSet(_applicationDirOption))
-        return fail(BadUsage, QStringLiteral("--app-dir: a directory is wanted, not nothing"));
+        return fail(UsageError, QStringLiteral("--app-dir: a directory is wanted, not nothing"));
     if (parser.isSet(_pluginDirOption)) {
         _pluginDir = parser.value(_pluginDirOption);
         if (!QFileInfo(_pluginDir).isDir()) {
             return fail(
-                BadUsage,
+                UsageError,
                 QStringLiteral("--plugins: there is no directory %1").arg(quoted(_pluginDir)));
         }
     }
@@ -56,8 +56,8 @@ std::optional<int> SessionOptions::parse(QCommandLineParser& parser, const QStri
         const QString type = parser.value(_boardOption);
         _boardType = type.toInt(&isNumber, type.startsWith(QLatin1String("0x")) ? 16 : 10);
         if (!isNumber) {
-            return fail(BadUsage, QStringLiteral("--board: %1 is no 32-bit whole number")
-                                      .arg(quoted(parser.value(_boardOption))));
+            return fail(UsageError, QStringLiteral("--board: %1 is no 32-bit whole number")
+                                        .arg(quoted(parser.value(_boardOption))));
         }
     }
     return std::nullopt;

@@ -42,18 +42,18 @@ namespace {
 using App::PluginLoader;
 using Verdict = PluginLoader::Verdict;
 
-std::FILE* toExaminer = nullptr;
+std::FILE* resultPipe = nullptr;
 
-void tell(const QJsonObject& parts)
+void sendMessage(const QJsonObject& parts)
 {
     // Without anyone who listens there is no reason to go on.
-    if (!write(toExaminer, QJsonDocument(parts).toJson(QJsonDocument::Compact) + '\n'))
-        std::_Exit(JobFailed);
+    if (!write(resultPipe, QJsonDocument(parts).toJson(QJsonDocument::Compact) + '\n'))
+        std::_Exit(Failure);
 }
 
-void tellOccupation(const char* occupation)
+void sendActivity(const char* activity)
 {
-    tell({{QLatin1String(Tale::occupation), QLatin1String(occupation)}});
+    sendMessage({{QLatin1String(InspectionProtocol::activity), QLatin1String(activity)}});
 }
 
 /// Keeps the standard output for what is told, and has what others print there go where errors go.
@@ -61,11 +61,11 @@ bool takeStandardOutput()
 {
     std::fflush(stdout);
 #ifdef Q_OS_WIN
-    toExaminer = _fdopen(_dup(1), "w");
-    return toExaminer && _dup2(2, 1) == 0;
+    resultPipe = _fdopen(_dup(1), "w");
+    return resultPipe && _dup2(2, 1) == 0;
 #else
-    toExaminer = ::fdopen(::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0), "w");
-    return toExaminer && ::dup2(STDERR_FILENO, STDOUT_FILENO) != -1;
+    resultPipe = ::fdopen(::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0), "w");
+    return resultPipe && ::dup2(STDERR_FILENO, STDOUT_FILENO) != -1;
 #endif
 }
 
@@ -87,8 +87,9 @@ void prepareForTheWorst()
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
 #endif
     std::set_terminate([] {
-        tell({{QLatin1String(Tale::ending), uncaughtException()}});
-        std::_Exit(JobFailed);
+        sendMessage(
+            {{QLatin1String(InspectionProtocol::terminationReason), describeCurrentException()}});
+        std::_Exit(Failure);
     });
 }
 
@@ -174,39 +175,41 @@ void examine(const QString& file, bool profiled)
 {
     QPluginLoader loader;
     QObject* object = nullptr;
-    tellOccupation("it was loaded");
-    tell(timeOf(QStringLiteral("load_ms"),
-                [&file, &loader, &object] { object = PluginLoader::rootObjectOf(file, loader); }));
+    sendActivity("it was loaded");
+    sendMessage(timeOf(QStringLiteral("load_ms"), [&file, &loader, &object] {
+        object = PluginLoader::rootObjectOf(file, loader);
+    }));
 
-    tellOccupation("it was asked what it is");
+    sendActivity("it was asked what it is");
     const Verdict verdict = PluginLoader::verdictOn(object);
     auto* plugin = qobject_cast<App::PluginInterface*>(object);
     QString boards;
     if (plugin) {
         boards = hexadecimal(static_cast<quint32>(plugin->supportedBoardTypes()));
-        tell({{QStringLiteral("boards"), boards},
-              {QStringLiteral("identifier"), hexadecimal(plugin->pluginID())}});
+        sendMessage({{QStringLiteral("boards"), boards},
+                     {QStringLiteral("identifier"), hexadecimal(plugin->pluginID())}});
     }
     if (verdict == Verdict::Accepted) {
         const QString name = plugin->pluginInfo().get(QStringLiteral("Name")).toString();
         if (!name.isEmpty())
-            tell({{QStringLiteral("name"), name}});
+            sendMessage({{QStringLiteral("name"), name}});
     }
-    tell(partsOf(verdict, boards, loader));
+    sendMessage(partsOf(verdict, boards, loader));
 
     if (profiled && verdict == Verdict::Accepted) {
-        tellOccupation("it was started");
-        tell(timeOf(QStringLiteral("start_ms"), [plugin] { plugin->start(); }));
-        tellOccupation("it was stopped");
-        tell(timeOf(QStringLiteral("stop_ms"), [object] { PluginLoader::unloadPlugin(object); }));
+        sendActivity("it was started");
+        sendMessage(timeOf(QStringLiteral("start_ms"), [plugin] { plugin->start(); }));
+        sendActivity("it was stopped");
+        sendMessage(
+            timeOf(QStringLiteral("stop_ms"), [object] { PluginLoader::unloadPlugin(object); }));
     }
-    tellOccupation("it was unloaded");
+    sendActivity("it was unloaded");
     loader.unload();
 }
 
 } // namespace
 
-int examinePlugin(const QStringList& arguments)
+int inspectPlugin(const QStringList& arguments)
 {
     QCommandLineParser parser;
     parser.setApplicationDescription(
@@ -220,12 +223,12 @@ int examinePlugin(const QStringList& arguments)
     if (const std::optional<int> status = options.parse(parser, arguments))
         return *status;
     if (!takeStandardOutput())
-        return fail(JobFailed, QStringLiteral("standard output cannot be kept"));
+        return fail(Failure, QStringLiteral("standard output cannot be kept"));
 
     prepareForTheWorst();
     options.startLibrary();
     examine(parser.value(file), parser.isSet(profile));
-    tellOccupation(Tale::lastOccupation);
+    sendActivity(InspectionProtocol::lastActivity);
     App::Application::destruct();
     return Success;
 }

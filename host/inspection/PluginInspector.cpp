@@ -43,7 +43,7 @@ QString endingOf(const QProcess& process)
 #ifdef Q_OS_WIN
     return QStringLiteral("exception 0x%1").arg(static_cast<quint32>(process.exitCode()), 0, 16);
 #else
-    for (const CrashSignal* crash = crashSignals; crash->name; ++crash) {
+    for (const FatalSignal* crash = fatalSignals; crash->name; ++crash) {
         if (crash->number == process.exitCode())
             return QLatin1String(crash->name);
     }
@@ -54,17 +54,17 @@ QString endingOf(const QProcess& process)
 /// Adds to the report what the process has told, and how it ended.
 void conclude(PluginReport& report, QProcess& process, bool isTimeUp, std::chrono::seconds timeout)
 {
-    const QString occupation = QLatin1String(Tale::occupation);
-    const QString ending = QLatin1String(Tale::ending);
-    report.add({{occupation, QStringLiteral("the library was started")}});
+    const QString activity = QLatin1String(InspectionProtocol::activity);
+    const QString ending = QLatin1String(InspectionProtocol::terminationReason);
+    report.add({{activity, QStringLiteral("the library was started")}});
     const QList<QByteArray> lines = process.readAllStandardOutput().split('\n');
     for (const QByteArray& line : lines)
         report.add(QJsonDocument::fromJson(line).object());
-    const QString lastOccupation = report.take(occupation);
+    const QString lastActivity = report.take(activity);
     QString endedBy = report.take(ending);
     const auto addVerdict = [&](const char* word, const QString& what) {
         report.add(verdictParts(QLatin1String(word),
-                                QStringLiteral("broken: %1 while %2").arg(what, lastOccupation)));
+                                QStringLiteral("broken: %1 while %2").arg(what, lastActivity)));
     };
 
     const bool hasCrashed = process.exitStatus() == QProcess::CrashExit;
@@ -76,7 +76,8 @@ void conclude(PluginReport& report, QProcess& process, bool isTimeUp, std::chron
         endedBy = endingOf(process);
     if (!endedBy.isEmpty())
         return addVerdict("crashed", QStringLiteral("ended by %1").arg(endedBy));
-    if (process.exitCode() != Success || lastOccupation != QLatin1String(Tale::lastOccupation)) {
+    if (process.exitCode() != Success ||
+        lastActivity != QLatin1String(InspectionProtocol::lastActivity)) {
         addVerdict(
             "exited",
             QStringLiteral("ended by a call of exit, with status %1,").arg(process.exitCode()));
@@ -85,13 +86,13 @@ void conclude(PluginReport& report, QProcess& process, bool isTimeUp, std::chron
 
 } // namespace
 
-PluginExaminer::PluginExaminer(const QStringList& arguments, int atOnce,
-                               std::chrono::seconds timeout)
-    : _arguments(arguments), _atOnce(atOnce), _timeout(timeout)
+PluginInspector::PluginInspector(const QStringList& arguments, int maxProcesses,
+                                 std::chrono::seconds timeout)
+    : _arguments(arguments), _maxProcesses(maxProcesses), _timeout(timeout)
 {
 }
 
-std::vector<PluginReport> PluginExaminer::examine(const QStringList& files)
+std::vector<PluginReport> PluginInspector::examine(const QStringList& files)
 {
     takeChildrenAlong();
     std::vector<PluginReport> reports(files.cbegin(), files.cend());
@@ -103,14 +104,14 @@ std::vector<PluginReport> PluginExaminer::examine(const QStringList& files)
             report.add(
                 verdictParts(QStringLiteral("no-plugin"), QLatin1String("refused: ") + problem));
     }
-    while (!_waiting.empty() && _running < _atOnce)
+    while (!_waiting.empty() && _running < _maxProcesses)
         startNext();
     if (_running > 0)
         _loop.exec();
     return reports;
 }
 
-void PluginExaminer::startNext()
+void PluginInspector::startNext()
 {
     const QString problem = System::launchProblem();
     if (!problem.isEmpty()) {
@@ -145,7 +146,7 @@ void PluginExaminer::startNext()
                        QStringList{QStringLiteral("--file"), report->text(QStringLiteral("file"))});
 }
 
-void PluginExaminer::end(QProcess* process)
+void PluginInspector::end(QProcess* process)
 {
     process->deleteLater();
     --_running;

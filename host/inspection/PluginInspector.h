@@ -13,15 +13,15 @@ class QProcess;
 
 namespace Host {
 
-/// Examines plug-in files, each in a process of its own that runs `examinePlugin`, so that none
+/// Examines plug-in files, each in a process of its own that runs `inspectPlugin`, so that none
 /// spoils what is said of the others. A file that cannot be loaded, as its tables show, needs no
 /// process. The processes end when this one does.
-class PluginExaminer
+class PluginInspector
 {
 public:
-    /// `arguments` are those of `examinePlugin` without the file. Up to `atOnce` processes run at a
-    /// time; each is ended after `timeout`.
-    PluginExaminer(const QStringList& arguments, int atOnce, std::chrono::seconds timeout);
+    /// `arguments` are those of `inspectPlugin` without the file. Up to `maxProcesses` processes
+    /// run at a time; each is ended after `timeout`.
+    PluginInspector(const QStringList& arguments, int maxProcesses, std::chrono::seconds timeout);
 
     /// The reports on the files, in their order.
     std::vector<PluginReport> examine(const QStringList& files);
@@ -33,7 +33,7 @@ private:
     void end(QProcess* process);
 
     const QStringList _arguments;
-    const int _atOnce;
+    const int _maxProcesses;
     const std::chrono::seconds _timeout;
     /// What there is still to do.
     std::deque<PluginReport*> _waiting;

@@ -21,7 +21,7 @@ QString PluginReport::take(const QString& key)
     return _parts.take(key).toString();
 }
 
-bool PluginReport::isBroken() const
+bool PluginReport::isUnusable() const
 {
     const QString verdict = text(QStringLiteral("verdict"));
     return verdict != QLatin1String("accepted") && verdict != QLatin1String("other-board");

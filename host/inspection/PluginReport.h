@@ -19,7 +19,7 @@ public:
     QString take(const QString& key);
 
     /// Whether the program can do nothing with the file, whatever board is in use.
-    bool isBroken() const;
+    bool isUnusable() const;
     /// A part as a text; empty when it is not there or null.
     QString text(const QString& key) const;
     /// How many milliseconds something took; a dash for what has not been done.

@@ -29,11 +29,11 @@ namespace {
 using Reports = std::vector<PluginReport>;
 
 /// What the processes that examine the plug-ins have to know: all that this one has found out.
-QStringList examinerArguments(bool profiled)
+QStringList inspectorArguments(bool profiled)
 {
     const Core::Settings& settings = Core::Settings::instance();
     const int board = Core::BoardEthDescHandler::instance()->currentBoardEthDescType();
-    QStringList arguments{QStringLiteral("examine-plugin"),
+    QStringList arguments{QStringLiteral("inspect-plugin"),
                           QStringLiteral("--app-dir"),
                           settings.applicationDirPath(),
                           QStringLiteral("--plugins"),
@@ -80,7 +80,7 @@ void printTable(const Reports& reports, bool profiled)
                 << report.time(QStringLiteral("stop_ms"));
         }
         row << report.text(QStringLiteral("explanation"));
-        std::transform(row.cbegin(), row.cend(), row.begin(), onOneLine);
+        std::transform(row.cbegin(), row.cend(), row.begin(), escapeControlCharacters);
         rows.push_back(row);
     }
 
@@ -110,13 +110,13 @@ int conclude(const Reports& reports, bool asJson, bool profiled)
         printTable(reports, profiled);
     }
     const auto broken = std::count_if(reports.cbegin(), reports.cend(),
-                                      [](const auto& report) { return report.isBroken(); });
+                                      [](const auto& report) { return report.isUnusable(); });
     if (broken == 0)
         return Success;
-    return fail(JobFailed, QStringLiteral("%1 of %2 plug-in files %3 broken")
-                               .arg(broken)
-                               .arg(reports.size())
-                               .arg(broken == 1 ? QStringLiteral("is") : QStringLiteral("are")));
+    return fail(Failure, QStringLiteral("%1 of %2 plug-in files %3 broken")
+                             .arg(broken)
+                             .arg(reports.size())
+                             .arg(broken == 1 ? QStringLiteral("is") : QStringLiteral("are")));
 }
 
 } // namespace
@@ -141,27 +141,28 @@ int plugins(const QStringList& arguments)
     const int seconds = parser.value(timeout).toInt();
     constexpr int mostSeconds = 1000000;
     if (seconds < 1 || seconds > mostSeconds) {
-        return fail(BadUsage, QStringLiteral("--timeout: %1 is no whole number from 1 to %2")
-                                  .arg(quoted(parser.value(timeout)))
-                                  .arg(mostSeconds));
+        return fail(UsageError, QStringLiteral("--timeout: %1 is no whole number from 1 to %2")
+                                    .arg(quoted(parser.value(timeout)))
+                                    .arg(mostSeconds));
     }
 
     options.startLibrary();
     warnIfSettingsCannotBeKept();
     const QStringList sentences =
-        passedOver(App::PluginLoader::pluginsPath(), App::PluginLoader::pluginSuffix());
+        skippedFiles(App::PluginLoader::pluginsPath(), App::PluginLoader::pluginSuffix());
     for (const QString& sentence : sentences)
         warn(sentence);
     const bool profiled = parser.isSet(profile);
     // What is measured is not to be disturbed.
-    const int atOnce = profiled ? 1 : std::max(2, QThread::idealThreadCount());
-    PluginExaminer examiner(examinerArguments(profiled), atOnce, std::chrono::seconds(seconds));
-    const Reports reports = examiner.examine(App::PluginLoader::pluginFiles());
+    const int maxProcesses = profiled ? 1 : std::max(2, QThread::idealThreadCount());
+    PluginInspector inspector(inspectorArguments(profiled), maxProcesses,
+                              std::chrono::seconds(seconds));
+    const Reports reports = inspector.examine(App::PluginLoader::pluginFiles());
     const int status =
-        examiner.error().isEmpty()
+        inspector.error().isEmpty()
             ? conclude(reports, parser.isSet(json), profiled)
-            : fail(JobFailed, QStringLiteral("cannot start a process to examine a plug-in: %1")
-                                  .arg(examiner.error()));
+            : fail(Failure, QStringLiteral("cannot start a process to examine a plug-in: %1")
+                                .arg(inspector.error()));
     App::Application::destruct();
     return status;
 }

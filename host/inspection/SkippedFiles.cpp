@@ -10,7 +10,7 @@ namespace Host {
 
 #ifdef Q_OS_UNIX
 
-QStringList passedOver(const QString& directory, const QString& suffix)
+QStringList skippedFiles(const QString& directory, const QString& suffix)
 {
     namespace fs = std::filesystem;
     QStringList sentences;
@@ -50,7 +50,7 @@ QStringList passedOver(const QString& directory, const QString& suffix)
 
 #else
 
-QStringList passedOver(const QString&, const QString&)
+QStringList skippedFiles(const QString&, const QString&)
 {
     return {};
 }

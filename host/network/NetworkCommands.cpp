@@ -41,21 +41,21 @@ std::optional<int> read(const QStringList& arguments, const QString& description
 
     const QStringList hosts = parser.positionalArguments();
     if (hosts.size() != 1)
-        return fail(BadUsage, QStringLiteral("one host is wanted, not %1").arg(hosts.size()));
+        return fail(UsageError, QStringLiteral("one host is wanted, not %1").arg(hosts.size()));
     host = hosts.first();
     // A tool would take such a host for an option, for nothing, or for two.
     if (host.isEmpty() || host.startsWith(QLatin1Char('-')) || host.startsWith(QLatin1Char('/')) ||
         std::any_of(host.cbegin(), host.cend(), [](QChar character) {
             return character.isSpace() || character.category() == QChar::Other_Control;
         })) {
-        return fail(BadUsage, QStringLiteral("%1 is no host").arg(quoted(host)));
+        return fail(UsageError, QStringLiteral("%1 is no host").arg(quoted(host)));
     }
 
     if (parser.isSet(option)) {
         bool isNumber = false;
         number = parser.value(option).toInt(&isNumber);
         if (!isNumber || number < least) {
-            return fail(BadUsage,
+            return fail(UsageError,
                         QStringLiteral("--%1: %2 is no whole number from %3 up")
                             .arg(option.names().constFirst(), quoted(parser.value(option)))
                             .arg(least));
@@ -76,10 +76,10 @@ int failToLaunch(const QString& name, const QString& program, const QString& pac
 {
     const QString message = QStringLiteral("the system's %1 tool cannot be launched").arg(name);
     if (QStandardPaths::findExecutable(program).isEmpty())
-        return fail(JobFailed,
+        return fail(Failure,
                     QStringLiteral("%1; on Debian the package %2 brings it").arg(message, package));
     const QString problem = System::launchProblem();
-    return fail(JobFailed, problem.isEmpty() ? message : message + QLatin1String(": ") + problem);
+    return fail(Failure, problem.isEmpty() ? message : message + QLatin1String(": ") + problem);
 }
 
 int runPing(const QString& host, int count)
@@ -87,13 +87,13 @@ int runPing(const QString& host, int count)
     PingProcess process;
     QEventLoop loop;
     bool launched = true;
-    QByteArray complaint;
+    QByteArray errorOutput;
     QObject::connect(&process, &QProcess::readyReadStandardOutput, &loop, [&] {
         if (!printReport(process.readAllStandardOutput()))
             System::interruptProcess(process.processId());
     });
     QObject::connect(&process, &QProcess::readyReadStandardError, &loop,
-                     [&] { complaint += process.readAllStandardError(); });
+                     [&] { errorOutput += process.readAllStandardError(); });
     QObject::connect(&process, &QProcess::errorOccurred, &loop, [&](QProcess::ProcessError error) {
         launched = launched && error != QProcess::FailedToStart;
         if (!launched)
@@ -120,11 +120,11 @@ int runPing(const QString& host, int count)
     if (process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0)
         return Success;
     if (process.exitStatus() == QProcess::CrashExit)
-        return fail(JobFailed, QStringLiteral("the ping tool was ended before it was done"));
-    complaint = complaint.trimmed();
-    return fail(JobFailed, complaint.isEmpty()
-                               ? QStringLiteral("%1 did not answer").arg(quoted(host))
-                               : QString::fromLocal8Bit(complaint));
+        return fail(Failure, QStringLiteral("the ping tool was ended before it was done"));
+    errorOutput = errorOutput.trimmed();
+    return fail(Failure, errorOutput.isEmpty()
+                             ? QStringLiteral("%1 did not answer").arg(quoted(host))
+                             : QString::fromLocal8Bit(errorOutput));
 }
 
 int runTrace(const QString& host, int maxHops)
@@ -167,10 +167,10 @@ int runTrace(const QString& host, int maxHops)
     if (std::ferror(stdout))
         return Success; // as far as the tool is concerned
     if (interrupted)
-        return fail(JobFailed, QStringLiteral("interrupted"));
+        return fail(Failure, QStringLiteral("interrupted"));
     const QRegularExpression hop(QStringLiteral("^ +[0-9]+ "), QRegularExpression::MultilineOption);
     if (!hop.match(QString::fromLocal8Bit(report)).hasMatch())
-        return fail(JobFailed, QStringLiteral("no hop to %1 has been found").arg(quoted(host)));
+        return fail(Failure, QStringLiteral("no hop to %1 has been found").arg(quoted(host)));
     return Success;
 }
 
@@ -181,7 +181,7 @@ int withLibrary(Job job)
     const QTemporaryDir directory;
     if (!directory.isValid()) {
         return fail(
-            JobFailed,
+            Failure,
             QStringLiteral("no temporary directory can be made: %1").arg(directory.errorString()));
     }
     Core::Settings::instance().setApplicationDirPath(directory.path());

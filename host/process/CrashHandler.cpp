@@ -45,7 +45,7 @@ void writeError(const char* text, std::size_t size)
         writeError(ending, std::strlen(ending));
         writeError(words->constData(), static_cast<std::size_t>(words->size()));
     }
-    std::_Exit(JobFailed);
+    std::_Exit(Failure);
 }
 
 void sayAtExit()
@@ -58,7 +58,7 @@ void sayAtExit()
 
 void handleSignal(int signal)
 {
-    const CrashSignal* crash = crashSignals;
+    const FatalSignal* crash = fatalSignals;
     while (crash->name && crash->number != signal)
         ++crash;
     sayAndEnd(crash->name ? crash->name : "a signal");
@@ -93,25 +93,25 @@ void handle(int signal)
 
 } // namespace
 
-LastWords::LastWords()
+CrashHandler::CrashHandler()
 {
     [[maybe_unused]] static const int registered = std::atexit(sayAtExit);
-    formerTerminateHandler =
-        std::set_terminate([] { sayAndEnd(onOneLine(uncaughtException()).toUtf8()); });
+    formerTerminateHandler = std::set_terminate(
+        [] { sayAndEnd(escapeControlCharacters(describeCurrentException()).toUtf8()); });
 #ifdef Q_OS_WIN
     formerFilter = SetUnhandledExceptionFilter(
         [](EXCEPTION_POINTERS*) -> LONG { sayAndEnd("an exception of the system"); });
 #else
     makeRoomForHandlers();
 #endif
-    for (const CrashSignal* crash = crashSignals; crash->name; ++crash)
+    for (const FatalSignal* crash = fatalSignals; crash->name; ++crash)
         handle(crash->number);
 }
 
-LastWords::~LastWords()
+CrashHandler::~CrashHandler()
 {
     wordsToSay = nullptr;
-    for (const CrashSignal* crash = crashSignals; crash->name; ++crash)
+    for (const FatalSignal* crash = fatalSignals; crash->name; ++crash)
         std::signal(crash->number, SIG_DFL);
 #ifdef Q_OS_WIN
     SetUnhandledExceptionFilter(formerFilter);
@@ -119,10 +119,10 @@ LastWords::~LastWords()
     std::set_terminate(formerTerminateHandler);
 }
 
-void LastWords::setOccupation(const QString& occupation)
+void CrashHandler::setActivity(const QString& activity)
 {
     wordsToSay = nullptr;
-    _words = QStringLiteral(" while %1\n").arg(onOneLine(occupation)).toUtf8();
+    _words = QStringLiteral(" while %1\n").arg(escapeControlCharacters(activity)).toUtf8();
     wordsToSay = &_words;
 }
 

@@ -5,7 +5,7 @@
 
 namespace Host {
 
-const CrashSignal crashSignals[] = {
+const FatalSignal fatalSignals[] = {
 #ifndef Q_OS_WIN
     // Windows has them for one thread at a time, and exceptions of its own for all.
     {SIGBUS, "SIGBUS"},   {SIGFPE, "SIGFPE"},   {SIGILL, "SIGILL"},
@@ -13,7 +13,7 @@ const CrashSignal crashSignals[] = {
 #endif
     {SIGABRT, "SIGABRT"}, {0, nullptr}};
 
-QString uncaughtException()
+QString describeCurrentException()
 {
     const std::exception_ptr exception = std::current_exception();
     if (!exception)

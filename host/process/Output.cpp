@@ -15,15 +15,15 @@ void print(std::FILE* file, const QString& text)
     write(file, text.toUtf8() + '\n');
 }
 
-int fail(ExitStatus status, const QString& message)
+int fail(ExitCode status, const QString& message)
 {
-    print(stderr, programName + QLatin1String(": ") + onOneLine(message));
+    print(stderr, programName + QLatin1String(": ") + escapeControlCharacters(message));
     return status;
 }
 
 void warn(const QString& message)
 {
-    print(stderr, programName + QLatin1String(": warning: ") + onOneLine(message));
+    print(stderr, programName + QLatin1String(": warning: ") + escapeControlCharacters(message));
 }
 
 QString quoted(const QString& text)
@@ -31,7 +31,7 @@ QString quoted(const QString& text)
     return QLatin1Char('\'') + text + QLatin1Char('\'');
 }
 
-QString onOneLine(const QString& text)
+QString escapeControlCharacters(const QString& text)
 {
     QString result;
     for (const QChar character : text) {

@@ -9,11 +9,11 @@
 namespace Host {
 
 /// How the host ends.
-enum ExitStatus
+enum ExitCode
 {
     Success = 0,
-    JobFailed = 1,
-    BadUsage = 2
+    Failure = 1,
+    UsageError = 2
 };
 
 /// The name by which the host calls itself.
@@ -26,7 +26,7 @@ bool write(std::FILE* file, const QByteArray& bytes);
 void print(std::FILE* file, const QString& text);
 /// Says on standard error what is wrong, and returns the status to end with. Control characters in
 /// the message are escaped, so that it stays one line.
-int fail(ExitStatus status, const QString& message);
+int fail(ExitCode status, const QString& message);
 /// Says on standard error, in the same way, what is amiss though the job goes on.
 void warn(const QString& message);
 
@@ -34,6 +34,6 @@ void warn(const QString& message);
 QString quoted(const QString& text);
 /// A text with its control characters escaped, so that it stays one line and does nothing to a
 /// terminal.
-QString onOneLine(const QString& text);
+QString escapeControlCharacters(const QString& text);
 
 } // namespace Host

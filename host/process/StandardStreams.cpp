@@ -12,13 +12,13 @@ namespace Host {
 
 #ifdef Q_OS_WIN
 
-void secureStandardChannels()
+void sanitizeStandardStreams()
 {
 }
 
 #else
 
-void secureStandardChannels()
+void sanitizeStandardStreams()
 {
     for (const int channel : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         // What is opened takes the first place that is free, this one. It is opened the wrong way

@@ -7,7 +7,7 @@
 
 namespace Host {
 
-QString documentProblem(const QString& path)
+QString documentError(const QString& path)
 {
     const QFileInfo info(path);
     if (!info.exists())

@@ -10,12 +10,12 @@ namespace Host {
 
 /// Prints what happens, a line each: the milliseconds since the report began, who, and what. As an
 /// observer of the console service it prints what is logged, too.
-class Report : public Core::ConsoleObserver
+class EventPrinter : public Core::ConsoleObserver
 {
 public:
-    Report();
+    EventPrinter();
 
-    void line(const QString& who, const QString& what);
+    void print(const QString& who, const QString& what);
     void write(Severity severity, const QByteArray& line) override;
 
 private:

@@ -4,12 +4,12 @@
 
 namespace Host {
 
-HeartbeatChannel::HeartbeatChannel(Report& report, std::chrono::milliseconds interval)
-    : _report(report)
+HeartbeatChannel::HeartbeatChannel(EventPrinter& printer, std::chrono::milliseconds interval)
+    : _printer(printer)
 {
     _timer.setInterval(interval);
     QObject::connect(&_timer, &QTimer::timeout, &_timer,
-                     [this] { _report.line(name(), QStringLiteral("is alive")); });
+                     [this] { _printer.print(name(), QStringLiteral("is alive")); });
 }
 
 QString HeartbeatChannel::name() const
@@ -19,14 +19,14 @@ QString HeartbeatChannel::name() const
 
 void HeartbeatChannel::start()
 {
-    _report.line(name(), QStringLiteral("starts"));
+    _printer.print(name(), QStringLiteral("starts"));
     _timer.start();
 }
 
 void HeartbeatChannel::stop()
 {
     _timer.stop();
-    _report.line(name(), QStringLiteral("stops"));
+    _printer.print(name(), QStringLiteral("stops"));
 }
 
 } // namespace Host

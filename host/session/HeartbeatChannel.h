@@ -8,21 +8,21 @@
 
 namespace Host {
 
-class Report;
+class EventPrinter;
 
 /// The least that a communication channel can be: while it is started it says at intervals, from
 /// the event loop, that it is alive.
 class HeartbeatChannel : public App::CommInfo
 {
 public:
-    HeartbeatChannel(Report& report, std::chrono::milliseconds interval);
+    HeartbeatChannel(EventPrinter& printer, std::chrono::milliseconds interval);
 
     QString name() const override;
     void start() override;
     void stop() override;
 
 private:
-    Report& _report;
+    EventPrinter& _printer;
     QTimer _timer;
 };
 

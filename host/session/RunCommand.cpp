@@ -75,17 +75,17 @@ void changeDocument(Doc::Document* document, SessionReceiver& receiver)
 }
 
 /// Keeps the channels started until an interrupt if they are to `stay`, else for some heartbeats.
-void runChannels(bool stay, Report& report)
+void runChannels(bool stay, EventPrinter& printer)
 {
     App::CommInfoRegistry& channels = *App::CommInfoRegistry::instance();
-    HeartbeatChannel heartbeat(report, std::chrono::milliseconds(stay ? 1000 : 20));
+    HeartbeatChannel heartbeat(printer, std::chrono::milliseconds(stay ? 1000 : 20));
     channels.registerCommInfo(&heartbeat);
     channels.start();
     QEventLoop loop;
     std::optional<InterruptWatcher> watcher;
     QTimer readerTimer;
     if (stay) {
-        report.line(host, QStringLiteral("keeps the channels started until Ctrl+C"));
+        printer.print(host, QStringLiteral("keeps the channels started until Ctrl+C"));
         watcher.emplace([&loop] { loop.quit(); });
         QObject::connect(&readerTimer, &QTimer::timeout, &loop, [&loop] {
             // When nobody reads the report any more, there is nobody to stay for.
@@ -104,48 +104,49 @@ void runChannels(bool stay, Report& report)
 
 int cannotOpen(const QString& path)
 {
-    return fail(JobFailed,
-                QStringLiteral("cannot open %1: %2").arg(quoted(path), documentProblem(path)));
+    return fail(Failure,
+                QStringLiteral("cannot open %1: %2").arg(quoted(path), documentError(path)));
 }
 
-/// The steps of the host itself: each is reported, and remembered in case the program ends in it.
-class Steps
+/// The steps of the host itself: prints each one, and passes it to the crash handler.
+class SessionProgress
 {
 public:
-    explicit Steps(Report& report) : _report(report) {}
+    explicit SessionProgress(EventPrinter& printer) : _printer(printer) {}
 
-    void begin(const QString& step)
+    void beginStep(const QString& step)
     {
-        _report.line(host, step);
-        _lastWords.setOccupation(
+        _printer.print(host, step);
+        _crashHandler.setActivity(
             QStringLiteral("the host %1; ovapp-host plugins --profile examines the plug-ins")
                 .arg(step));
     }
-    Report& report() { return _report; }
+    EventPrinter& printer() { return _printer; }
 
 private:
-    Report& _report;
-    LastWords _lastWords;
+    EventPrinter& _printer;
+    CrashHandler _crashHandler;
 };
 
 /// Opens the document, changes it, reverts it and closes it.
-int useDocument(const QString& path, bool stay, SessionReceiver& receiver, Steps& steps)
+int useDocument(const QString& path, bool stay, SessionReceiver& receiver,
+                SessionProgress& progress)
 {
     App::Application& application = App::Application::instance();
-    steps.begin(QStringLiteral("opens the document"));
+    progress.beginStep(QStringLiteral("opens the document"));
     Doc::Document* document = application.openDocument(path);
     if (!document)
         return cannotOpen(path);
 
-    steps.begin(QStringLiteral("changes the document, notifies and posts"));
+    progress.beginStep(QStringLiteral("changes the document, notifies and posts"));
     changeDocument(document, receiver);
-    steps.begin(QStringLiteral("runs the event loop"));
+    progress.beginStep(QStringLiteral("runs the event loop"));
     QCoreApplication::processEvents();
 
-    steps.begin(QStringLiteral("starts and stops the channels"));
-    runChannels(stay, steps.report());
+    progress.beginStep(QStringLiteral("starts and stops the channels"));
+    runChannels(stay, progress.printer());
 
-    steps.begin(QStringLiteral("reverts the document: activates it as it is on disk"));
+    progress.beginStep(QStringLiteral("reverts the document: activates it as it is on disk"));
     int status = Success;
     auto onDisk = std::make_unique<Doc::Document>(new Doc::Storage);
     if (onDisk->open(path))
@@ -153,42 +154,42 @@ int useDocument(const QString& path, bool stay, SessionReceiver& receiver, Steps
     else
         status = cannotOpen(path);
 
-    steps.begin(QStringLiteral("closes the document"));
+    progress.beginStep(QStringLiteral("closes the document"));
     application.closeDocument();
     return status;
 }
 
-void loadPlugins(Steps& steps)
+void loadPlugins(SessionProgress& progress)
 {
     using App::PluginLoader;
-    steps.begin(QStringLiteral("loads and starts the plug-ins"));
+    progress.beginStep(QStringLiteral("loads and starts the plug-ins"));
     PluginLoader::initPluginIDValue();
     PluginLoader::loadPlugins(true);
     const QDir directory(PluginLoader::pluginsPath());
     const QStringList files = PluginLoader::pluginFiles();
     for (const QString& file : files) {
-        steps.report().line(host,
-                            directory.relativeFilePath(file) +
-                                (PluginLoader::isLoaded(file)
-                                     ? QStringLiteral(" is accepted")
-                                     : QStringLiteral(" is refused; ovapp-host plugins says why")));
+        progress.printer().print(
+            host, directory.relativeFilePath(file) +
+                      (PluginLoader::isLoaded(file)
+                           ? QStringLiteral(" is accepted")
+                           : QStringLiteral(" is refused; ovapp-host plugins says why")));
     }
     App::Application::instance().notifyPluginStateChangeListener(PluginLoader::pluginCount());
 }
 
 /// What an executable does between start-up and shutdown.
-int useApplication(const QString& document, bool stay, Steps& steps)
+int useApplication(const QString& document, bool stay, SessionProgress& progress)
 {
-    SessionListener listener(steps.report());
-    SessionReceiver receiver(steps.report());
+    SessionListener listener(progress.printer());
+    SessionReceiver receiver(progress.printer());
     QCoreApplication::instance()->installEventFilter(&receiver);
-    loadPlugins(steps);
-    steps.begin(QStringLiteral("has completed its own start-up"));
+    loadPlugins(progress);
+    progress.beginStep(QStringLiteral("has completed its own start-up"));
     App::Application::instance().doAppStartFinished();
 
-    const int status = useDocument(document, stay, receiver, steps);
+    const int status = useDocument(document, stay, receiver, progress);
 
-    steps.begin(QStringLiteral("stops and unloads the plug-ins"));
+    progress.beginStep(QStringLiteral("stops and unloads the plug-ins"));
     App::PluginLoader::unloadPlugins();
     return status;
 }
@@ -211,18 +212,18 @@ int run(const QStringList& arguments)
     if (const std::optional<int> status = options.parse(parser, arguments))
         return *status;
 
-    Report report;
-    Steps steps(report);
-    Core::ConsoleSingleton::instance().attachObserver(&report);
-    steps.begin(QStringLiteral("starts the library"));
+    EventPrinter printer;
+    SessionProgress progress(printer);
+    Core::ConsoleSingleton::instance().attachObserver(&printer);
+    progress.beginStep(QStringLiteral("starts the library"));
     options.startLibrary();
     warnIfSettingsCannotBeKept();
 
-    const int status = useApplication(parser.value(document), parser.isSet(stay), steps);
+    const int status = useApplication(parser.value(document), parser.isSet(stay), progress);
 
-    steps.begin(QStringLiteral("stops the library"));
+    progress.beginStep(QStringLiteral("stops the library"));
     App::Application::destruct();
-    Core::ConsoleSingleton::instance().detachObserver(&report);
+    Core::ConsoleSingleton::instance().detachObserver(&printer);
     return status;
 }
 

@@ -27,7 +27,7 @@ QString described(const Doc::Document* document)
 
 } // namespace
 
-SessionListener::SessionListener(Report& report) : _report(report)
+SessionListener::SessionListener(EventPrinter& printer) : _printer(printer)
 {
     App::Application& application = App::Application::instance();
     application.addActiveDocumentListener(this);
@@ -109,7 +109,7 @@ void SessionListener::updateTransactionListener(Doc::Document* document,
 
 void SessionListener::report(const QString& kind, const QString& what)
 {
-    _report.line(kind + QStringLiteral(" listener"), what);
+    _printer.print(kind + QStringLiteral(" listener"), what);
 }
 
 } // namespace Host

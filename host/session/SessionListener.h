@@ -18,7 +18,7 @@
 
 namespace Host {
 
-class Report;
+class EventPrinter;
 
 /// A listener of every kind, which reports what it is told. It also takes the documents that are
 /// closed into its keeping, since the library only hands them over.
@@ -34,7 +34,7 @@ class SessionListener : public App::ActiveDocumentListener,
 {
 public:
     /// Registers itself with the application object, as a listener of every kind.
-    explicit SessionListener(Report& report);
+    explicit SessionListener(EventPrinter& printer);
     SessionListener(const SessionListener&) = delete;
     SessionListener& operator=(const SessionListener&) = delete;
     /// Removes itself, then deletes the documents that were closed.
@@ -53,7 +53,7 @@ public:
 private:
     void report(const QString& kind, const QString& what);
 
-    Report& _report;
+    EventPrinter& _printer;
     std::vector<std::unique_ptr<Doc::Document>> _closedDocuments;
 };
 

@@ -10,7 +10,7 @@
 
 namespace Host {
 
-SessionReceiver::SessionReceiver(Report& report) : _report(report)
+SessionReceiver::SessionReceiver(EventPrinter& printer) : _printer(printer)
 {
 }
 
@@ -31,18 +31,18 @@ bool SessionReceiver::reported(const QString& who, const QEvent& event)
     switch (static_cast<int>(event.type())) {
     case App::TransactionEvent::eventType: {
         const auto& posted = static_cast<const App::TransactionEvent&>(event);
-        _report.line(who, QStringLiteral("receives the transaction \"%1\", %2, object types %3")
-                              .arg(posted.transaction().name(),
-                                   posted.hasOnlyChanges() ? QStringLiteral("changes only")
-                                                           : QStringLiteral("more than changes"))
-                              .arg(posted.objectTypeFilter()));
+        _printer.print(who, QStringLiteral("receives the transaction \"%1\", %2, object types %3")
+                                .arg(posted.transaction().name(),
+                                     posted.hasOnlyChanges() ? QStringLiteral("changes only")
+                                                             : QStringLiteral("more than changes"))
+                                .arg(posted.objectTypeFilter()));
         return true;
     }
     case App::SelectionChangeEvent::eventType:
-        _report.line(who, QStringLiteral("receives a change of the selection"));
+        _printer.print(who, QStringLiteral("receives a change of the selection"));
         return true;
     case Core::SwitchScreenLayoutEvent::eventType:
-        _report.line(
+        _printer.print(
             who, QStringLiteral("receives a switch to the screen layout of board type %1")
                      .arg(static_cast<const Core::SwitchScreenLayoutEvent&>(event).boardType()));
         return true;

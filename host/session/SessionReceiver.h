@@ -4,14 +4,14 @@
 
 namespace Host {
 
-class Report;
+class EventPrinter;
 
 /// A Qt object that reports the events posted to it, and those posted to the `QCoreApplication`
 /// when it is installed there as an event filter.
 class SessionReceiver : public QObject
 {
 public:
-    explicit SessionReceiver(Report& report);
+    explicit SessionReceiver(EventPrinter& printer);
 
     bool event(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -19,7 +19,7 @@ public:
 private:
     bool reported(const QString& who, const QEvent& event);
 
-    Report& _report;
+    EventPrinter& _printer;
 };
 
 } // namespace Host
