@@ -43,9 +43,9 @@ public:
     /// one in common with the board in use.
     virtual int supportedBoardTypes() const = 0;
     /// Begins the plug-in's work. The loader calls it after `pluginInfo` if it is to start
-    /// plug-ins, and may call it again without a `stop` before. An exception would pass through the
-    /// loader to the executable, and no `stop` would follow: catch it here, and take back what was
-    /// registered.
+    /// plug-ins, and may call it again without a `stop` before. If it throws an exception, the
+    /// loader logs that, the plug-in stays loaded, and `stop` is called as usual: it has to take
+    /// back what was registered until then.
     virtual void start() = 0;
     /// Ends the plug-in's work. Called before the plug-in is unloaded, whether it was started or
     /// not.

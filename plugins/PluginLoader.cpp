@@ -1,5 +1,6 @@
 #include <plugins/PluginLoader.h>
 
+#include <plugins/LoadError.h>
 #include <plugins/PluginFiles.h>
 #include <plugins/PluginInterface.h>
 
@@ -11,13 +12,16 @@
 #include <QFileInfo>
 #include <QPluginLoader>
 
-#include <algorithm>
+#include <exception>
 #include <memory>
+#include <utility>
 
 namespace App {
 
 QStringList PluginLoader::_pluginFiles;
 QList<PluginInfo> PluginLoader::_pluginInfos;
+QList<PluginRecord> PluginLoader::_records;
+PluginLoader::ProgressHandler PluginLoader::_progressHandler;
 QList<QPluginLoader*> PluginLoader::_pluginLoaders;
 
 namespace {
@@ -38,6 +42,82 @@ int currentBoardType()
 {
     const Core::BoardEthDescHandler* board = Core::BoardEthDescHandler::instance();
     return board ? board->currentBoardEthDescType() : 0;
+}
+
+QString hexadecimal(int boardTypes)
+{
+    return QLatin1String("0x") + QString::number(static_cast<quint32>(boardTypes), 16);
+}
+
+/// Calls a function of a plug-in. If it throws, logs that with the name of the plug-in and returns
+/// it as a sentence; otherwise returns an empty string.
+QString callPlugin(const QString& plugin, const char* function, const std::function<void()>& call)
+{
+    QString text;
+    try {
+        call();
+        return QString();
+    } catch (const std::exception& exception) {
+        text = QString::fromLocal8Bit(exception.what());
+    } catch (...) {
+        text = QStringLiteral("of an unknown type");
+    }
+    const QString sentence =
+        QStringLiteral("%1 threw an exception: %2").arg(QLatin1String(function), text);
+    Core::ConsoleSingleton::instance().warning("PluginLoader::callPlugin: %s: %s",
+                                               plugin.toLocal8Bit().constData(),
+                                               sentence.toLocal8Bit().constData());
+    return sentence;
+}
+
+/// How warnings name a plug-in.
+QString nameOf(const QString& filePath, const QObject& object)
+{
+    return filePath.isEmpty() ? QString::fromLatin1(object.metaObject()->className()) : filePath;
+}
+
+/// Sets the verdict on the root object, which is not null, and the reason.
+void judge(PluginRecord& record)
+{
+    const QString name = nameOf(record.filePath, *record.rootObject);
+    const auto conclude = [&record](PluginVerdict verdict, const QString& reason) {
+        record.verdict = verdict;
+        record.reason = reason;
+    };
+
+    const auto* plugin = qobject_cast<PluginInterface*>(record.rootObject);
+    if (!plugin) {
+        return conclude(PluginVerdict::NoInterface,
+                        QStringLiteral("its root object does not implement \"%1\"; name "
+                                       "App::PluginInterface in its Q_INTERFACES")
+                            .arg(QLatin1String(qobject_interface_iid<PluginInterface*>())));
+    }
+    int boardTypes = 0;
+    QString failure = callPlugin(name, "supportedBoardTypes()",
+                                 [&] { boardTypes = plugin->supportedBoardTypes(); });
+    if (!failure.isEmpty())
+        return conclude(PluginVerdict::Exception, failure);
+    if ((boardTypes & currentBoardType()) == 0) {
+        return conclude(PluginVerdict::OtherBoard,
+                        QStringLiteral("supportedBoardTypes() is %1, which has no bit in common "
+                                       "with the type of the board in use, %2")
+                            .arg(hexadecimal(boardTypes), hexadecimal(currentBoardType())));
+    }
+    quint64 identifier = 0;
+    failure = callPlugin(name, "pluginID()", [&] { identifier = plugin->pluginID(); });
+    if (!failure.isEmpty())
+        return conclude(PluginVerdict::Exception, failure);
+    if (identifier == 0) {
+        return conclude(PluginVerdict::NoIdentifier,
+                        QStringLiteral("pluginID() is 0; give the plug-in an identifier"));
+    }
+    conclude(PluginVerdict::Accepted, QString());
+}
+
+void stop(QObject* object, const QString& filePath)
+{
+    if (auto* plugin = qobject_cast<PluginInterface*>(object))
+        callPlugin(nameOf(filePath, *object), "stop()", [plugin] { plugin->stop(); });
 }
 
 } // namespace
@@ -78,60 +158,126 @@ void PluginLoader::loadPlugins(bool startPlugins)
 {
     _pluginFiles.clear();
     _pluginInfos.clear();
+    _records.clear();
     const QStringList files = pluginFiles();
+    const ProgressHandler reportProgress = _progressHandler;
     for (const QString& file : files) {
-        if (isDiscard(file))
-            continue;
-        auto loader = std::make_unique<QPluginLoader>();
-        if (loadPlugin(rootObjectOf(file, *loader), startPlugins, file))
-            _pluginLoaders.append(loader.release());
-        else
-            loader->unload();
+        if (reportProgress)
+            reportProgress(file, static_cast<int>(_records.size()), static_cast<int>(files.size()));
+        PluginRecord record;
+        if (isDiscard(file)) {
+            record.filePath = file;
+            record.reason = QStringLiteral("a file with this name is never loaded");
+        } else {
+            auto loader = std::make_unique<QPluginLoader>();
+            record = recordOf(file, *loader);
+            if (accept(record, startPlugins))
+                _pluginLoaders.append(loader.release());
+            else
+                loader->unload();
+        }
+        _records.append(record);
     }
 }
 
-bool PluginLoader::isLoaded(const QString& file)
+void PluginLoader::setProgressHandler(ProgressHandler handler)
 {
-    // A loader's name of its file is the canonical one. To ask the file system about each of them
-    // would take seconds where there are a thousand.
-    const QFileInfo info(file);
-    const QString path = info.exists() ? info.canonicalFilePath() : info.absoluteFilePath();
-    return std::any_of(_pluginLoaders.cbegin(), _pluginLoaders.cend(),
-                       [&path](const QPluginLoader* loader) { return loader->fileName() == path; });
+    _progressHandler = std::move(handler);
+}
+
+QList<PluginRecord> PluginLoader::records()
+{
+    return _records;
+}
+
+QString PluginLoader::verdictName(Verdict verdict)
+{
+    switch (verdict) {
+    case Verdict::Accepted:
+        return QStringLiteral("accepted");
+    case Verdict::NoPlugin:
+        return QStringLiteral("no-plugin");
+    case Verdict::NoInterface:
+        return QStringLiteral("no-interface");
+    case Verdict::OtherBoard:
+        return QStringLiteral("other-board");
+    case Verdict::NoIdentifier:
+        return QStringLiteral("no-identifier");
+    case Verdict::Exception:
+        return QStringLiteral("exception");
+    }
+    return QString();
 }
 
 QObject* PluginLoader::rootObjectOf(const QString& file, QPluginLoader& loader)
 {
-    if (!System::libraryFileProblem(file).isEmpty())
-        return nullptr;
-    loader.setFileName(file);
-    loader.setLoadHints(loader.loadHints() | QLibrary::ResolveAllSymbolsHint);
-    return loader.instance();
+    return recordOf(file, loader).rootObject;
 }
 
-bool PluginLoader::loadPlugin(QObject* object, bool startPlugins, const QString&)
+PluginRecord PluginLoader::recordOf(const QString& file, QPluginLoader& loader)
 {
-    if (verdictOn(object) != Verdict::Accepted)
+    PluginRecord record;
+    record.filePath = file;
+    record.reason = System::libraryFileProblem(file);
+    if (!record.reason.isEmpty())
+        return record;
+    loader.setFileName(file);
+    loader.setLoadHints(loader.loadHints() | QLibrary::ResolveAllSymbolsHint);
+    // Without load(), instance() takes no reference to a file that another loader has loaded.
+    if (loader.load()) {
+        record.reason =
+            callPlugin(file, "its constructor", [&] { record.rootObject = loader.instance(); });
+    }
+    if (!record.reason.isEmpty())
+        record.verdict = Verdict::Exception;
+    else if (!record.rootObject)
+        record.reason = loadError(loader);
+    return record;
+}
+
+void PluginLoader::inspect(PluginRecord& record)
+{
+    if (!record.rootObject)
+        return;
+    judge(record);
+    if (record.verdict != Verdict::Accepted)
+        return;
+    const auto* plugin = qobject_cast<PluginInterface*>(record.rootObject);
+    record.reason = callPlugin(nameOf(record.filePath, *record.rootObject), "pluginInfo()",
+                               [&] { record.info = plugin->pluginInfo(); });
+    if (!record.reason.isEmpty())
+        record.verdict = Verdict::Exception;
+}
+
+bool PluginLoader::accept(PluginRecord& record, bool startPlugins)
+{
+    inspect(record);
+    if (record.verdict != Verdict::Accepted)
         return false;
-    auto* plugin = qobject_cast<PluginInterface*>(object);
-    _pluginInfos.append(plugin->pluginInfo());
-    if (startPlugins)
-        plugin->start();
+    _pluginInfos.append(record.info);
+    if (startPlugins) {
+        auto* plugin = qobject_cast<PluginInterface*>(record.rootObject);
+        record.reason = callPlugin(nameOf(record.filePath, *record.rootObject), "start()",
+                                   [plugin] { plugin->start(); });
+    }
     return true;
+}
+
+bool PluginLoader::loadPlugin(QObject* object, bool startPlugins, const QString& filePath)
+{
+    PluginRecord record;
+    record.filePath = filePath;
+    record.rootObject = object;
+    return accept(record, startPlugins);
 }
 
 PluginLoader::Verdict PluginLoader::verdictOn(QObject* object)
 {
-    if (!object)
-        return Verdict::NoPlugin;
-    const auto* plugin = qobject_cast<PluginInterface*>(object);
-    if (!plugin)
-        return Verdict::NoInterface;
-    if ((plugin->supportedBoardTypes() & currentBoardType()) == 0)
-        return Verdict::OtherBoard;
-    if (plugin->pluginID() == 0)
-        return Verdict::NoIdentifier;
-    return Verdict::Accepted;
+    PluginRecord record;
+    record.rootObject = object;
+    if (object)
+        judge(record);
+    return record.verdict;
 }
 
 void PluginLoader::unloadPlugin(const QString& file)
@@ -141,7 +287,7 @@ void PluginLoader::unloadPlugin(const QString& file)
     QPluginLoader* loader = _pluginLoaders.last();
     if (QFileInfo(loader->fileName()) != QFileInfo(file))
         return;
-    unloadPlugin(loader->instance());
+    stop(loader->instance(), file);
     loader->unload();
     delete loader;
     _pluginLoaders.removeLast();
@@ -149,8 +295,7 @@ void PluginLoader::unloadPlugin(const QString& file)
 
 void PluginLoader::unloadPlugin(QObject* object)
 {
-    if (auto* plugin = qobject_cast<PluginInterface*>(object))
-        plugin->stop();
+    stop(object, QString());
 }
 
 void PluginLoader::unloadPlugins()

@@ -2,9 +2,12 @@
 
 #include <ovapp_export.h>
 #include <plugins/PluginInfo.h>
+#include <plugins/PluginRecord.h>
 
 #include <QList>
 #include <QStringList>
+
+#include <functional>
 
 class QObject;
 class QPluginLoader;
@@ -23,26 +26,22 @@ namespace App {
 ///
 /// Plug-ins are unloaded strictly in the reverse order of loading: only the one that was loaded
 /// last can be. That destroys its root object; its code stays in memory until the program ends, as
-/// is Qt's way, so that the texts of its info remain valid. A file that is no plug-in, or a plug-in
-/// that is refused, is passed over without a word; `verdictOn` tells why.
+/// is Qt's way, so that the texts of its info remain valid. A file that is refused is skipped
+/// silently; `records` has the reason.
+///
+/// No function throws what a plug-in throws: the loader logs a warning with the file and the
+/// exception's text, and continues. If the constructor of the root object, `supportedBoardTypes`,
+/// `pluginID` or `pluginInfo` throws, the file is refused. A plug-in whose `start` throws stays
+/// loaded, since it may have registered something, and one whose `stop` throws is unloaded: both as
+/// if they had returned.
 ///
 /// Main thread only. A plug-in must not load or unload plug-ins while the loader calls it.
 class OVAPP_EXPORT PluginLoader
 {
 public:
-    /// What comes of looking at a plug-in's root object: that it is accepted, or why it is not.
-    enum class Verdict
-    {
-        Accepted,
-        /// There is no object: the file is no Qt plug-in, or one that cannot be loaded.
-        NoPlugin,
-        /// The object does not implement `PluginInterface`.
-        NoInterface,
-        /// The plug-in supports none of the types of the board in use.
-        OtherBoard,
-        /// The plug-in's identifier is 0.
-        NoIdentifier
-    };
+    using Verdict = PluginVerdict;
+    /// Called with the path of a file, its index, from 0, and the number of files.
+    using ProgressHandler = std::function<void(const QString& filePath, int index, int count)>;
 
     PluginLoader() = delete;
 
@@ -65,32 +64,42 @@ public:
     /// Scans afresh and loads every plug-in file in the order of `pluginFiles`; with
     /// `startPlugins`, starts each plug-in before the next is loaded. Plug-ins that are loaded
     /// already stay so, and are accepted, and started, once more: call `unloadPlugins` before.
-    ///
-    /// What a plug-in throws reaches the caller. Those before it are loaded then, and can be
-    /// unloaded; those after it are not. The one that threw stays in memory until the program ends
-    /// and is neither stopped nor unloaded, but what it registered before stays registered; if it
-    /// threw in `start`, its info is kept. End the session then, rather than load again.
     static void loadPlugins(bool startPlugins);
-    /// Whether `loadPlugins` accepted a plug-in from this file that has not been unloaded since.
-    static bool isLoaded(const QString& file);
-    /// Sets a loader on a file, loads the file unless it is loaded, and returns its root object;
-    /// null when it is no Qt plug-in or cannot be loaded. Unlike `QPluginLoader` it leaves a file
-    /// alone that `System::libraryFileProblem` finds fault with, where Qt or the system's own
-    /// loader would crash: the loader then has no file. It also asks for every symbol at once, as
-    /// Windows does everywhere: a plug-in that lacks a function is refused here, and does not end
-    /// the program when it first calls it.
+    /// Sets the function that `loadPlugins` calls before it loads each file, for example to show
+    /// progress; an empty one removes it. An exception that it throws ends `loadPlugins` and passes
+    /// to the caller; the plug-ins loaded until then stay loaded.
+    static void setProgressHandler(ProgressHandler handler);
+    /// The records of the files that the last `loadPlugins` found, in the order of `pluginFiles`.
+    static QList<PluginRecord> records();
+    /// A verdict in lower case: "accepted", "no-plugin", "no-interface", "other-board",
+    /// "no-identifier" or "exception".
+    static QString verdictName(Verdict verdict);
+
+    /// Loads a file, even if it is loaded already, and returns its root object; null if it is not a
+    /// Qt plug-in, cannot be loaded, or the object's constructor throws. Unlike `QPluginLoader` it
+    /// does not open a file that `System::libraryFileProblem` rejects, with which Qt or the
+    /// system's own loader would crash: the loader then has no file. It also resolves all symbols
+    /// at once, as Windows always does: a plug-in that lacks a function is refused here, instead of
+    /// ending the program when it first calls it.
     ///
-    /// The object is the plug-in file's own, one for all loaders of the file: never delete it. It
-    /// lives until the last of them unloads the file; destroying a loader does not. The loader
-    /// stays the caller's.
+    /// All loaders of a file share the object: never delete it. It lives until the last of them
+    /// unloads the file; destroying a loader does not unload it. The loader remains the caller's.
     static QObject* rootObjectOf(const QString& file, QPluginLoader& loader);
-    /// Takes one root object as a plug-in: keeps its info and, with `startPlugins`, starts it.
-    /// Returns false, and leaves the object alone, unless `verdictOn` accepts it. `filePath`, the
-    /// file that it came from, does not matter. The object is not owned, nor unloaded later.
+    /// Loads a file as `rootObjectOf` does and returns a record with its root object, or if it has
+    /// none, with the verdict and the reason. `inspect` completes the record.
+    static PluginRecord recordOf(const QString& file, QPluginLoader& loader);
+    /// Asks the root object of a record, if there is one, whether it would be accepted, and sets
+    /// the verdict, the reason and, if it is accepted, the info. Changes nothing else.
+    static void inspect(PluginRecord& record);
+
+    /// Accepts or refuses one root object, which may be null: if `inspect` accepts it, keeps its
+    /// info and, with `startPlugins`, starts it. Otherwise returns false and leaves the object
+    /// alone. `filePath`, the file that it came from, serves for warnings only. The object is not
+    /// owned, nor unloaded later, and it has no record.
     static bool loadPlugin(QObject* object, bool startPlugins, const QString& filePath);
-    /// Whether an object, which may be null, would be accepted as a plug-in as things stand, and if
-    /// not, why. It changes nothing and asks the plug-in no more than it needs to: first for the
-    /// boards, and only if they fit for the identifier. Without a board description no board fits.
+    /// Whether an object, which may be null, would be accepted as a plug-in with the board in use,
+    /// and if not, why. Calls `supportedBoardTypes` and, if the board is supported, `pluginID`.
+    /// Without a board description no board is supported.
     static Verdict verdictOn(QObject* object);
     /// Stops and unloads the plug-in that was loaded last, if it came from `file`. Does nothing for
     /// any other file, loaded or not, nor for one that is gone from the disk.
@@ -121,8 +130,12 @@ public:
     static unsigned long long defaultPluginValue();
 
 private:
+    static OVAPP_NO_EXPORT bool accept(PluginRecord& record, bool startPlugins);
+
     static OVAPP_NO_EXPORT QStringList _pluginFiles;
     static OVAPP_NO_EXPORT QList<PluginInfo> _pluginInfos;
+    static OVAPP_NO_EXPORT QList<PluginRecord> _records;
+    static OVAPP_NO_EXPORT ProgressHandler _progressHandler;
     /// Of the plug-ins that `loadPlugins` accepted and that are still loaded; owned.
     static OVAPP_NO_EXPORT QList<QPluginLoader*> _pluginLoaders;
 };

@@ -7,13 +7,11 @@
 #include "SessionOptions.h"
 
 #include <app/Application.h>
-#include <ovcore/BoardEthDescHandler.h>
 #include <plugins/PluginInterface.h>
 #include <plugins/PluginLoader.h>
 
 #include <QCommandLineParser>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QJsonDocument>
 #include <QPluginLoader>
 
@@ -107,101 +105,34 @@ QString hexadecimal(quint64 number)
     return QLatin1String("0x") + QString::number(number, 16);
 }
 
-/// The major version of the Qt that a library was built with instead of this program's; 0 if it was
-/// not, as far as the names of the libraries tell that it wants loaded.
-int otherQtOf(const QString& file)
-{
-    QFile library(file);
-    if (!library.open(QIODevice::ReadOnly))
-        return 0;
-    const QByteArray content = library.readAll();
-    const auto wants = [&content](int qt) {
-        return content.contains("Qt" + QByteArray::number(qt) + "Core");
-    };
-    if (wants(QT_VERSION_MAJOR))
-        return 0;
-    for (const int qt : {5, 6, 7}) {
-        if (wants(qt))
-            return qt;
-    }
-    return 0;
-}
-
-/// Qt's own words, where they help.
-QString loadError(const QPluginLoader& loader)
-{
-    if (const int qt = otherQtOf(loader.fileName())) {
-        return QStringLiteral("it is built with Qt %1, and this program with Qt %2")
-            .arg(qt)
-            .arg(QT_VERSION_MAJOR);
-    }
-    return loader.metaData().isEmpty()
-               ? loader.errorString() + QStringLiteral("; is Q_PLUGIN_METADATA in its class?")
-               : loader.errorString();
-}
-
-QJsonObject partsOf(Verdict verdict, const QString& boards, const QPluginLoader& loader)
-{
-    switch (verdict) {
-    case Verdict::Accepted:
-        break;
-    case Verdict::NoPlugin:
-        return verdictParts(
-            QStringLiteral("no-plugin"),
-            QStringLiteral("refused: Qt cannot load it as a plug-in: %1").arg(loadError(loader)));
-    case Verdict::NoInterface:
-        return verdictParts(
-            QStringLiteral("no-interface"),
-            QStringLiteral("refused: its root object does not answer to \"%1\"; name "
-                           "App::PluginInterface in its Q_INTERFACES")
-                .arg(QLatin1String(qobject_interface_iid<App::PluginInterface*>())));
-    case Verdict::OtherBoard:
-        return verdictParts(
-            QStringLiteral("other-board"),
-            QStringLiteral("refused: supportedBoardTypes() is %1, which has no bit in common "
-                           "with the type of the board in use, %2")
-                .arg(boards,
-                     hexadecimal(static_cast<quint32>(
-                         Core::BoardEthDescHandler::instance()->currentBoardEthDescType()))));
-    case Verdict::NoIdentifier:
-        return verdictParts(
-            QStringLiteral("no-identifier"),
-            QStringLiteral("refused: pluginID() is 0; give the plug-in an identifier"));
-    }
-    return verdictParts(QStringLiteral("accepted"), QStringLiteral("accepted"));
-}
-
 void examine(const QString& file, bool profiled)
 {
     QPluginLoader loader;
-    QObject* object = nullptr;
+    App::PluginRecord record;
     sendActivity("it was loaded");
-    sendMessage(timeOf(QStringLiteral("load_ms"), [&file, &loader, &object] {
-        object = PluginLoader::rootObjectOf(file, loader);
-    }));
+    sendMessage(timeOf(QStringLiteral("load_ms"),
+                [&file, &loader, &record] { record = PluginLoader::recordOf(file, loader); }));
 
     sendActivity("it was asked what it is");
-    const Verdict verdict = PluginLoader::verdictOn(object);
-    auto* plugin = qobject_cast<App::PluginInterface*>(object);
-    QString boards;
-    if (plugin) {
-        boards = hexadecimal(static_cast<quint32>(plugin->supportedBoardTypes()));
-        sendMessage({{QStringLiteral("boards"), boards},
-                     {QStringLiteral("identifier"), hexadecimal(plugin->pluginID())}});
+    PluginLoader::inspect(record);
+    const bool isAccepted = record.verdict == Verdict::Accepted;
+    auto* plugin = qobject_cast<App::PluginInterface*>(record.rootObject);
+    if (plugin && record.verdict != Verdict::Exception) {
+        sendMessage({{QStringLiteral("boards"),
+               hexadecimal(static_cast<quint32>(plugin->supportedBoardTypes()))},
+              {QStringLiteral("identifier"), hexadecimal(plugin->pluginID())}});
     }
-    if (verdict == Verdict::Accepted) {
-        const QString name = plugin->pluginInfo().get(QStringLiteral("Name")).toString();
-        if (!name.isEmpty())
-            sendMessage({{QStringLiteral("name"), name}});
-    }
-    sendMessage(partsOf(verdict, boards, loader));
+    const QString name = record.info.get(QStringLiteral("Name")).toString();
+    if (!name.isEmpty())
+        sendMessage({{QStringLiteral("name"), name}});
+    const QString verdict = PluginLoader::verdictName(record.verdict);
+    sendMessage(verdictParts(verdict, isAccepted ? verdict : QLatin1String("refused: ") + record.reason));
 
-    if (profiled && verdict == Verdict::Accepted) {
+    if (profiled && isAccepted) {
         sendActivity("it was started");
         sendMessage(timeOf(QStringLiteral("start_ms"), [plugin] { plugin->start(); }));
         sendActivity("it was stopped");
-        sendMessage(
-            timeOf(QStringLiteral("stop_ms"), [object] { PluginLoader::unloadPlugin(object); }));
+        sendMessage(timeOf(QStringLiteral("stop_ms"), [plugin] { plugin->stop(); }));
     }
     sendActivity("it was unloaded");
     loader.unload();

@@ -166,13 +166,13 @@ void loadPlugins(SessionProgress& progress)
     PluginLoader::initPluginIDValue();
     PluginLoader::loadPlugins(true);
     const QDir directory(PluginLoader::pluginsPath());
-    const QStringList files = PluginLoader::pluginFiles();
-    for (const QString& file : files) {
-        progress.printer().print(
-            host, directory.relativeFilePath(file) +
-                      (PluginLoader::isLoaded(file)
-                           ? QStringLiteral(" is accepted")
-                           : QStringLiteral(" is refused; ovapp-host plugins says why")));
+    const QList<App::PluginRecord> records = PluginLoader::records();
+    for (const App::PluginRecord& record : records) {
+        progress.printer().print(host,
+                            directory.relativeFilePath(record.filePath) +
+                                (record.verdict == PluginLoader::Verdict::Accepted
+                                     ? QStringLiteral(" is accepted")
+                                     : QStringLiteral(" is refused; ovapp-host plugins says why")));
     }
     App::Application::instance().notifyPluginStateChangeListener(PluginLoader::pluginCount());
 }

@@ -1,0 +1,45 @@
+#include <plugins/LoadError.h>
+
+#include <QFile>
+#include <QPluginLoader>
+
+namespace App {
+
+namespace {
+
+/// The major version of the Qt that a library requires, if it is not this program's; otherwise 0.
+/// Searches the file for the names of the libraries that it links to.
+int otherQtOf(const QString& file)
+{
+    QFile library(file);
+    if (!library.open(QIODevice::ReadOnly))
+        return 0;
+    const QByteArray content = library.readAll();
+    const auto needs = [&content](int qt) {
+        return content.contains("Qt" + QByteArray::number(qt) + "Core");
+    };
+    if (needs(QT_VERSION_MAJOR))
+        return 0;
+    for (const int qt : {5, 6, 7}) {
+        if (needs(qt))
+            return qt;
+    }
+    return 0;
+}
+
+} // namespace
+
+QString loadError(const QPluginLoader& loader)
+{
+    if (const int qt = otherQtOf(loader.fileName())) {
+        return QStringLiteral("it is built with Qt %1, and this program with Qt %2")
+            .arg(qt)
+            .arg(QT_VERSION_MAJOR);
+    }
+    const QString reason = QLatin1String("Qt cannot load it: ") + loader.errorString();
+    return loader.metaData().isEmpty()
+               ? reason + QLatin1String("; is Q_PLUGIN_METADATA in its class?")
+               : reason;
+}
+
+} // namespace App

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QString>
+
+class QPluginLoader;
+
+namespace App {
+
+/// Why `QPluginLoader::load` failed, in one sentence: Qt's own text, or the version of Qt that the
+/// file requires if it is not this program's. Reads the whole file.
+QString loadError(const QPluginLoader& loader);
+
+} // namespace App
