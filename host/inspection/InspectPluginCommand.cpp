@@ -110,8 +110,9 @@ void examine(const QString& file, bool profiled)
     QPluginLoader loader;
     App::PluginRecord record;
     sendActivity("it was loaded");
-    sendMessage(timeOf(QStringLiteral("load_ms"),
-                [&file, &loader, &record] { record = PluginLoader::recordOf(file, loader); }));
+    sendMessage(timeOf(QStringLiteral("load_ms"), [&file, &loader, &record] {
+        record = PluginLoader::recordOf(file, loader);
+    }));
 
     sendActivity("it was asked what it is");
     PluginLoader::inspect(record);
@@ -119,14 +120,15 @@ void examine(const QString& file, bool profiled)
     auto* plugin = qobject_cast<App::PluginInterface*>(record.rootObject);
     if (plugin && record.verdict != Verdict::Exception) {
         sendMessage({{QStringLiteral("boards"),
-               hexadecimal(static_cast<quint32>(plugin->supportedBoardTypes()))},
-              {QStringLiteral("identifier"), hexadecimal(plugin->pluginID())}});
+                      hexadecimal(static_cast<quint32>(plugin->supportedBoardTypes()))},
+                     {QStringLiteral("identifier"), hexadecimal(plugin->pluginID())}});
     }
     const QString name = record.info.get(QStringLiteral("Name")).toString();
     if (!name.isEmpty())
         sendMessage({{QStringLiteral("name"), name}});
     const QString verdict = PluginLoader::verdictName(record.verdict);
-    sendMessage(verdictParts(verdict, isAccepted ? verdict : QLatin1String("refused: ") + record.reason));
+    sendMessage(
+        verdictParts(verdict, isAccepted ? verdict : QLatin1String("refused: ") + record.reason));
 
     if (profiled && isAccepted) {
         sendActivity("it was started");

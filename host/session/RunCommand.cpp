@@ -168,11 +168,11 @@ void loadPlugins(SessionProgress& progress)
     const QDir directory(PluginLoader::pluginsPath());
     const QList<App::PluginRecord> records = PluginLoader::records();
     for (const App::PluginRecord& record : records) {
-        progress.printer().print(host,
-                            directory.relativeFilePath(record.filePath) +
-                                (record.verdict == PluginLoader::Verdict::Accepted
-                                     ? QStringLiteral(" is accepted")
-                                     : QStringLiteral(" is refused; ovapp-host plugins says why")));
+        progress.printer().print(
+            host, directory.relativeFilePath(record.filePath) +
+                      (record.verdict == PluginLoader::Verdict::Accepted
+                           ? QStringLiteral(" is accepted")
+                           : QStringLiteral(" is refused; ovapp-host plugins says why")));
     }
     App::Application::instance().notifyPluginStateChangeListener(PluginLoader::pluginCount());
 }

@@ -379,7 +379,8 @@ log: destruct application.)"_s;
             {"overflow.dll"_s, "started overflow", "crashed", "while it was started"},
             {"symbol.dll"_s, "symbol", Tools::isWine() ? "crashed" : "no-plugin",
              Tools::isWine() ? "while it was asked" : "Qt cannot load it"},
-            {"throw.dll"_s, "asked throw", "exception", "supportedBoardTypes() threw an exception: of no use"}};
+            {"throw.dll"_s, "asked throw", "exception",
+             "pluginID() threw an exception: of no use"}};
         for (const auto& row : rows)
             writeFailingPlugin(directory.filePath(row.file), row.way);
         const QStringList command =
@@ -432,9 +433,10 @@ log: destruct application.)"_s;
         QTest::addColumn<QString>("ending");
         QTest::newRow("exit") << QByteArray("started exit")
                               << "a call of exit while the host loads and starts the plug-ins";
-        QTest::newRow("exception") << QByteArray("later throw")
-                                   << "an exception that nobody caught (of no use) while the host runs "
-                                      "the event loop";
+        QTest::newRow("exception")
+            << QByteArray("later throw")
+            << "an exception that nobody caught (of no use) while the host runs "
+               "the event loop";
 #ifdef Q_OS_UNIX
         QTest::newRow("stack") << QByteArray("later overflow")
                                << "SIGSEGV while the host runs the event loop";
