@@ -1,7 +1,7 @@
 #include <ovdoc/Document.h>
 
 #include <ovdoc/DocObject.h>
-#include <ovdoc/JsonText.h>
+#include <ovdoc/RawJsonObject.h>
 #include <ovdoc/Storage.h>
 
 #include <QFile>

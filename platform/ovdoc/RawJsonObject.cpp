@@ -1,4 +1,4 @@
-#include <ovdoc/JsonText.h>
+#include <ovdoc/RawJsonObject.h>
 
 #include <QJsonArray>
 #include <QJsonDocument>
