@@ -12,31 +12,32 @@
 
 #include <limits>
 #include <optional>
+#include <string_view>
 
 namespace Doc {
 
 namespace {
 
-const QLatin1String formatKey("format");
+constexpr std::string_view formatKey = "format";
 const QLatin1String formatName("ovdoc");
-const QLatin1String versionKey("version");
+constexpr std::string_view versionKey = "version";
 constexpr int formatVersion = 1;
-const QLatin1String printCountKey("printCount");
-const QLatin1String finishedKey("finished");
-const QLatin1String targetKey("target");
+constexpr std::string_view printCountKey = "printCount";
+constexpr std::string_view finishedKey = "finished";
+constexpr std::string_view targetKey = "target";
 
-/// What a member holds, undefined where it is missing; nothing where it is there twice.
-std::optional<QJsonValue> readMember(const JsonText& object, QLatin1String name)
+/// Returns the value of a member, undefined if it is missing; nullopt if it is given twice.
+std::optional<QJsonValue> readMember(const RawJsonObject& object, std::string_view name)
 {
-    if (object.namesTwice(name))
+    if (object.hasDuplicate(name))
         return std::nullopt;
     const QByteArray text = object.value(name);
     return text.isEmpty() ? QJsonValue(QJsonValue::Undefined)
                           : QJsonDocument::fromJson('[' + text + ']').array().at(0);
 }
 
-/// 0 for a missing member, nothing for one that is no 32-bit integer.
-std::optional<int> readCount(const JsonText& object, QLatin1String name)
+/// Returns 0 if the member is missing, nullopt if it is not a 32-bit integer or is given twice.
+std::optional<int> readCount(const RawJsonObject& object, std::string_view name)
 {
     const std::optional<QJsonValue> value = readMember(object, name);
     if (value && value->isUndefined())
@@ -53,12 +54,12 @@ std::optional<int> readCount(const JsonText& object, QLatin1String name)
     return count;
 }
 
-std::optional<Laser::PrintCountParams> readPrintCount(const JsonText& document)
+std::optional<Laser::PrintCountParams> readPrintCount(const RawJsonObject& document)
 {
     const std::optional<QJsonValue> value = readMember(document, printCountKey);
     if (!value || (!value->isUndefined() && !value->isObject()))
         return std::nullopt;
-    const JsonText members(document.value(printCountKey));
+    const RawJsonObject members(document.value(printCountKey));
     const std::optional<int> finished = readCount(members, finishedKey);
     const std::optional<int> target = readCount(members, targetKey);
     if (!finished || !target)
@@ -70,7 +71,7 @@ std::optional<Laser::PrintCountParams> readPrintCount(const JsonText& document)
     return printCount;
 }
 
-bool isDocument(const JsonText& document)
+bool isDocument(const RawJsonObject& document)
 {
     return readMember(document, formatKey) == QJsonValue(formatName) &&
            readMember(document, versionKey) == QJsonValue(formatVersion);
@@ -82,7 +83,7 @@ struct Document::Private
 {
     std::unique_ptr<Storage> storage;
     QString filePath;
-    /// The JSON object that was read, for the members that only others know.
+    /// The JSON object that was read, whose unknown members `save` keeps.
     QByteArray text = R"({"format": "ovdoc", "version": 1})";
 };
 
@@ -102,8 +103,8 @@ bool Document::open(const QString& path)
     const QByteArray text = file.readAll();
     if (!QJsonDocument::fromJson(text).isObject())
         return false;
-    // Read by what will write it again, so that the two agree on what a name stands for.
-    const JsonText document(text);
+    // Both reading and saving use RawJsonObject, so that they agree about the names of members.
+    const RawJsonObject document(text);
     if (!isDocument(document))
         return false;
     const std::optional<Laser::PrintCountParams> printCount = readPrintCount(document);
@@ -119,17 +120,17 @@ bool Document::open(const QString& path)
 bool Document::save() const
 {
     const Laser::PrintCountParams counts = d->storage->queryDocObjectDirect()->printCountData();
-    JsonText document(d->text);
-    JsonText printCount(document.value(printCountKey));
+    RawJsonObject document(d->text);
+    RawJsonObject printCount(document.value(printCountKey));
     printCount.setValue(finishedKey, QByteArray::number(counts.finishedCount()));
     printCount.setValue(targetKey, QByteArray::number(counts.targetCount()));
-    document.setValue(printCountKey, printCount.toLine());
+    document.setValue(printCountKey, printCount.toCompact());
 
     QSaveFile file(d->filePath);
     if (!file.open(QIODevice::WriteOnly))
         return false;
-    const QByteArray text = document.toLines();
-    // Qt would commit what a full disk has cut short.
+    const QByteArray text = document.toIndented();
+    // QSaveFile would commit a file that a full disk has truncated.
     if (file.write(text) != text.size() || !file.flush())
         return false;
     return file.commit();

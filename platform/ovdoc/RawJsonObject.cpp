@@ -5,28 +5,28 @@
 #include <QString>
 
 #include <algorithm>
+#include <string>
 
 namespace Doc {
 
 namespace {
 
-/// The place of the first character from `start` on that ends a name, a value or the object.
-QByteArray::size_type endOfPart(const QByteArray& json, QByteArray::size_type start)
+QByteArray toByteArray(std::string_view text)
+{
+    return {text.data(), static_cast<QByteArray::size_type>(text.size())};
+}
+
+/// Returns the position of the character that ends the name or value at `start`.
+std::size_t findEnd(std::string_view json, std::size_t start)
 {
     int depth = 0;
-    bool inString = false;
     for (auto i = start; i < json.size(); ++i) {
-        const char character = json.at(i);
-        if (inString) {
-            if (character == '\\')
-                ++i;
-            else if (character == '"')
-                inString = false;
-            continue;
-        }
-        switch (character) {
+        switch (json[i]) {
         case '"':
-            inString = true;
+            while (++i < json.size() && json[i] != '"') {
+                if (json[i] == '\\')
+                    ++i;
+            }
             break;
         case '{':
         case '[':
@@ -34,93 +34,107 @@ QByteArray::size_type endOfPart(const QByteArray& json, QByteArray::size_type st
             break;
         case ':':
         case ',':
-            if (depth == 0)
-                return i;
-            break;
         case '}':
         case ']':
             if (depth == 0)
                 return i;
-            --depth;
+            if (json[i] == '}' || json[i] == ']')
+                --depth;
             break;
         }
     }
     return json.size();
 }
 
-/// Whether a string in its quotes, with whatever escapes, is `name`.
-bool isName(const QByteArray& string, QLatin1String name)
+std::string_view trimmed(std::string_view text)
 {
-    // Qt's reader would skip a byte order mark, which makes another name of it.
-    if (!string.contains('\\'))
-        return string == '"' + QByteArray(name.data(), name.size()) + '"';
-    return QJsonDocument::fromJson('[' + string + ']').array().at(0).toString() == name;
+    constexpr std::string_view whitespace = " \t\n\r";
+    text.remove_prefix(std::min(text.find_first_not_of(whitespace), text.size()));
+    return text.substr(0, text.find_last_not_of(whitespace) + 1);
 }
 
 template <typename Members>
-auto find(Members& members, QLatin1String name)
+auto find(Members& members, std::string_view name)
 {
     return std::find_if(members.begin(), members.end(),
-                        [name](const auto& member) { return isName(member.name, name); });
+                        [name](const auto& member) { return member.name == name; });
 }
 
 } // namespace
 
-JsonText::JsonText(const QByteArray& object)
+RawJsonObject::RawJsonObject(const QByteArray& json)
 {
-    auto start = object.indexOf('{') + 1;
-    while (start < object.size()) {
-        const auto colon = endOfPart(object, start);
-        if (colon >= object.size() || object.at(colon) != ':')
+    const std::string_view text = keep(json);
+    auto start = text.find('{') + 1; // 0 if there is no object
+    while (start > 0 && start < text.size()) {
+        const auto colon = findEnd(text, start);
+        if (colon == text.size() || text[colon] != ':')
             return;
-        const auto end = endOfPart(object, colon + 1);
-        _members.push_back({object.mid(start, colon - start).trimmed(),
-                            object.mid(colon + 1, end - colon - 1).trimmed()});
+        const auto end = findEnd(text, colon + 1);
+        append(trimmed(text.substr(start, colon - start)),
+               trimmed(text.substr(colon + 1, end - colon - 1)));
         start = end + 1;
     }
 }
 
-bool JsonText::namesTwice(QLatin1String name) const
+bool RawJsonObject::hasDuplicate(std::string_view name) const
 {
     return std::count_if(_members.begin(), _members.end(),
-                         [name](const Member& member) { return isName(member.name, name); }) > 1;
+                         [name](const Member& member) { return member.name == name; }) > 1;
 }
 
-QByteArray JsonText::value(QLatin1String name) const
+QByteArray RawJsonObject::value(std::string_view name) const
 {
     const auto member = find(_members, name);
-    return member == _members.end() ? QByteArray() : member->value;
+    return member == _members.end() ? QByteArray() : toByteArray(member->valueText);
 }
 
-void JsonText::setValue(QLatin1String name, const QByteArray& value)
+void RawJsonObject::setValue(std::string_view name, const QByteArray& value)
 {
     const auto member = find(_members, name);
     if (member == _members.end())
-        _members.push_back({'"' + QByteArray(name.data(), name.size()) + '"', value});
+        append(keep('"' + toByteArray(name) + '"'), keep(value));
     else
-        member->value = value;
+        member->valueText = keep(value);
 }
 
-QByteArray JsonText::toLines() const
+QByteArray RawJsonObject::toIndented() const
 {
-    return joined("{\n    ", ",\n    ", "\n}\n");
+    return join("{\n    ", ",\n    ", "\n}\n");
 }
 
-QByteArray JsonText::toLine() const
+QByteArray RawJsonObject::toCompact() const
 {
-    return joined("{ ", ", ", " }");
+    return join("{ ", ", ", " }");
 }
 
-QByteArray JsonText::joined(const QByteArray& before, const QByteArray& between,
-                            const QByteArray& after) const
+void RawJsonObject::append(std::string_view nameText, std::string_view valueText)
 {
-    QByteArray text = before;
+    std::string_view name = nameText.substr(1, nameText.size() - 2);
+    // Qt would drop a byte order mark at the beginning, which belongs to the name.
+    if (name.find('\\') != std::string_view::npos) {
+        const QByteArray array = '[' + toByteArray(nameText) + ']';
+        name = keep(QJsonDocument::fromJson(array).array().at(0).toString().toUtf8());
+    }
+    _members.push_back({name, nameText, valueText});
+}
+
+std::string_view RawJsonObject::keep(const QByteArray& text)
+{
+    _texts.push_back(text);
+    return {_texts.back().constData(), static_cast<std::size_t>(text.size())};
+}
+
+QByteArray RawJsonObject::join(std::string_view before, std::string_view between,
+                               std::string_view after) const
+{
+    std::string text(before);
     for (const Member& member : _members) {
         if (&member != &_members.front())
             text += between;
-        text += member.name + ": " + member.value;
+        text.append(member.nameText).append(": ").append(member.valueText);
     }
-    return text + after;
+    return QByteArray::fromStdString(text.append(after));
 }
 
 } // namespace Doc

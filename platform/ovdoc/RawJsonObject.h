@@ -1,43 +1,47 @@
 #pragma once
 
 #include <QByteArray>
-#include <QLatin1String>
 
+#include <string_view>
 #include <vector>
 
 namespace Doc {
 
-/// A JSON object as the text of its members, for changing one of them and leaving the others as
-/// they were written, to the letter: Qt's own writer would round whole numbers beyond 53 bits.
-class JsonText
+/// The members of a JSON object as text. Replacing the value of one member leaves the others
+/// unchanged to the letter; QJsonDocument would round integers beyond 53 bits.
+class RawJsonObject
 {
 public:
-    /// Takes a text apart that is known to be one JSON object.
-    explicit JsonText(const QByteArray& object);
+    /// Splits `json`, which must be empty or a valid JSON object, into its members.
+    explicit RawJsonObject(const QByteArray& json);
 
-    /// Whether there are several members of that name, of which each reader takes another.
-    bool namesTwice(QLatin1String name) const;
-    /// The text of a member's value; empty when there is no such member. Of several it is the
-    /// first.
-    QByteArray value(QLatin1String name) const;
-    /// Replaces a member's value or adds the member at the end.
-    void setValue(QLatin1String name, const QByteArray& value);
+    /// Returns true if several members have this name.
+    bool hasDuplicate(std::string_view name) const;
+    /// Returns the text of a member's value, the first if there are several members of this name;
+    /// empty if there is none.
+    QByteArray value(std::string_view name) const;
+    /// Replaces the value that `value` returns, or appends a member if there is none.
+    void setValue(std::string_view name, const QByteArray& value);
 
-    /// The object with a member a line.
-    QByteArray toLines() const;
-    /// The object on one line, as far as the values are.
-    QByteArray toLine() const;
+    /// Returns the object with one member per line.
+    QByteArray toIndented() const;
+    /// Returns the object on one line, unless a value has several lines.
+    QByteArray toCompact() const;
 
 private:
     struct Member
     {
-        QByteArray name; ///< in its quotes
-        QByteArray value;
+        std::string_view name; ///< without quotes and escapes
+        std::string_view nameText;
+        std::string_view valueText;
     };
 
-    QByteArray joined(const QByteArray& before, const QByteArray& between,
-                      const QByteArray& after) const;
+    void append(std::string_view nameText, std::string_view valueText);
+    std::string_view keep(const QByteArray& text);
+    QByteArray join(std::string_view before, std::string_view between,
+                    std::string_view after) const;
 
+    std::vector<QByteArray> _texts; ///< own the characters that the members refer to
     std::vector<Member> _members;
 };
 
