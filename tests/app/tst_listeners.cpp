@@ -193,7 +193,8 @@ private Q_SLOTS:
             QCoreApplication::postEvent(posted, new Core::SwitchScreenLayoutEvent(-1), -1);
             std::thread([&] {
                 Doc::Transaction transaction("move"_s);
-                session.application().postTransactionEvent(transaction, true, -7, target);
+                session.application().postTransactionEvent(transaction, target != nullptr, -7,
+                                                           target);
                 transaction.setName("changed after posting"_s);
                 session.application().postSelectionChangedEvent(target);
                 session.application().postPluginStateChangedEvent(target);
@@ -202,8 +203,9 @@ private Q_SLOTS:
             QVERIFY(recorder.received.isEmpty());
 
             QCoreApplication::sendPostedEvents(posted);
-            QCOMPARE(recorder.received, QStringList({"layout 1"_s, "transaction move 1 -7"_s,
-                                                     "selection"_s, "layout -1"_s}));
+            QCOMPARE(recorder.received,
+                     QStringList({"layout 1"_s, "transaction move %1 -7"_s.arg(target != nullptr),
+                                  "selection"_s, "layout -1"_s}));
         }
     }
 };

@@ -74,13 +74,13 @@ private Q_SLOTS:
         Session session("[Debug]\nfile=true\n");
         session.application().doAppStartFinished();
         Core::ConsoleSingleton::instance().log("%s", longLine.constData());
-        Core::ConsoleSingleton::instance().warning("two\nlines\r\t\x1b[0m\\n");
+        Core::ConsoleSingleton::instance().warning("two\nlines\r\t\x1b[0m\\n\x7f");
         QVERIFY(console.lines.last().startsWith("warning: two"));
         const QString log = session.path("log.txt"_s);
         const QByteArrayList written = linesOf(log);
         QCOMPARE(written, QByteArrayList({"Application::attachObservers.",
                                           "Application::doAppStartFinished:: application started.",
-                                          longLine, "two\\nlines\\r\\t\\x1b[0m\\\\n", ""}));
+                                          longLine, "two\\nlines\\r\\t\\x1b[0m\\\\n\\x7f", ""}));
 
         Application::destruct();
         QCOMPARE(console.lines.last(), "destruct application.");
@@ -119,6 +119,8 @@ private Q_SLOTS:
             QCOMPARE(System::setThreadExecutionState(0x80000001u), 0x80000041u);
             QCOMPARE(Core::BoardEthDescHandler::instance()->currentBoardEthDescType(), 6);
             Core::BoardEthDescHandler::instance()->setCurrentBoardEthDescType(8);
+            Core::BoardEthDescHandler::init();
+            QCOMPARE(Core::BoardEthDescHandler::instance()->currentBoardEthDescType(), 8);
             App::ExtendPluginRegistry::instance().registerExtendInfo(&description);
             add(session.application(), &listener);
             session.application().setActivateDocument(&document);

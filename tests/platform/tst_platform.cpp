@@ -98,6 +98,8 @@ private Q_SLOTS:
         QCOMPARE(settings.value(stored, 4).toInt(), 4);
         // Left by a process that was killed before it had put its name to it.
         writeFile(directory.filePath("ovapp.ini.lock"_s));
+        settings.setApplicationDirPath(directory.filePath("other"_s));
+        settings.init();
         QElapsedTimer elapsed;
         elapsed.start();
         settings.setValue(stored, Q_UINT64_C(18446744073709551615));
@@ -243,13 +245,13 @@ private Q_SLOTS:
 
     void documentKeepsWhatItDoesNotKnow()
     {
+        Doc::Document document(new Doc::Storage);
         for (const auto& [before, after] : changes) {
             const QTemporaryDir directory;
             const QString path = directory.filePath("piece.ovdoc"_s);
             const QString former = directory.filePath("former"_s);
             writeFile(path, before);
             std::filesystem::create_hard_link(path.toStdString(), former.toStdString());
-            Doc::Document document(new Doc::Storage);
             QVERIFY(document.open(path));
             Laser::PrintCountParams counts;
             counts.setFinishedCount(2);

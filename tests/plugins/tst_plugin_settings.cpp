@@ -73,6 +73,8 @@ private Q_SLOTS:
             QVERIFY(QFile::exists(path("Marker/Marker.ini"_s)) && store().trimmed().isEmpty());
             QVERIFY(settings.hasRunValue(key));
         }
+        settings.setRunValue(key, QVariant());
+        QVERIFY(settings.hasRunValue(key));
         settings.removeRunValue(key);
         QVERIFY(!settings.hasRunValue(key) && !settings.runValue(key).isValid());
     }
