@@ -39,6 +39,7 @@ namespace App {
 class OVAPP_EXPORT PluginLoader
 {
 public:
+    /// Whether a plug-in is accepted, and if not, why.
     using Verdict = PluginVerdict;
     /// Called with the path of a file, its index, from 0, and the number of files.
     using ProgressHandler = std::function<void(const QString& filePath, int index, int count)>;

@@ -31,6 +31,7 @@ struct PluginRecord
 {
     /// The absolute path.
     QString filePath;
+    /// The decision of the loader.
     PluginVerdict verdict = PluginVerdict::NoPlugin;
     /// Why the file is refused, or how an accepted plug-in failed to start: one sentence in English
     /// without a full stop, such as "pluginID() is 0; give the plug-in an identifier". Empty if the
