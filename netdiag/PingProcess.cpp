@@ -2,7 +2,6 @@
 
 #include <netdiag/SystemTools.h>
 
-#include <system/LaunchProblem.h>
 #include <system/ProcessInterrupt.h>
 
 #include <limits>
@@ -13,7 +12,7 @@ namespace {
 // In milliseconds.
 constexpr qint64 requestInterval = 1000;
 /// What a tool has until its first output. Looking up a name is given up sooner as a rule.
-constexpr int patience = 30000;
+constexpr int firstOutputTimeout = 30000;
 
 } // namespace
 
@@ -38,7 +37,14 @@ PingProcess::PingProcess(QObject* parent)
     });
 }
 
-PingProcess::~PingProcess() = default;
+PingProcess::~PingProcess()
+{
+    // The base class would print a warning first.
+    if (state() != NotRunning) {
+        kill();
+        waitForFinished();
+    }
+}
 
 void PingProcess::setCount(int count)
 {
@@ -52,16 +58,8 @@ void PingProcess::setPackageSize(int packageSize)
 
 void PingProcess::doPing(const QString& host)
 {
-    if (state() == NotRunning) {
-        const QString problem = System::launchProblem();
-        if (!problem.isEmpty()) {
-            setErrorString(problem);
-            Q_EMIT errorOccurred(FailedToStart);
-            return;
-        }
-        if (SystemTools::pingRunsUntilStopped)
-            limitRun();
-    }
+    if (state() == NotRunning && SystemTools::pingRunsUntilStopped)
+        limitRun();
     start(QLatin1String(SystemTools::ping), QStringList(host));
 }
 
@@ -71,8 +69,8 @@ void PingProcess::limitRun()
     // count; half an interval more leaves time for its answer.
     const qint64 duration = _count * requestInterval - requestInterval / 2;
     // What no timer can hold, some 24 days, is as good as no limit.
-    if (_count <= 0 || duration > std::numeric_limits<int>::max() - patience)
+    if (_count <= 0 || duration > std::numeric_limits<int>::max() - firstOutputTimeout)
         return;
     _limitFromOutput = static_cast<int>(duration);
-    _limitTimer.start(patience + _limitFromOutput);
+    _limitTimer.start(firstOutputTimeout + _limitFromOutput);
 }

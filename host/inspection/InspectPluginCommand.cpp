@@ -84,7 +84,15 @@ void prepareForTheWorst()
 #ifdef Q_OS_LINUX
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
 #endif
+#ifndef Q_OS_WIN
+    static const pid_t process = ::getpid();
+#endif
     std::set_terminate([] {
+#ifndef Q_OS_WIN
+        // A child that the plug-in forks does not decide on the plug-in.
+        if (::getpid() != process)
+            std::abort();
+#endif
         sendMessage(
             {{QLatin1String(InspectionProtocol::terminationReason), describeCurrentException()}});
         std::_Exit(Failure);

@@ -4,7 +4,6 @@
 #include "process/FatalSignals.h"
 #include "process/Output.h"
 
-#include <system/LaunchProblem.h>
 #include <system/LibraryFile.h>
 
 #include <QCoreApplication>
@@ -20,9 +19,18 @@ namespace Host {
 
 namespace {
 
+/// If the system refuses a process, Qt 5 stores the identifier -1 in an object of class `QProcess`,
+/// and `kill` then ends every process of the user. For a derived class Qt uses another system call,
+/// and reports `FailedToStart`.
+class InspectionProcess final : public QProcess
+{
+public:
+    using QProcess::QProcess;
+};
+
 /// Has the system end what this process starts when this process ends. On Linux a process asks for
 /// that itself.
-void takeChildrenAlong()
+void killChildrenOnExit()
 {
 #ifdef Q_OS_WIN
     static const HANDLE job = [] {
@@ -94,7 +102,7 @@ PluginInspector::PluginInspector(const QStringList& arguments, int maxProcesses,
 
 std::vector<PluginReport> PluginInspector::examine(const QStringList& files)
 {
-    takeChildrenAlong();
+    killChildrenOnExit();
     std::vector<PluginReport> reports(files.cbegin(), files.cend());
     for (PluginReport& report : reports) {
         const QString problem = System::libraryFileProblem(report.text(QStringLiteral("file")));
@@ -113,18 +121,14 @@ std::vector<PluginReport> PluginInspector::examine(const QStringList& files)
 
 void PluginInspector::startNext()
 {
-    const QString problem = System::launchProblem();
-    if (!problem.isEmpty()) {
-        _error = problem;
-        _waiting.clear();
-        return;
-    }
     PluginReport* const report = _waiting.front();
     _waiting.pop_front();
     ++_running;
-    auto* process = new QProcess(&_loop);
+    auto* process = new InspectionProcess(&_loop);
     auto* timer = new QTimer(process);
     timer->setSingleShot(true);
+    // A coarse timer may be a twentieth early.
+    timer->setTimerType(Qt::PreciseTimer);
     QObject::connect(timer, &QTimer::timeout, process, &QProcess::kill);
     QObject::connect(process, &QProcess::errorOccurred, process, [this, process](auto error) {
         if (error != QProcess::FailedToStart)

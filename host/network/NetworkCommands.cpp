@@ -10,7 +10,6 @@
 #include <netdiag/SystemTools.h>
 #include <netdiag/TracerouteProcess.h>
 #include <ovcore/Settings.h>
-#include <system/LaunchProblem.h>
 #include <system/ProcessInterrupt.h>
 
 #include <QCommandLineParser>
@@ -71,15 +70,15 @@ bool printReport(QByteArray text)
     return write(stdout, text.replace('\r', QByteArray()));
 }
 
-/// `name` is what the tool is called, `program` what is launched.
-int failToLaunch(const QString& name, const QString& program, const QString& package)
+/// `name` is what the tool is called, `program` what is launched; `error` is empty if unknown.
+int failToLaunch(const QString& name, const QString& program, const QString& package,
+                 const QString& error = QString())
 {
     const QString message = QStringLiteral("the system's %1 tool cannot be launched").arg(name);
     if (QStandardPaths::findExecutable(program).isEmpty())
         return fail(Failure,
                     QStringLiteral("%1; on Debian the package %2 brings it").arg(message, package));
-    const QString problem = System::launchProblem();
-    return fail(Failure, problem.isEmpty() ? message : message + QLatin1String(": ") + problem);
+    return fail(Failure, error.isEmpty() ? message : message + QLatin1String(": ") + error);
 }
 
 int runPing(const QString& host, int count)
@@ -116,7 +115,7 @@ int runPing(const QString& host, int count)
         loop.exec();
     if (!launched)
         return failToLaunch(QStringLiteral("ping"), QLatin1String(SystemTools::ping),
-                            QStringLiteral("iputils-ping"));
+                            QStringLiteral("iputils-ping"), process.errorString());
     if (process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0)
         return Success;
     if (process.exitStatus() == QProcess::CrashExit)

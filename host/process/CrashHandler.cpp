@@ -22,6 +22,10 @@ namespace {
 
 /// Null while there is nothing to say. A crash may be anywhere, so no more than this is touched.
 std::atomic<const QByteArray*> wordsToSay{nullptr};
+#ifndef Q_OS_WIN
+/// The process that the handler was created in. Children that it forks are left alone.
+pid_t handledProcess = 0;
+#endif
 std::terminate_handler formerTerminateHandler = nullptr;
 #ifdef Q_OS_WIN
 LPTOP_LEVEL_EXCEPTION_FILTER formerFilter = nullptr;
@@ -34,6 +38,15 @@ void writeError(const char* text, std::size_t size)
     WriteFile(GetStdHandle(STD_ERROR_HANDLE), text, static_cast<DWORD>(size), &written, nullptr);
 #else
     [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, text, size);
+#endif
+}
+
+bool isForkedChild()
+{
+#ifdef Q_OS_WIN
+    return false;
+#else
+    return ::getpid() != handledProcess;
 #endif
 }
 
@@ -50,7 +63,7 @@ void writeError(const char* text, std::size_t size)
 
 void sayAtExit()
 {
-    if (!wordsToSay)
+    if (!wordsToSay || isForkedChild())
         return;
     std::fflush(nullptr);
     sayAndEnd("a call of exit");
@@ -58,6 +71,11 @@ void sayAtExit()
 
 void handleSignal(int signal)
 {
+    if (isForkedChild()) {
+        std::signal(signal, SIG_DFL);
+        std::raise(signal);
+        return;
+    }
     const FatalSignal* crash = fatalSignals;
     while (crash->name && crash->number != signal)
         ++crash;
@@ -96,12 +114,16 @@ void handle(int signal)
 CrashHandler::CrashHandler()
 {
     [[maybe_unused]] static const int registered = std::atexit(sayAtExit);
-    formerTerminateHandler = std::set_terminate(
-        [] { sayAndEnd(escapeControlCharacters(describeCurrentException()).toUtf8()); });
+    formerTerminateHandler = std::set_terminate([] {
+        if (isForkedChild())
+            std::abort();
+        sayAndEnd(escapeControlCharacters(describeCurrentException()).toUtf8());
+    });
 #ifdef Q_OS_WIN
     formerFilter = SetUnhandledExceptionFilter(
         [](EXCEPTION_POINTERS*) -> LONG { sayAndEnd("an exception of the system"); });
 #else
+    handledProcess = ::getpid();
     makeRoomForHandlers();
 #endif
     for (const FatalSignal* crash = fatalSignals; crash->name; ++crash)

@@ -11,6 +11,11 @@
 #include <stdexcept>
 #include <thread>
 
+#ifdef Q_OS_UNIX
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
+
 /// How and when it fails: a test that copies the file writes other words over these.
 static const volatile char wayOfFailing[] = "how, and at which moment";
 
@@ -54,6 +59,15 @@ private:
             std::_Exit(0);
         if (way.contains("exit"))
             std::thread([] { std::exit(3); }).join();
+#ifdef Q_OS_UNIX
+        // What becomes of a child does not decide on the plug-in.
+        if (way.contains("fork")) {
+            const pid_t child = ::fork();
+            if (child == 0)
+                std::terminate();
+            ::waitpid(child, nullptr, 0);
+        }
+#endif
         if (way.contains("hang"))
             std::this_thread::sleep_for(std::chrono::hours(1));
     }

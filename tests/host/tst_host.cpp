@@ -322,9 +322,8 @@ log: destruct application.)"_s;
             QTest::addRow("no descriptors for %s", qPrintable(tool))
                 << R"((exec 3>&- 4>&- 5>&- 6>&- 7>&- 8>&- 9>&-; ulimit -n 10; exec "$@"); echo $? >&2)"
                 << tool + " here"_s
-                << QStringList(
-                       "ovapp-host: the system's %1 tool cannot be launched: "
-                       "Too many open files"_s.arg(tool == "ping"_s ? tool : "trace-route"_s));
+                << QStringList("ovapp-host: the system's %1 tool cannot be launched"_s.arg(
+                       tool == "ping"_s ? tool : "trace-route"_s));
         }
     }
 
@@ -348,7 +347,11 @@ log: destruct application.)"_s;
         const Outcome outcome = outcomeOf(shell);
         formerly.isNull() ? qunsetenv("TMPDIR") : qputenv("TMPDIR", formerly);
 
-        QCOMPARE(outcome.errors, errors + QStringList("1"_s));
+        // Qt adds a warning, and a reason that depends on its version.
+        QStringList printed =
+            outcome.errors.filter(QRegularExpression("^(?!QProcessPrivate::createPipe)"_s));
+        printed.replaceInStrings(QRegularExpression("(cannot be launched): .*"_s), "\\1"_s);
+        QCOMPARE(printed, errors + QStringList("1"_s));
         QVERIFY(QDir(temporary.path()).isEmpty());
         const QByteArray log = contentOf(directory.filePath("log.txt"_s));
         QVERIFY2(!log.contains(" ms "), log);
@@ -375,6 +378,7 @@ log: destruct application.)"_s;
             {"accepted.dll"_s, "", "accepted", "accepted"},
             {"crash.dll"_s, "loaded crash", "crashed", "while it was loaded"},
             {"exit.dll"_s, "unloaded _exit", "exited", "status 0, while it was unloaded"},
+            {"fork.dll"_s, "started fork", "accepted", "accepted"},
             {"hang.dll"_s, "stopped hang", "timed-out", "4 s, and was ended while it was stopped"},
             {"overflow.dll"_s, "started overflow", "crashed", "while it was started"},
             {"symbol.dll"_s, "symbol", Tools::isWine() ? "crashed" : "no-plugin",
@@ -388,9 +392,9 @@ log: destruct application.)"_s;
                 .replaceInStrings("%1"_s, directory.path());
         const Outcome outcome = runHost(command);
         QCOMPARE(outcome.status, 1);
-        QCOMPARE(outcome.errors.last(), "ovapp-host: 6 of 7 plug-in files are broken"_s);
+        QCOMPARE(outcome.errors.last(), "ovapp-host: 6 of 8 plug-in files are broken"_s);
         const QJsonArray plugins = pluginsOf(outcome);
-        QCOMPARE(plugins.size(), 7);
+        QCOMPARE(plugins.size(), 8);
         for (int i = 0; i < plugins.size(); ++i) {
             const QJsonObject plugin = plugins.at(i).toObject();
             QCOMPARE(plugin.value("file"_s).toString(), directory.filePath(rows[i].file));
