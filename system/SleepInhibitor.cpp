@@ -1,162 +1,92 @@
 #include <system/SleepInhibitor.h>
 
 #include <QCoreApplication>
-#include <QDBusConnection>
-#include <QDBusMessage>
-#include <QDBusPendingReply>
-#include <QDBusUnixFileDescriptor>
-#include <QFile>
-#include <QScopeGuard>
+#include <QSocketNotifier>
 
-#include <algorithm>
-#include <cerrno>
-#include <cstddef>
-#include <poll.h>
-#include <sys/eventfd.h>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <system_error>
+#include <cstdint>
+#include <fcntl.h>
+#include <systemd/sd-bus.h>
 #include <unistd.h>
 
 namespace System {
 
 namespace {
 
-/// The name of the socket that a D-Bus address stands for; empty when it is for no Unix socket.
-QByteArray socketName(const QByteArray& address)
+/// Asks logind not to do `what`; `handler` gets the answer, and `lock` as its data.
+int requestLock(sd_bus* bus, const char* what, sd_bus_message_handler_t handler, void* lock)
 {
-    const QByteArray unixDomain = "unix:";
-    if (!address.startsWith(unixDomain))
-        return {};
-    const QList<QByteArray> options = address.mid(unixDomain.size()).split(',');
-    for (const QByteArray& option : options) {
-        QByteArray value = QByteArray::fromPercentEncoding(option.mid(option.indexOf('=') + 1));
-        if (option.startsWith("path="))
-            return value;
-        if (option.startsWith("abstract="))
-            return '\0' + value;
-    }
-    return {};
+    return sd_bus_call_method_async(
+        bus, nullptr, "org.freedesktop.login1", "/org/freedesktop/login1",
+        "org.freedesktop.login1.Manager", "Inhibit", handler, lock, "ssss", what,
+        qUtf8Printable(QCoreApplication::applicationName()),
+        "Sleep would stop the laser in the middle of a job", "block");
 }
 
-/// Knocks at a bus: begins the handshake, with a question that it answers whoever asks. Returns the
-/// socket on which the answer comes, or -1 when nobody listens.
-int knockAt(const QByteArray& busAddress)
+/// Stores the descriptor in a reply; returns false if the reply is an error.
+bool takeLock(sd_bus_message* reply, void* lock)
 {
-    const QByteArray name = socketName(busAddress);
-    sockaddr_un address = {};
-    address.sun_family = AF_UNIX;
-    if (name.isEmpty() || name.size() >= int(sizeof address.sun_path))
-        return -1;
-    std::copy(name.begin(), name.end(), address.sun_path);
-    const auto length = socklen_t(offsetof(sockaddr_un, sun_path)) + socklen_t(name.size());
-
-    const int socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
-    if (socket < 0)
-        return -1;
-    const QByteArray question("\0AUTH\r\n", 7);
-    if (::connect(socket, reinterpret_cast<const sockaddr*>(&address), length) == 0 &&
-        ::send(socket, question.data(), size_t(question.size()), MSG_NOSIGNAL) == question.size())
-        return socket;
-    ::close(socket);
-    return -1;
+    int descriptor = -1;
+    if (sd_bus_message_read(reply, "h", &descriptor) < 0)
+        return false;
+    // The original is closed with the reply.
+    *static_cast<int*>(lock) = ::fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
+    return true;
 }
 
-QString programName()
+int handleIdleReply(sd_bus_message* reply, void* lock, sd_bus_error*)
 {
-    const QString name = QCoreApplication::applicationName();
-    return name.isEmpty() ? QFile::decodeName(program_invocation_short_name) : name;
+    takeLock(reply, lock);
+    return 0;
+}
+
+int handleSleepReply(sd_bus_message* reply, void* lock, sd_bus_error*)
+{
+    if (!takeLock(reply, lock))
+        requestLock(sd_bus_message_get_bus(reply), "idle", handleIdleReply, lock);
+    return 0;
 }
 
 } // namespace
 
-SleepInhibitor::SleepInhibitor()
-    : _program(programName()), _process(::getpid()), _end(::eventfd(0, EFD_CLOEXEC))
+SleepInhibitor::SleepInhibitor() : _bus(nullptr, sd_bus_close_unref)
 {
-    if (_end < 0)
-        return;
-    QByteArray value = qgetenv("DBUS_SYSTEM_BUS_ADDRESS");
-    if (value.isEmpty())
-        value = "unix:path=/var/run/dbus/system_bus_socket";
-    const QList<QByteArray> addresses = value.split(';');
-    for (const QByteArray& address : addresses) {
-        const int knocking = knockAt(address);
-        if (knocking < 0)
-            continue;
-        try {
-            _thread = std::thread([=] {
-                if (answers(knocking))
-                    ask(QString::fromLatin1(address));
-            });
-        } catch (const std::system_error&) {
-            // The user may have no more threads.
-            ::close(knocking);
-        }
-        break;
-    }
+    // Posted, since there may be no event dispatcher or QCoreApplication yet.
+    QMetaObject::invokeMethod(this, [this] { connectToBus(); }, Qt::QueuedConnection);
 }
 
 SleepInhibitor::~SleepInhibitor()
 {
-    if (!_thread.joinable()) {
-        // There is nothing to end.
-    } else if (::getpid() == _process) {
-        ::eventfd_write(_end, 1);
-        _thread.join();
-    } else {
-        // In a child that was forked there is no such thread, and the end would be the parent's.
-        _thread.detach();
-    }
-    if (_end >= 0)
-        ::close(_end);
+    if (_lock >= 0)
+        ::close(_lock);
 }
 
-bool SleepInhibitor::answers(int knocking) const
+void SleepInhibitor::connectToBus()
 {
-    char answer;
-    const bool answered =
-        !endsWithin(-1, knocking) && ::recv(knocking, &answer, sizeof answer, 0) > 0;
-    ::close(knocking);
-    return answered;
+    QByteArray address = qgetenv("DBUS_SYSTEM_BUS_ADDRESS");
+    if (address.isEmpty())
+        address = "unix:path=/run/dbus/system_bus_socket";
+    sd_bus* bus = nullptr;
+    if (sd_bus_new(&bus) < 0)
+        return;
+    _bus.reset(bus);
+    // Without a time limit, since the event loop may be blocked for long, by a plug-in for example.
+    if (sd_bus_set_address(bus, address.constData()) < 0 || sd_bus_set_bus_client(bus, 1) < 0 ||
+        sd_bus_set_method_call_timeout(bus, UINT64_MAX) < 0 || sd_bus_start(bus) < 0 ||
+        requestLock(bus, "sleep:idle", handleSleepReply, &_lock) < 0)
+        return;
+    // What is written fits into the empty buffer of the socket: waiting for input is enough.
+    _notifier = std::make_unique<QSocketNotifier>(sd_bus_get_fd(bus), QSocketNotifier::Read);
+    connect(_notifier.get(), &QSocketNotifier::activated, this, [this] { processMessages(); });
 }
 
-void SleepInhibitor::ask(const QString& busAddress) const
+void SleepInhibitor::processMessages()
 {
-    // A bus wants to be greeted first. As a peer of Qt's it is greeted here, without waiting;
-    // QDBusConnection::connectToBus would wait for the answer.
-    const QString name = QStringLiteral("ovsystem sleep inhibitor");
-    QDBusConnection bus = QDBusConnection::connectToPeer(busAddress, name);
-    const auto disconnect = qScopeGuard([&] { QDBusConnection::disconnectFromPeer(name); });
-    bus.asyncCall(QDBusMessage::createMethodCall(
-        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("Hello")));
-
-    for (const QString& what : {QStringLiteral("sleep:idle"), QStringLiteral("idle")}) {
-        QDBusMessage inhibit = QDBusMessage::createMethodCall(
-            QStringLiteral("org.freedesktop.login1"), QStringLiteral("/org/freedesktop/login1"),
-            QStringLiteral("org.freedesktop.login1.Manager"), QStringLiteral("Inhibit"));
-        inhibit << what << _program
-                << QStringLiteral("Sleep would stop the laser in the middle of a job")
-                << QStringLiteral("block");
-        const QDBusPendingReply<QDBusUnixFileDescriptor> reply = bus.asyncCall(inhibit);
-        // What tells of an answer needs a QCoreApplication.
-        while (!reply.isFinished())
-            if (endsWithin(20))
-                return;
-        if (!reply.isError()) {
-            // The reply holds the descriptor that keeps the system awake.
-            endsWithin(-1);
-            return;
-        }
-    }
-}
-
-bool SleepInhibitor::endsWithin(int milliseconds, int socket) const
-{
-    pollfd files[] = {{_end, POLLIN, 0}, {socket, POLLIN, 0}};
-    while (::poll(files, 2, milliseconds) < 0 && errno == EINTR) {
-    }
-    return files[0].revents != 0;
+    int result = 1;
+    while (result > 0)
+        result = sd_bus_process(_bus.get(), nullptr);
+    // A connection that is closed would be readable for ever.
+    if (result < 0)
+        _notifier->setEnabled(false);
 }
 
 } // namespace System

@@ -1,41 +1,33 @@
 #pragma once
 
-#include <QString>
+#include <QObject>
 
-#include <sys/types.h>
-#include <thread>
+#include <memory>
+
+struct sd_bus;
+class QSocketNotifier;
 
 namespace System {
 
-/// Asks logind to keep the system awake for as long as this lives.
+/// Asks logind to keep the system awake while this object exists.
 ///
-/// Neither the constructor nor the destructor waits for an answer. Where there is nobody to ask, or
-/// nobody who answers, nothing happens; nothing is printed then, and Qt's D-Bus is not even
-/// entered, since it waits without a limit for a bus that does not answer. Works without an event
-/// loop of the program's and before there is a QCoreApplication.
-class SleepInhibitor
+/// The request is made and completes in the event loop of the thread that creates the object; the
+/// same thread has to destroy it. No function waits for an answer. If there is no bus, no logind or
+/// no answer, nothing happens and nothing is printed.
+class SleepInhibitor final : public QObject
 {
 public:
     SleepInhibitor();
-    SleepInhibitor(const SleepInhibitor&) = delete;
-    SleepInhibitor& operator=(const SleepInhibitor&) = delete;
-    ~SleepInhibitor();
+    ~SleepInhibitor() override;
 
 private:
-    /// Whether the bus has answered to the knock on this socket, which it closes.
-    bool answers(int knocking) const;
-    /// Asks for an inhibitor and holds it, until the end.
-    void ask(const QString& busAddress) const;
-    /// Waits for the end, that long at most (-1: without a limit), or for the socket to be
-    /// readable.
-    bool endsWithin(int milliseconds, int socket = -1) const;
+    void connectToBus();
+    void processMessages();
 
-    const QString _program;
-    /// The process that the thread is one of.
-    const pid_t _process;
-    /// Readable when the thread is to end.
-    const int _end;
-    std::thread _thread;
+    std::unique_ptr<sd_bus, sd_bus* (*)(sd_bus*)> _bus;
+    std::unique_ptr<QSocketNotifier> _notifier;
+    /// The descriptor that keeps the system awake until it is closed, or -1.
+    int _lock = -1;
 };
 
 } // namespace System
