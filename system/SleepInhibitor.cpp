@@ -15,11 +15,11 @@ namespace {
 /// Asks logind not to do `what`; `handler` gets the answer, and `lock` as its data.
 int requestLock(sd_bus* bus, const char* what, sd_bus_message_handler_t handler, void* lock)
 {
-    return sd_bus_call_method_async(
-        bus, nullptr, "org.freedesktop.login1", "/org/freedesktop/login1",
-        "org.freedesktop.login1.Manager", "Inhibit", handler, lock, "ssss", what,
-        qUtf8Printable(QCoreApplication::applicationName()),
-        "Sleep would stop the laser in the middle of a job", "block");
+    return sd_bus_call_method_async(bus, nullptr, "org.freedesktop.login1",
+                                    "/org/freedesktop/login1", "org.freedesktop.login1.Manager",
+                                    "Inhibit", handler, lock, "ssss", what,
+                                    qUtf8Printable(QCoreApplication::applicationName()),
+                                    "Sleep would stop the laser in the middle of a job", "block");
 }
 
 /// Stores the descriptor in a reply; returns false if the reply is an error.
@@ -51,7 +51,8 @@ int handleSleepReply(sd_bus_message* reply, void* lock, sd_bus_error*)
 SleepInhibitor::SleepInhibitor() : _bus(nullptr, sd_bus_close_unref)
 {
     // Posted, since there may be no event dispatcher or QCoreApplication yet.
-    QMetaObject::invokeMethod(this, [this] { connectToBus(); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        this, [this] { connectToBus(); }, Qt::QueuedConnection);
 }
 
 SleepInhibitor::~SleepInhibitor()

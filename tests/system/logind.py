@@ -17,7 +17,7 @@ def Inhibit(mock, what, who, why, mode):
     return logind.Inhibit(mock, what, who, why, mode)
 
 
-@dbus.service.method(MOCK_IFACE, in_signature='as', out_signature='')
+@dbus.service.method(MOCK_IFACE, in_signature='s', out_signature='')
 def Refuse(_, whats):
     refused.clear()
-    refused.update(whats)
+    refused.update(whats.split())

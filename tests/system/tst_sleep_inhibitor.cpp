@@ -2,7 +2,6 @@
 
 #include <system/ExecutionState.h>
 
-#include <QtDBus>
 #include <QtTest>
 
 #include <csignal>
@@ -10,6 +9,7 @@
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <sys/wait.h>
+#include <systemd/sd-bus.h>
 #include <thread>
 #include <unistd.h>
 
@@ -17,9 +17,10 @@ using System::setThreadExecutionState;
 
 namespace {
 
-const quint32 asked = 0x80000041u;
+const quint32 requested = 0x80000041u;
 const quint32 withdrawn = 0x80000000u;
 
+const char logindName[] = "org.freedesktop.login1";
 const char neededPackages[] = "needs dbus-daemon and python3-dbusmock: scripts/setup test";
 
 /// A process that ends with the test, however that ends.
@@ -63,29 +64,38 @@ private:
     Helper _daemon;
 };
 
-/// A socket that is listened to, with room for one connection, and nothing more.
-class DeafBus
+/// A socket that accepts no connection, except for a greeting.
+class MuteBus
 {
 public:
-    DeafBus()
+    explicit MuteBus(int backlog)
     {
-        sockaddr_un address = {};
-        address.sun_family = AF_UNIX;
-        qstrcpy(address.sun_path, path.constData());
-        if (bind(_socket, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0 ||
-            listen(_socket, 0) != 0)
+        sockaddr_un name = {};
+        name.sun_family = AF_UNIX;
+        qstrcpy(name.sun_path, QFile::encodeName(_directory.filePath("bus"_s)).constData());
+        address.append(name.sun_path);
+        if (bind(_socket, reinterpret_cast<sockaddr*>(&name), sizeof name) != 0 ||
+            listen(_socket, backlog) != 0)
             qFatal("cannot listen");
     }
-    DeafBus(const DeafBus&) = delete;
-    DeafBus& operator=(const DeafBus&) = delete;
-    ~DeafBus() { close(_socket); }
+    MuteBus(const MuteBus&) = delete;
+    MuteBus& operator=(const MuteBus&) = delete;
+    ~MuteBus() { close(_socket); }
+
+    /// Accepts one client, authenticates it, and leaves it alone.
+    void greet() const
+    {
+        const int client = accept(_socket, nullptr, nullptr);
+        const QByteArray greeting = "OK " + QByteArray(32, '0') + "\r\nAGREE_UNIX_FD\r\n";
+        if (client >= 0)
+            write(client, greeting.constData(), size_t(greeting.size()));
+    }
+
+    QByteArray address = "unix:path=";
 
 private:
     const QTemporaryDir _directory;
-    const int _socket = socket(AF_UNIX, SOCK_STREAM, 0);
-
-public:
-    const QByteArray path = QFile::encodeName(_directory.filePath("bus"_s));
+    const int _socket = socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
 };
 
 } // namespace
@@ -102,32 +112,29 @@ private Q_SLOTS:
         _logind.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         _logind.run(words("/usr/bin/python3 -m dbusmock --system --template") +
                     QStringList(QStringLiteral(LOGIND_TEMPLATE)));
-        const QDBusConnection bus =
-            QDBusConnection::connectToBus(QString::fromLatin1(_bus.address), "test"_s);
-        QVERIFY(bus.isConnected());
-        _manager = bus;
-        QTRY_VERIFY2_WITH_TIMEOUT(bus.interface()->isServiceRegistered("org.freedesktop.login1"_s),
-                                  neededPackages, 30000);
+        sd_bus* bus = nullptr;
+        QVERIFY(sd_bus_open_system(&bus) >= 0);
+        _client.reset(bus);
+        QTRY_VERIFY2_WITH_TIMEOUT(inhibitors().isEmpty(), neededPackages, 30000);
     }
 
     void init() { qputenv("DBUS_SYSTEM_BUS_ADDRESS", _bus.address); }
 
     void policies_data()
     {
-        QTest::addColumn<QStringList>("refused");
+        QTest::addColumn<QByteArray>("refused");
         QTest::addColumn<QString>("what");
-        QTest::newRow("none") << QStringList() << "sleep:idle"_s;
-        QTest::newRow("sleep") << words("sleep") << "idle"_s;
-        QTest::newRow("both") << words("sleep idle") << QString();
+        QTest::newRow("none") << QByteArray() << "sleep:idle"_s;
+        QTest::newRow("sleep") << QByteArray("sleep") << "idle"_s;
+        QTest::newRow("both") << QByteArray("sleep idle") << QString();
     }
 
     void policies()
     {
-        QFETCH(const QStringList, refused);
+        QFETCH(const QByteArray, refused);
         QFETCH(const QString, what);
-        ask("org.freedesktop.DBus.Mock"_s, "Refuse"_s, refused);
-        const auto allow =
-            qScopeGuard([this] { ask("org.freedesktop.DBus.Mock"_s, "Refuse"_s, QStringList()); });
+        refuse(refused);
+        const auto allow = qScopeGuard([this] { refuse({}); });
         for (int i = 0; i < 2; ++i) {
             Helper child;
             {
@@ -148,26 +155,44 @@ private Q_SLOTS:
 
     void threads()
     {
-        std::thread([this] {
+        const auto runInThread = [](auto&& function) {
+            const std::unique_ptr<QThread> thread(QThread::create(function));
+            thread->start();
+            QTRY_VERIFY(thread->isFinished());
+        };
+        runInThread([this] {
             QCOMPARE(setThreadExecutionState(0x00000001u), withdrawn);
-            QCOMPARE(setThreadExecutionState(asked), 0x00000001u);
-            QCOMPARE(setThreadExecutionState(0x00000001u), asked);
+            QCOMPARE(setThreadExecutionState(requested), 0x00000001u);
+            QCOMPARE(setThreadExecutionState(0x00000001u), requested);
             QVERIFY(becomesHeld());
-            QCOMPARE(setThreadExecutionState(asked), 0x00000001u);
-        }).join();
+            QCOMPARE(setThreadExecutionState(0x80000040u), 0x00000001u);
+            QVERIFY(becomes(QString()));
+            QCOMPARE(setThreadExecutionState(requested), 0x80000040u);
+            QVERIFY(becomesHeld());
+        });
         QVERIFY(becomes(QString()));
-        QCOMPARE(setThreadExecutionState(asked), withdrawn);
-        std::thread([] { setThreadExecutionState(asked); }).join();
+        QCOMPARE(setThreadExecutionState(requested), withdrawn);
+        runInThread([] { setThreadExecutionState(requested); });
+        runInThread([] { setThreadExecutionState(0x80000040u); });
+        // Without an event loop there is no request.
+        std::thread([] { setThreadExecutionState(requested); }).join();
         QTest::qWait(100);
         QVERIFY(becomesHeld());
-        QCOMPARE(setThreadExecutionState(withdrawn), asked);
+        QCOMPARE(setThreadExecutionState(withdrawn), requested);
         QVERIFY(becomes(QString()));
+    }
+
+    void secondAddress()
+    {
+        qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nowhere;" + _bus.address);
+        const Session session;
+        QVERIFY(becomesHeld());
     }
 
     void endOfTheProcess_data()
     {
         QTest::addColumn<QString>("way");
-        for (const QString& way : words("killed return exit"))
+        for (const QString& way : words("killed return exit thread static"))
             QTest::newRow(qPrintable(way)) << way;
     }
 
@@ -192,15 +217,28 @@ private Q_SLOTS:
         QVERIFY(becomes(QString()));
     }
 
+    void exitOnAnotherThread()
+    {
+        for (int delay = 0; delay < 20; ++delay) {
+            Helper child;
+            child.run(
+                {QCoreApplication::applicationFilePath(), "--exit"_s, QString::number(delay)});
+            QVERIFY(child.waitForFinished());
+            QCOMPARE(child.exitStatus(), QProcess::NormalExit);
+            QCOMPARE(child.readAllStandardError(), QByteArray());
+        }
+        QVERIFY(becomes(QString()));
+    }
+
     void noAnswer_data()
     {
         QTest::addColumn<QByteArray>("address");
         QTest::newRow("no bus") << QByteArray("unix:path=/nowhere");
-        QTest::newRow("not a local bus") << QByteArray("tcp:host=127.0.0.1,port=1");
-        QTest::newRow("no address") << QByteArray("nowhere");
-        QTest::newRow("deaf bus") << "unix:path=" + _deafBus.path;
+        QTest::newRow("mute bus") << _muteBus.address;
+        QTest::newRow("full backlog") << _fullBus.address;
+        QTest::newRow("greeting only") << _greetingBus.address;
         QTest::newRow("bus without logind") << _busWithoutLogind.address;
-        QTest::newRow("deaf logind") << _bus.address;
+        QTest::newRow("mute logind") << _bus.address;
     }
 
     void noAnswer()
@@ -218,14 +256,16 @@ private Q_SLOTS:
 
         const QTemporaryDir directory;
         qint64 smallest = std::numeric_limits<qint64>::max();
-        for (unsigned i = 0; i < 20; ++i) {
+        for (int i = 0; i < 20; ++i) {
             Core::Settings::instance().setApplicationDirPath(directory.path());
             QElapsedTimer timer;
             timer.start();
             App::Application::init();
-            // Some answers come in between, and some too late.
+            QCoreApplication::processEvents();
+            // Some answers arrive in between, and some too late.
             const qint64 started = timer.nsecsElapsed();
-            QThread::msleep(i);
+            _greetingBus.greet();
+            QTest::qWait(i);
             timer.start();
             App::Application::destruct();
             smallest = qMin(smallest, started + timer.nsecsElapsed());
@@ -237,38 +277,32 @@ private Q_SLOTS:
     }
 
 private:
-    QDBusMessage ask(const QString& interface, const QString& method,
-                     const QVariant& argument = QVariant()) const
+    void refuse(const QByteArray& whats) const
     {
-        QDBusMessage call = QDBusMessage::createMethodCall(
-            "org.freedesktop.login1"_s, "/org/freedesktop/login1"_s, interface, method);
-        if (argument.isValid())
-            call << argument;
-        return _manager.call(call);
+        QVERIFY(sd_bus_call_method(_client.get(), logindName, "/org/freedesktop/login1",
+                                   "org.freedesktop.DBus.Mock", "Refuse", nullptr, nullptr, "s",
+                                   whats.constData()) >= 0);
     }
 
     QString inhibitors() const
     {
-        const QDBusMessage reply = ask("org.freedesktop.login1.Manager"_s, "ListInhibitors"_s);
-        if (reply.arguments().isEmpty())
-            return reply.errorMessage();
-        const auto list = reply.arguments().constFirst().value<QDBusArgument>();
+        sd_bus_message* reply = nullptr;
+        if (sd_bus_call_method(_client.get(), logindName, "/org/freedesktop/login1",
+                               "org.freedesktop.login1.Manager", "ListInhibitors", nullptr, &reply,
+                               "") < 0)
+            return "no answer"_s;
+        const std::unique_ptr<sd_bus_message, sd_bus_message* (*)(sd_bus_message*)> holder(
+            reply, sd_bus_message_unref);
         QStringList result;
-        list.beginArray();
-        while (!list.atEnd()) {
-            QString what, who, why, mode;
-            list.beginStructure();
-            list >> what >> who >> why >> mode;
-            uint ignored = 0;
-            list >> ignored >> ignored;
-            list.endStructure();
-            result.append("%1 by %2: %3, %4"_s.arg(what, who, why, mode));
-        }
-        list.endArray();
+        sd_bus_message_enter_container(reply, 'a', "(ssssuu)");
+        const char *what, *who, *why, *mode;
+        while (sd_bus_message_read(reply, "(ssssuu)", &what, &who, &why, &mode, nullptr, nullptr) >
+               0)
+            result.append(QString::asprintf("%s by %s: %s, %s", what, who, why, mode));
         return result.join(u'\n');
     }
 
-    /// Waits, without an event loop, for logind to hold these inhibitors.
+    /// Waits until logind lists exactly these inhibitors.
     bool becomes(const QString& expected) const
     {
         return waitFor([&](const QString& held) { return held == expected; });
@@ -289,43 +323,66 @@ private:
                 qWarning("%s", qPrintable(inhibitors()));
                 return false;
             }
-            QTest::qSleep(20);
+            QTest::qWait(20);
         }
         return true;
     }
 
     Bus _bus;
     Bus _busWithoutLogind;
-    const DeafBus _deafBus;
+    const MuteBus _muteBus{100};
+    const MuteBus _fullBus{0};
+    const MuteBus _greetingBus{100};
     Helper _logind;
-    QDBusConnection _manager = QDBusConnection("none"_s);
+    std::unique_ptr<sd_bus, sd_bus* (*)(sd_bus*)> _client{nullptr, sd_bus_close_unref};
 };
 
-/// Asks for the system to stay awake, and ends without withdrawing it when its input does. At input
-/// it forks: what the child withdraws is its own.
-int end(const QByteArray& way)
+/// Requests the system to stay awake, and ends in the given way when standard input ends, without
+/// withdrawing the request. At input, forks a child that withdraws its own and calls `exit`.
+int requestUntilInputEnds(int argc, char** argv)
 {
-    setThreadExecutionState(asked);
-    char input[9];
-    while (read(STDIN_FILENO, input, sizeof input) > 0) {
+    // Before there is a QCoreApplication.
+    setThreadExecutionState(requested);
+    QCoreApplication application(argc, argv);
+    const QByteArray way = argv[2];
+    QSocketNotifier notifier(STDIN_FILENO, QSocketNotifier::Read);
+    QObject::connect(&notifier, &QSocketNotifier::activated, &notifier, [&] {
+        char input[9];
+        if (read(STDIN_FILENO, input, sizeof input) <= 0) {
+            if (way == "exit" || way == "static")
+                std::exit(0);
+            if (way == "thread")
+                std::thread([] { std::exit(0); }).join();
+            QCoreApplication::quit();
+            return;
+        }
         if (fork() == 0) {
-            setThreadExecutionState(withdrawn);
-            _exit(0);
+            if (way == "return")
+                setThreadExecutionState(withdrawn);
+            std::exit(0);
         }
         wait(nullptr);
         std::putchar('.');
         std::fflush(stdout);
-    }
-    if (way == "exit")
-        std::thread([] { std::exit(0); }).join();
-    return 0;
+    });
+    if (way == "static")
+        std::atexit([] { setThreadExecutionState(withdrawn); });
+    return QCoreApplication::exec();
 }
 
 int main(int argc, char** argv)
 {
-    if (argc == 3)
-        return end(argv[2]);
+    if (argc == 3 && qstrcmp(argv[1], "--end") == 0)
+        return requestUntilInputEnds(argc, argv);
     QCoreApplication application(argc, argv);
+    if (argc == 3 && qstrcmp(argv[1], "--exit") == 0) {
+        setThreadExecutionState(requested);
+        std::thread([delay = 250 * QByteArray(argv[2]).toUInt()] {
+            QThread::usleep(delay);
+            std::exit(0);
+        }).detach();
+        return QCoreApplication::exec();
+    }
     tst_sleep_inhibitor test;
     return QTest::qExec(&test, argc, argv);
 }
