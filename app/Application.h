@@ -59,7 +59,8 @@ public:
     /// Brings the program up, on an existing `QCoreApplication`: the keep-awake request, settings,
     /// log file, this object, the lower libraries, the two registries, backup and clipboard, in
     /// this order. Call it once, before any other operation of the library. From here to
-    /// `destruct` the computer does not go to sleep, as far as the system allows it: see
+    /// `destruct` the computer does not go to sleep, as far as the system allows it; on Linux the
+    /// request is made and completes in the event loop of the thread that called `init`. See
     /// <system/ExecutionState.h>.
     static void init();
     /// Takes everything down again, nearly in the reverse order, and this object last. Call it

@@ -21,9 +21,11 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <random>
 #include <stdexcept>
+#include <thread>
 
 #include <unistd.h>
 
@@ -340,12 +342,48 @@ QString connections(int all)
     return "%1 connections: "_s.arg(all) + growth.words();
 }
 
+/// Ends the process with `exit` on another thread, while the main thread's event loop requests the
+/// sleep inhibitor.
+int exitOnAnotherThread(unsigned long delay)
+{
+    App::Application::init();
+    std::thread([delay] {
+        QThread::usleep(delay);
+        std::exit(0);
+    }).detach();
+    return QCoreApplication::exec();
+}
+
+QString exits(int all)
+{
+    QProcess bus;
+    bus.start("dbus-daemon"_s, words("--session --nofork --nopidfile --print-address"));
+    require(bus.waitForReadyRead(), "needs dbus-daemon: scripts/setup soak");
+    qputenv("DBUS_SYSTEM_BUS_ADDRESS", bus.readLine().trimmed());
+    const QTemporaryDir directory;
+    for (int done = 0; done < all; ++done) {
+        QProcess child;
+        child.setWorkingDirectory(directory.path());
+        child.start(QCoreApplication::applicationFilePath(),
+                    {"--exit"_s, QString::number(done * 10)});
+        require(child.waitForFinished(), "a program does not end");
+        require(child.exitStatus() == QProcess::NormalExit && child.exitCode() == 0,
+                "a program crashes at its end");
+        require(child.readAllStandardError().isEmpty(), "a program prints something at its end");
+    }
+    bus.kill();
+    bus.waitForFinished();
+    return "%1 programs that end while they ask for the sleep inhibitor"_s.arg(all);
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
     QCoreApplication qtApplication(argc, argv);
     const QStringList arguments = qtApplication.arguments();
+    if (arguments.value(1) == "--exit"_s)
+        return exitOnAnotherThread(arguments.value(2).toULong());
     if (arguments.value(1) == "--save"_s)
         saveForEver(arguments.value(2));
     const int all = arguments.value(1).toInt();
@@ -368,5 +406,6 @@ int main(int argc, char** argv)
     run("kills", [all] { return kills(all * 6 / 100); });
     run("disks", [] { return fullDisks(); });
     run("connections", [all] { return connections(all); });
+    run("exits", [all] { return exits(all * 3 / 100); });
     return status;
 }

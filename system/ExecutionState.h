@@ -25,12 +25,14 @@ enum ExecutionStateFlag : quint32
 /// flags. Elsewhere the request is remembered, thread by thread, and a thread that made none holds
 /// `ExecutionContinuous` alone.
 ///
-/// On Linux, `ExecutionSystemRequired` with `ExecutionContinuous` has logind neither suspend the
-/// system nor take it for idle, and users find the program in `systemd-inhibit --list`. This ends
-/// when no thread asks for it any more, at the latest with the process, however it ends. Where
-/// users may not keep the system from being suspended, it is only not taken for idle; where there
-/// is no logind or it does not answer, nothing keeps the system awake. The call waits for no
-/// answer. Nothing keeps other systems awake.
+/// On Linux, `ExecutionSystemRequired` with `ExecutionContinuous` requests an inhibitor from
+/// logind, which then neither suspends the system nor considers it idle; `systemd-inhibit --list`
+/// shows it. The request is made and completes in the event loop of the calling thread; a thread
+/// without one requests nothing. The inhibitor is released when the thread withdraws the request or
+/// ends, and at the latest when the process ends, however it ends. If users may not prevent the
+/// system from being suspended, it is only not considered idle. If there is no logind or no answer,
+/// or the library was built without libsystemd, the system may go to sleep. The call waits for no
+/// answer. On other systems nothing prevents sleep.
 OVSYSTEM_EXPORT quint32 setThreadExecutionState(quint32 flags);
 
 } // namespace System
