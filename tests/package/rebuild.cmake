@@ -1,6 +1,6 @@
-# Builds the tree twice, in folders whose names differ in length, and compares what is installed. The
-# builds are of another kind than the rest of the tests': of several configurations, optimised, and
-# with the sources of a target joined into one.
+# Builds the tree twice, in folders whose names differ in length, and compares the installed files.
+# Unlike the other tests, it uses a multi-configuration generator, optimisation and unity builds. The
+# debug information makes the check strict: without it, no file contains a path of the sources.
 cmake_policy(VERSION 3.25)
 set(parts app cmake events host netdiag platform plugins registries samples system CMakeLists.txt)
 list(TRANSFORM parts PREPEND ${source}/)
@@ -10,7 +10,7 @@ foreach(folder ${one} ${other})
     file(REMOVE_RECURSE ${folder})
     file(COPY ${parts} DESTINATION ${folder}/source)
     execute_process(COMMAND ${CMAKE_COMMAND} -S ${folder}/source -B ${folder}/build
-            -G "Ninja Multi-Config" -D CMAKE_CONFIGURATION_TYPES=Release -D CMAKE_UNITY_BUILD=ON
+            -G "Ninja Multi-Config" -D CMAKE_CONFIGURATION_TYPES=RelWithDebInfo -D CMAKE_UNITY_BUILD=ON
             -D CMAKE_UNITY_BUILD_BATCH_SIZE=0
             -D CMAKE_CXX_COMPILER=${compiler} -D QT_MAJOR_VERSION=${qt} -D Qt${qt}_DIR=${qt_dir}
             -D OVAPP_BUILD_TESTS=OFF -D CMAKE_COMPILE_WARNING_AS_ERROR=ON
@@ -30,7 +30,7 @@ foreach(file ${files})
 endforeach()
 
 # The host finds samples where the build has put them.
-execute_process(COMMAND ${other}/build/Release/${host} run --app-dir ${dir}
+execute_process(COMMAND ${other}/build/RelWithDebInfo/${host} run --app-dir ${dir}
     OUTPUT_VARIABLE session ECHO_OUTPUT_VARIABLE COMMAND_ERROR_IS_FATAL ANY)
 if(NOT session MATCHES "tcp-trigger\\.dll is accepted")
     message(FATAL_ERROR "the sample plug-ins are not where the host looks")
