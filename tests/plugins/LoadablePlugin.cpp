@@ -1,5 +1,8 @@
 #include "RecordingPlugin.h"
 
+/// Takes no room in the file.
+static volatile char buffer[1 << 20];
+
 class LoadablePlugin : public RecordingPlugin
 {
     Q_OBJECT
@@ -8,6 +11,8 @@ class LoadablePlugin : public RecordingPlugin
 public:
     LoadablePlugin() : RecordingPlugin(QStringLiteral(PLUGIN_NAME), PLUGIN_ID, PLUGIN_BOARD_TYPES)
     {
+        buffer[0] = 1;
+        throwIfAsked("construct"_s);
     }
 };
 

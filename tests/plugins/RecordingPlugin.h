@@ -5,7 +5,10 @@
 #include <ovcore/Settings.h>
 #include <plugins/PluginInterface.h>
 
-/// Writes down what is done with it, in the run value "calls", where plug-ins and tests meet.
+#include <stdexcept>
+
+/// Records what is done with it in the run value "calls", and throws where the run value "throw"
+/// says so: "P start" a std::exception, "P start!" something else. Plug-ins and tests share these.
 class RecordingPlugin : public QObject, public App::PluginInterface
 {
     Q_OBJECT
@@ -16,7 +19,7 @@ public:
         : _name(name), _identifier(identifier), _boards(boards)
     {
     }
-    ~RecordingPlugin() override { record("destroy"_s); }
+    ~RecordingPlugin() override { addCall("destroy"_s); }
 
     quint64 pluginID() const override { return record("id"_s), _identifier; }
     int supportedBoardTypes() const override { return record("boards"_s), _boards; }
@@ -38,11 +41,26 @@ public:
         return calls;
     }
 
+protected:
+    void throwIfAsked(const QString& call) const
+    {
+        const QString asked = Core::Settings::instance().runValue("throw"_s).toString();
+        if (asked == _name + u' ' + call)
+            throw std::runtime_error("no 100% " + call.toStdString());
+        if (asked == _name + u' ' + call + u'!')
+            throw 100;
+    }
+
 private:
-    void record(const QString& call) const
+    void addCall(const QString& call) const
     {
         const QStringList calls = takeCalls() + QStringList(_name + u' ' + call);
         Core::Settings::instance().setRunValue("calls"_s, calls);
+    }
+    void record(const QString& call) const
+    {
+        addCall(call);
+        throwIfAsked(call);
     }
 
     const QString _name;

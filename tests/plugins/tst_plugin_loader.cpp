@@ -1,10 +1,13 @@
 #include "PluginFixture.h"
 
+#include <support/ConsoleRecorder.h>
 #include <support/Tools.h>
 
 #include <ovcore/BoardEthDescHandler.h>
 #include <plugins/ExtendPluginInterface.h>
+#include <system/LibraryFile.h>
 
+#include <QPluginLoader>
 #include <QtTest>
 
 #include <climits>
@@ -35,8 +38,9 @@ static void hide(const QString& path)
 #ifdef Q_OF_ELF
 #include <link.h>
 
-/// The same plug-in with another number in what the table of sections says of Qt's metadata.
-static QByteArray withMetaData(QByteArray plugin, ElfW(Off) ElfW(Shdr)::*member, ElfW(Off) number)
+/// The same plug-in with another number in the section header of Qt's metadata.
+template <typename Number>
+static QByteArray withMetaData(QByteArray plugin, Number ElfW(Shdr)::*member, Number number)
 {
     const auto* header = reinterpret_cast<const ElfW(Ehdr)*>(plugin.constData());
     auto* sections = reinterpret_cast<ElfW(Shdr)*>(plugin.data() + header->e_shoff);
@@ -49,7 +53,8 @@ static QByteArray withMetaData(QByteArray plugin, ElfW(Off) ElfW(Shdr)::*member,
 }
 
 /// The same plug-in with one more segment to load, behind everything else, as tools lay it out that
-/// change a library path. The system clears the segment's last page beyond what the file holds.
+/// change a library path. The system clears the segment's last page beyond what the file holds. Its
+/// addresses are above those of the buffer, which is not in the file.
 static QByteArray withSegmentAtEnd(QByteArray plugin)
 {
     constexpr int page = 0x1000;
@@ -61,7 +66,8 @@ static QByteArray withSegmentAtEnd(QByteArray plugin)
             continue;
         segment->p_type = PT_LOAD;
         segment->p_flags = PF_R | PF_W;
-        segment->p_offset = segment->p_vaddr = segment->p_paddr = static_cast<unsigned>(end);
+        segment->p_offset = static_cast<unsigned>(end);
+        segment->p_vaddr = segment->p_paddr = segment->p_offset + (1 << 24);
         segment->p_filesz = page + 100;
         segment->p_memsz = page + 200;
         segment->p_align = page;
@@ -97,7 +103,11 @@ class tst_plugin_loader : public QObject
 
 private Q_SLOTS:
     void init() { _fixture.emplace(); }
-    void cleanup() { _fixture.reset(); }
+    void cleanup()
+    {
+        PluginLoader::setProgressHandler(nullptr);
+        _fixture.reset();
+    }
 
     void info()
     {
@@ -128,6 +138,17 @@ private Q_SLOTS:
         QCOMPARE(PluginLoader::pluginFiles(),
                  _fixture->plugins("_.dll A.dll b.dll X.DLL dir.dll/in.dll sub/c.dll "
                                    "sub/de/e/p.dll Sub2/y.dLl"));
+
+        // A relative path is resolved once.
+        writeFile(_fixture->plugin("b.dll"_s), PluginFixture::built("PluginB"_s));
+        const QString current = QDir::currentPath();
+        QVERIFY(QDir::setCurrent(_fixture->path(QString())));
+        Core::Settings::instance().setPluginDirPath("plugins"_s);
+        PluginLoader::loadPlugins(false);
+        QVERIFY(QDir::setCurrent(current));
+        RecordingPlugin::takeCalls();
+        PluginLoader::unloadPlugins();
+        QCOMPARE(RecordingPlugin::takeCalls(), calls("PluginB", "stop destroy"));
     }
 
     void scansLinksAndSkipsHidden()
@@ -260,6 +281,159 @@ private Q_SLOTS:
         }
     }
 
+    void keepsRecords()
+    {
+        const QString a = _fixture->plugin("a.dll"_s);
+        const QString link = _fixture->plugin("sub/link.dll"_s);
+        writeFile(a, PluginFixture::built("PluginA"_s));
+        writeFile(_fixture->plugin("b.dll"_s), PluginFixture::built("PluginOfOtherBoard"_s));
+        writeFile(_fixture->plugin("c.dll"_s), PluginFixture::built("OtherInterface"_s));
+        writeFile(_fixture->plugin("d.dll"_s), PluginFixture::built("PluginWithoutIdentifier"_s));
+        writeFile(_fixture->plugin("e.dll"_s), "no library");
+        QDir().mkpath(_fixture->plugin("sub"_s));
+#ifdef Q_OS_WIN
+        QVERIFY(QFile::copy(a, link));
+#else
+        QVERIFY(QFile::link(a, link));
+#endif
+        QStringList progress;
+        PluginLoader::setProgressHandler([&](const QString& file, int index, int count) {
+            progress += QFileInfo(file).fileName();
+            progress += "%1/%2"_s.arg(index).arg(count);
+            progress += QString::number(RecordingPlugin::takeCalls().size());
+        });
+        PluginLoader::loadPlugins(true);
+        QCOMPARE(progress, words("a.dll 0/6 0 b.dll 1/6 4 c.dll 2/6 2 d.dll 3/6 0 e.dll 4/6 3 "
+                                 "link.dll 5/6 0"));
+
+        const QList<App::PluginRecord> records = PluginLoader::records();
+        QStringList files;
+        QStringList lines;
+        for (const App::PluginRecord& record : records) {
+            files += record.filePath;
+            lines += PluginLoader::verdictName(record.verdict) + u'|' +
+                     record.info.get("Name"_s).toString() + u'|' + record.reason;
+        }
+        QCOMPARE(files, PluginLoader::pluginFiles());
+        QCOMPARE(lines,
+                 QStringList({"accepted|PluginA|"_s,
+                              "other-board||supportedBoardTypes() is 0x4, which has no bit in "
+                              "common with the type of the board in use, 0x2"_s,
+                              "no-interface||its root object does not implement "
+                              "\"com.quillmere.beamforge.PluginInterface/1.0\"; name "
+                              "App::PluginInterface in its Q_INTERFACES"_s,
+                              "no-identifier||pluginID() is 0; give the plug-in an identifier"_s,
+                              "no-plugin||"_s + System::libraryFileProblem(files.at(4)),
+                              "accepted|PluginA|"_s}));
+
+        // The plug-in of a file that is gone stays loaded, through the link too.
+        QVERIFY(QFile::rename(a, a + u'~'));
+        PluginLoader::unloadPlugins();
+        const auto loaded = [&records] {
+            QByteArray all;
+            for (const App::PluginRecord& record : records)
+                all += record.rootObject ? '+' : '-';
+            return all;
+        };
+#ifdef Q_OS_WIN
+        QCOMPARE(loaded(), "+-----");
+#else
+        QCOMPARE(loaded(), "+----+");
+#endif
+        QVERIFY(QFile::rename(a + u'~', a));
+        PluginLoader::unloadPlugins();
+        QCOMPARE(loaded(), "------");
+        QCOMPARE(PluginLoader::records().size(), 6);
+    }
+
+    void keepsReferences()
+    {
+        const QString file = _fixture->plugin("a.dll"_s);
+        writeFile(file, PluginFixture::built("PluginA"_s));
+        PluginLoader::loadPlugins(false);
+        QPluginLoader loader;
+        const QPointer<QObject> object = PluginLoader::rootObjectOf(file, loader);
+        QVERIFY(object && object == PluginLoader::records().at(0).rootObject);
+        PluginLoader::unloadPlugins();
+        QVERIFY(loader.isLoaded() && object);
+        QVERIFY(loader.unload() && !object);
+    }
+
+    void containsExceptions_data()
+    {
+        QTest::addColumn<QString>("function");
+        QTest::addColumn<bool>("isAccepted");
+        QTest::addColumn<QString>("called");
+        QTest::newRow("construct") << "its constructor"_s << false << "destroy"_s;
+        QTest::newRow("boards") << "supportedBoardTypes()"_s << false << "boards destroy"_s;
+        QTest::newRow("id") << "pluginID()"_s << false << "boards id destroy"_s;
+        QTest::newRow("info") << "pluginInfo()"_s << false << "boards id info destroy"_s;
+        QTest::newRow("start") << "start()"_s << true << "boards id info start"_s;
+        QTest::newRow("stop") << "stop()"_s << true << "boards id info start"_s;
+    }
+
+    void containsExceptions()
+    {
+        QFETCH(QString, function);
+        QFETCH(bool, isAccepted);
+        QFETCH(QString, called);
+        const QString moment = QString::fromLatin1(QTest::currentDataTag());
+        const Verdict verdict = isAccepted ? Verdict::Accepted : Verdict::Exception;
+        const QStringList files = _fixture->plugins("a.dll b.dll c.dll");
+        for (int i = 0; i < 3; ++i)
+            writeFile(files.at(i), PluginFixture::built("Plugin"_s + QChar(u'A' + i)));
+        const QString failure = function + " threw an exception: "_s;
+
+        // Each way of throwing, twice, and then once more without.
+        for (const char* suffix : {"", "", "!", "!", "-"}) {
+            const bool throws = *suffix != '-';
+            const QString sentence =
+                failure + (*suffix ? "of an unknown type"_s : "no 100% "_s + moment);
+            const auto throwFrom = [&](const char* plugin) {
+                Core::Settings::instance().setRunValue(
+                    "throw"_s, QLatin1String(plugin) + u' ' + moment + QLatin1String(suffix));
+            };
+            const auto warnings = [&](const QString& name) {
+                return QByteArrayList{"warning: PluginLoader::callPlugin: " +
+                                      QString(name + ": "_s + sentence).toLocal8Bit()};
+            };
+
+            throwFrom("PluginB");
+            RecordingPlugin::takeCalls();
+            ConsoleRecorder log;
+            PluginLoader::loadPlugins(true);
+            const char* all = "boards id info start";
+            QCOMPARE(RecordingPlugin::takeCalls(),
+                     calls("PluginA", all) + calls("PluginB", throws ? qPrintable(called) : all) +
+                         calls("PluginC", all));
+            const App::PluginRecord record = PluginLoader::records().at(1);
+            QCOMPARE(record.verdict, throws ? verdict : Verdict::Accepted);
+            QCOMPARE(record.reason, throws && moment != "stop"_s ? sentence : QString());
+            QCOMPARE(record.rootObject.isNull(), throws && !isAccepted);
+            QCOMPARE(names(),
+                     throws && !isAccepted ? "PluginA,PluginC,,"_s : "PluginA,PluginB,PluginC,"_s);
+            PluginLoader::unloadPlugins();
+            QCOMPARE(RecordingPlugin::takeCalls(),
+                     calls(throws && !isAccepted ? "PluginC PluginA" : "PluginC PluginB PluginA",
+                           "stop destroy"));
+            QCOMPARE(log.lines, throws ? warnings(files.at(1)) : QByteArrayList());
+
+            // An object without a file, which is never constructed here.
+            throwFrom("P");
+            RecordingPlugin plugin("P"_s, 1, -1);
+            log.lines.clear();
+            QCOMPARE(PluginLoader::verdictOn(&plugin),
+                     throws && (moment == "boards"_s || moment == "id"_s) ? Verdict::Exception
+                                                                          : Verdict::Accepted);
+            log.lines.clear();
+            QCOMPARE(PluginLoader::loadPlugin(&plugin, true, QString()),
+                     !throws || isAccepted || moment == "construct"_s);
+            PluginLoader::unloadPlugin(&plugin);
+            QCOMPARE(log.lines, throws && moment != "construct"_s ? warnings("RecordingPlugin"_s)
+                                                                  : QByteArrayList());
+        }
+    }
+
     void loadsTheSoundOnesAlone()
     {
         // A directory full of files that are no plug-ins, with sound ones among them.
@@ -322,14 +496,19 @@ private Q_SLOTS:
             for (const ElfW(Off) value : {0x7fffffffULL, ~0ULL, ~0ULL << 2})
                 write(withMetaData(plugin, member, value));
         }
+        write(withMetaData(plugin, &ElfW(Shdr)::sh_name, ElfW(Word)(0x7fffffff)));
+        QByteArray withoutNames = plugin;
+        reinterpret_cast<ElfW(Ehdr)*>(withoutNames.data())->e_shstrndx = 0xfff0;
+        write(withoutNames);
 #endif
         write(last);
         write(plugin);
 
-        const QDir openFiles("/proc/self/fd"_s);
-        const auto openCount = openFiles.count();
+        // A QDir caches its entries.
+        const auto countOpenFiles = [] { return QDir("/proc/self/fd"_s).count(); };
+        const auto openCount = countOpenFiles();
         PluginLoader::loadPlugins(true);
-        QCOMPARE(openFiles.count(), openCount);
+        QCOMPARE(countOpenFiles(), openCount);
         // All but the links that lead to no file, and the directory.
         QVERIFY(PluginLoader::pluginCount() >= number - firstNumber - 6);
         QCOMPARE(RecordingPlugin::takeCalls(),
@@ -346,6 +525,9 @@ private Q_SLOTS:
         QCOMPARE(runValue(), QVariant(0ULL));
         PluginLoader::initPluginIDValue();
         QCOMPARE(runValue(), QVariant(ULLONG_MAX));
+        // As it is after a restart.
+        Core::Settings::instance().setValue("Plugin/value"_s, QString::number(ULLONG_MAX));
+        QCOMPARE(PluginLoader::readPluginIDValue(), ULLONG_MAX);
         Core::Settings::instance().setValue("Plugin/value"_s, "many"_s);
         QCOMPARE(PluginLoader::readPluginIDValue(), 0ULL);
     }
