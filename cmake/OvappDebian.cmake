@@ -80,6 +80,9 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
 endforeach()
 ovapp_add_compressed(${PROJECT_SOURCE_DIR}/docs/ovapp-host.1 ${host_package}.1 host
     ${CMAKE_INSTALL_MANDIR}/man1)
+file(GLOB documents CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/*.md)
+install(FILES ${documents}
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${development_package} COMPONENT development)
 install(FILES ${debian_dir}/libovapp1.lintian-overrides
     DESTINATION ${CMAKE_INSTALL_DATADIR}/lintian/overrides
     RENAME ${runtime_package} COMPONENT runtime)

@@ -1,15 +1,16 @@
-# ovapp_requested_qt(<variable>): the major version of the Qt that the project at hand wants, or nothing
-# if it has not said: what it sets as QT_MAJOR_VERSION, else the one that it has found already.
+# ovapp_requested_qt(<variable>): sets the variable to the major version of Qt that the calling project
+# requests: QT_MAJOR_VERSION if it is set, else the Qt that the project has already found, else
+# QT_DEFAULT_MAJOR_VERSION, else empty.
 function(ovapp_requested_qt variable)
-    set(wanted "")
+    set(requested "")
     if(QT_MAJOR_VERSION)
-        set(wanted ${QT_MAJOR_VERSION})
+        set(requested ${QT_MAJOR_VERSION})
     elseif(TARGET Qt5::Core AND NOT TARGET Qt6::Core)
-        set(wanted 5)
+        set(requested 5)
     elseif(TARGET Qt6::Core AND NOT TARGET Qt5::Core)
-        set(wanted 6)
+        set(requested 6)
     elseif(QT_DEFAULT_MAJOR_VERSION)
-        set(wanted ${QT_DEFAULT_MAJOR_VERSION})
+        set(requested ${QT_DEFAULT_MAJOR_VERSION})
     endif()
-    set(${variable} "${wanted}" PARENT_SCOPE)
+    set(${variable} "${requested}" PARENT_SCOPE)
 endfunction()
