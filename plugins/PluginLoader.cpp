@@ -62,7 +62,7 @@ QString callPlugin(const QString& plugin, const char* function, const std::funct
     } catch (...) {
         text = QStringLiteral("of an unknown type");
     }
-    const QString sentence =
+    QString sentence =
         QStringLiteral("%1 threw an exception: %2").arg(QLatin1String(function), text);
     Core::ConsoleSingleton::instance().warning("PluginLoader::callPlugin: %s: %s",
                                                plugin.toLocal8Bit().constData(),
