@@ -4,9 +4,9 @@
 
 namespace Host {
 
-/// What Qt passes over in a directory and below it, though there may be plug-ins in it, and why, in
-/// a sentence each: files with the ending of plug-ins in whose path is a name that it cannot
-/// decode, and directories that it cannot read. Their paths are shown as far as they can be.
+/// Returns a warning for each entry below a directory in which a user may expect a plug-in and
+/// which the scan for plug-in files skips: directories that cannot be read, links to missing files,
+/// other special files, and libraries with another suffix than that of plug-ins.
 QStringList skippedFiles(const QString& directory, const QString& suffix);
 
 } // namespace Host

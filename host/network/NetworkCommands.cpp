@@ -1,7 +1,6 @@
 #include "network/NetworkCommands.h"
 
 #include "CommandLine.h"
-#include "network/ProcessEndWatcher.h"
 #include "process/InterruptWatcher.h"
 #include "process/Output.h"
 
@@ -20,14 +19,24 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
+
+#ifdef Q_OS_WIN
+#include <qt_windows.h>
+#else
+#include <QFile>
+
+#include <cerrno>
+#include <csignal>
+#endif
 
 namespace Host {
 
 namespace {
 
-/// Reads the one host and the one number that both commands take, or returns the status to end
-/// with. `number` holds the default before and is at least `least` after.
+/// Reads the host and the number that both commands take, or returns the exit code if the command
+/// ends here. `number` contains the default value; afterwards it is at least `least`.
 std::optional<int> read(const QStringList& arguments, const QString& description,
                         const QCommandLineOption& option, int least, QString& host, int& number)
 {
@@ -40,14 +49,15 @@ std::optional<int> read(const QStringList& arguments, const QString& description
 
     const QStringList hosts = parser.positionalArguments();
     if (hosts.size() != 1)
-        return fail(UsageError, QStringLiteral("one host is wanted, not %1").arg(hosts.size()));
+        return fail(UsageError, QStringLiteral("expected one host, got %1").arg(hosts.size()));
     host = hosts.first();
-    // A tool would take such a host for an option, for nothing, or for two.
+    // The tool would read such a host as an option, as no host, or as two hosts.
     if (host.isEmpty() || host.startsWith(QLatin1Char('-')) || host.startsWith(QLatin1Char('/')) ||
         std::any_of(host.cbegin(), host.cend(), [](QChar character) {
             return character.isSpace() || character.category() == QChar::Other_Control;
         })) {
-        return fail(UsageError, QStringLiteral("%1 is no host").arg(quoted(host)));
+        return fail(UsageError,
+                    QStringLiteral("%1 is not a host name or address").arg(quoted(host)));
     }
 
     if (parser.isSet(option)) {
@@ -55,7 +65,7 @@ std::optional<int> read(const QStringList& arguments, const QString& description
         number = parser.value(option).toInt(&isNumber);
         if (!isNumber || number < least) {
             return fail(UsageError,
-                        QStringLiteral("--%1: %2 is no whole number from %3 up")
+                        QStringLiteral("--%1: %2 is not an integer of at least %3")
                             .arg(option.names().constFirst(), quoted(parser.value(option)))
                             .arg(least));
         }
@@ -63,44 +73,61 @@ std::optional<int> read(const QStringList& arguments, const QString& description
     return std::nullopt;
 }
 
-/// Prints a part of a tool's report; false when nobody takes it any more.
-bool printReport(QByteArray text)
+/// Prints a part of a tool's output. Returns false if standard output cannot be written.
+bool printOutput(QByteArray text)
 {
-    // On Windows the tools end their lines as the standard output does by itself.
+    // On Windows standard output converts the line ends itself.
     return write(stdout, text.replace('\r', QByteArray()));
 }
 
-/// `name` is what the tool is called, `program` what is launched; `error` is empty if unknown.
-int failToLaunch(const QString& name, const QString& program, const QString& package,
-                 const QString& error = QString())
+/// Reports that the tool `name` cannot be started. `program` is its executable, `package` the
+/// Debian package that contains it; `error` is empty if the reason is unknown.
+int reportStartFailure(const QString& name, const QString& program, const QString& package,
+                       const QString& error = QString())
 {
-    const QString message = QStringLiteral("the system's %1 tool cannot be launched").arg(name);
+    const QString message = QStringLiteral("cannot start the system's %1 tool").arg(name);
     if (QStandardPaths::findExecutable(program).isEmpty())
-        return fail(Failure,
-                    QStringLiteral("%1; on Debian the package %2 brings it").arg(message, package));
+        return fail(Failure, QStringLiteral("%1; on Debian, install %2").arg(message, package));
     return fail(Failure, error.isEmpty() ? message : message + QLatin1String(": ") + error);
+}
+
+/// Returns whether a process, which need not be a child of this one, is running.
+bool isRunning(qint64 pid)
+{
+#ifdef Q_OS_WIN
+    const HANDLE process = OpenProcess(SYNCHRONIZE, FALSE, static_cast<DWORD>(pid));
+    const bool isRunning = process && WaitForSingleObject(process, 0) == WAIT_TIMEOUT;
+    CloseHandle(process);
+    return isRunning;
+#else
+    if (::kill(static_cast<pid_t>(pid), 0) != 0 && errno == ESRCH)
+        return false;
+    // In containers, nothing may collect processes that have ended. Their command line is empty.
+    QFile commandLine(QStringLiteral("/proc/%1/cmdline").arg(pid));
+    return !commandLine.open(QIODevice::ReadOnly) || !commandLine.readAll().isEmpty();
+#endif
 }
 
 int runPing(const QString& host, int count)
 {
     PingProcess process;
     QEventLoop loop;
-    bool launched = true;
+    bool isStarted = true;
     QByteArray errorOutput;
     QObject::connect(&process, &QProcess::readyReadStandardOutput, &loop, [&] {
-        if (!printReport(process.readAllStandardOutput()))
+        if (!printOutput(process.readAllStandardOutput()))
             System::interruptProcess(process.processId());
     });
     QObject::connect(&process, &QProcess::readyReadStandardError, &loop,
                      [&] { errorOutput += process.readAllStandardError(); });
     QObject::connect(&process, &QProcess::errorOccurred, &loop, [&](QProcess::ProcessError error) {
-        launched = launched && error != QProcess::FailedToStart;
-        if (!launched)
+        isStarted = isStarted && error != QProcess::FailedToStart;
+        if (!isStarted)
             loop.quit();
     });
     QObject::connect(&process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), &loop,
                      &QEventLoop::quit);
-    // The tool prints its summary at the first interrupt; at the next one it has had its chance.
+    // At the first interrupt the tool prints its summary; a second one ends it.
     const InterruptWatcher watcher([&process, interrupted = false]() mutable {
         if (interrupted)
             process.kill();
@@ -111,15 +138,15 @@ int runPing(const QString& host, int count)
 
     process.setCount(count);
     process.doPing(host);
-    if (launched)
+    if (isStarted)
         loop.exec();
-    if (!launched)
-        return failToLaunch(QStringLiteral("ping"), QLatin1String(SystemTools::ping),
-                            QStringLiteral("iputils-ping"), process.errorString());
+    if (!isStarted)
+        return reportStartFailure(QStringLiteral("ping"), QLatin1String(SystemTools::ping),
+                                  QStringLiteral("iputils-ping"), process.errorString());
     if (process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0)
         return Success;
     if (process.exitStatus() == QProcess::CrashExit)
-        return fail(Failure, QStringLiteral("the ping tool was ended before it was done"));
+        return fail(Failure, QStringLiteral("the ping tool was terminated"));
     errorOutput = errorOutput.trimmed();
     return fail(Failure, errorOutput.isEmpty()
                              ? QStringLiteral("%1 did not answer").arg(quoted(host))
@@ -131,61 +158,65 @@ int runTrace(const QString& host, int maxHops)
     TracerouteProcess process;
     QEventLoop loop;
     QByteArray report;
-    const auto printNews = [&] {
+    const auto printNewOutput = [&] {
         const auto printed = report.size();
         report = process.readAllStandardOutput();
-        return printReport(report.mid(printed));
+        return printOutput(report.mid(printed));
     };
-    // The tool is no child of this process, so the keyboard's interrupt does not reach it. What it
-    // has yet to say comes at once or, where it cannot be interrupted, not at all.
+    // The tool is not a child of this process, so Ctrl+C does not reach it. A tool that can be
+    // interrupted prints the rest of its output at once.
     const auto endTool = [&] {
         System::interruptProcess(process.toolProcessId());
         QTimer::singleShot(500, &loop, &QEventLoop::quit);
     };
     QObject::connect(&process, &TracerouteProcess::readyReadStandardOutput, &loop, [&] {
-        if (!printNews())
+        if (!printNewOutput())
             endTool();
     });
-    bool interrupted = false;
+    bool isInterrupted = false;
     const InterruptWatcher interruptWatcher([&] {
-        interrupted = true;
+        isInterrupted = true;
         endTool();
+    });
+    QTimer endTimer;
+    QObject::connect(&endTimer, &QTimer::timeout, &loop, [&] {
+        if (!isRunning(process.toolProcessId()))
+            loop.quit();
     });
 
     process.setMaxHops(maxHops);
     process.doTraceroute(host);
     if (process.toolProcessId() == 0)
-        return failToLaunch(QStringLiteral("trace-route"), QLatin1String(SystemTools::traceroute),
-                            QStringLiteral("traceroute"));
-    const ProcessEndWatcher endWatcher(process.toolProcessId(), [&loop] { loop.quit(); });
-    if (!endWatcher.isWatching())
-        QObject::connect(&process, &TracerouteProcess::finished, &loop, &QEventLoop::quit);
+        return reportStartFailure(QStringLiteral("traceroute"),
+                                  QLatin1String(SystemTools::traceroute),
+                                  QStringLiteral("traceroute"));
+    endTimer.start(std::chrono::milliseconds(100));
     loop.exec();
-    // The file's watcher may be behind the tool's end.
-    printNews();
+    // The last change of the file may not have been notified yet.
+    printNewOutput();
     if (std::ferror(stdout))
-        return Success; // as far as the tool is concerned
-    if (interrupted)
+        return Success; // main() reports the error
+    if (isInterrupted)
         return fail(Failure, QStringLiteral("interrupted"));
     const QRegularExpression hop(QStringLiteral("^ +[0-9]+ "), QRegularExpression::MultilineOption);
     if (!hop.match(QString::fromLocal8Bit(report)).hasMatch())
-        return fail(Failure, QStringLiteral("no hop to %1 has been found").arg(quoted(host)));
+        return fail(Failure, QStringLiteral("no hop to %1 was found").arg(quoted(host)));
     return Success;
 }
 
-/// Does one job with the library up, keeping nothing.
-template <typename Job>
-int withLibrary(Job job)
+/// Calls a function while the library is initialised. Its files are temporary.
+template <typename Function>
+int withLibrary(Function function)
 {
     const QTemporaryDir directory;
     if (!directory.isValid()) {
         return fail(
             Failure,
-            QStringLiteral("no temporary directory can be made: %1").arg(directory.errorString()));
+            QStringLiteral("cannot create a temporary directory: %1").arg(directory.errorString()));
     }
     Core::Settings::instance().setApplicationDirPath(directory.path());
     App::Application::init();
-    const int status = job();
+    const int status = function();
     App::Application::destruct();
     return status;
 }
@@ -195,13 +226,13 @@ int withLibrary(Job job)
 int ping(const QStringList& arguments)
 {
     const QCommandLineOption option(QStringLiteral("count"),
-                                    QStringLiteral("How many requests to send; 4 by default, 0 for "
-                                                   "no limit. On Windows the tool decides."),
+                                    QStringLiteral("The number of requests; 4 by default, 0 for no "
+                                                   "limit. Ignored on Windows."),
                                     QStringLiteral("N"));
     QString host;
     int count = 4;
-    if (const std::optional<int> status =
-            read(arguments, QStringLiteral("Sees whether a host answers."), option, 0, host, count))
+    if (const std::optional<int> status = read(
+            arguments, QStringLiteral("Sends echo requests to a host."), option, 0, host, count))
         return *status;
     return withLibrary([&] { return runPing(host, count); });
 }
@@ -209,7 +240,7 @@ int ping(const QStringList& arguments)
 int trace(const QStringList& arguments)
 {
     const QCommandLineOption option(QStringLiteral("max-hops"),
-                                    QStringLiteral("How many hops to go at most; 10 by default."),
+                                    QStringLiteral("The maximum number of hops; 10 by default."),
                                     QStringLiteral("N"));
     QString host;
     int maxHops = 10;

@@ -4,11 +4,12 @@
 
 namespace Host {
 
-/// `ovapp-host ping`: prints the ping tool's report as it comes. Success if the host answered.
+/// `ovapp-host ping`: prints the output of the ping tool as it arrives. Returns `Success` if the
+/// host answers.
 int ping(const QStringList& arguments);
 
-/// `ovapp-host trace`: prints the trace-route tool's report as it grows, until the tool ends.
-/// Success if the report names a hop.
+/// `ovapp-host trace`: prints the output of the traceroute tool as it arrives, until the tool ends.
+/// Returns `Success` if the output contains a hop.
 int trace(const QStringList& arguments);
 
 } // namespace Host

@@ -60,17 +60,28 @@ private:
         if (way.contains("exit"))
             std::thread([] { std::exit(3); }).join();
 #ifdef Q_OS_UNIX
-        // What becomes of a child does not decide on the plug-in.
         if (way.contains("fork")) {
-            const pid_t child = ::fork();
-            if (child == 0)
-                std::terminate();
-            ::waitpid(child, nullptr, 0);
+            forkChild([] { std::exit(0); });
+            forkChild([] { throw std::runtime_error("in a child"); });
+            forkChild(crash);
         }
 #endif
+        if (way.contains("wait"))
+            std::this_thread::sleep_for(std::chrono::milliseconds(310));
         if (way.contains("hang"))
             std::this_thread::sleep_for(std::chrono::hours(1));
     }
+
+#ifdef Q_OS_UNIX
+    /// Starts a child process that ends with a function, which may throw, and waits for it.
+    static void forkChild(void (*end)()) noexcept
+    {
+        const pid_t child = ::fork();
+        if (child == 0)
+            end();
+        ::waitpid(child, nullptr, 0);
+    }
+#endif
 
     static int overflow(int depth)
     {
