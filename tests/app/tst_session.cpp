@@ -91,22 +91,6 @@ private Q_SLOTS:
         QCOMPARE(linesOf(log).size(), written.size() + 2);
     }
 
-    void directoryThatCannotBeWritten()
-    {
-        QTemporaryFile file;
-        QVERIFY(file.open());
-        // No one, not even the system's administrator, can write below a file.
-        Core::Settings::instance().setApplicationDirPath(file.fileName());
-        Application::init();
-        Core::Settings::instance().setValue("Debug/file"_s, true);
-        Application::attachObservers();
-        Application::instance().doAppStartFinished();
-        QCOMPARE(Core::Settings::instance().value("About/version"_s).toString(),
-                 QStringLiteral(OVAPP_VERSION));
-        Application::destruct();
-        QCOMPARE(QFileInfo(file.fileName()).size(), 0);
-    }
-
     void startsAgainAfresh()
     {
         // None of them is the library's to delete; they could not be, either.

@@ -203,19 +203,6 @@ private Q_SLOTS:
         QCOMPARE(other.calls, 0);
     }
 
-    void logOfTwo()
-    {
-        const QTemporaryDir directory;
-        const QString path = directory.filePath("log"_s);
-        const auto severity = Core::ConsoleObserver::Severity::Log;
-        Core::ConsoleObserverFile first(path);
-        Core::ConsoleObserverFile second(path);
-        first.write(severity, "one");
-        second.write(severity, "two\r\n");
-        first.write(severity, "three");
-        QCOMPARE(contentOf(path), QByteArray("one\ntwo\\r\\n\nthree\n"));
-    }
-
     void logOnFullDisk()
     {
 #ifdef Q_OS_UNIX
