@@ -508,11 +508,13 @@ private Q_SLOTS:
         const auto countOpenFiles = [] { return QDir("/proc/self/fd"_s).count(); };
         const auto openCount = countOpenFiles();
         PluginLoader::loadPlugins(true);
-        QCOMPARE(countOpenFiles(), openCount);
         // All but the links that lead to no file, and the directory.
         QVERIFY(PluginLoader::pluginCount() >= number - firstNumber - 6);
         QCOMPARE(RecordingPlugin::takeCalls(),
                  calls("PluginB PluginC PluginA", "boards id info start"));
+        // Wine keeps the files of loaded libraries open.
+        PluginLoader::unloadPlugins();
+        QCOMPARE(countOpenFiles(), openCount);
     }
 
     void keepsIDValue()
