@@ -8,13 +8,14 @@ class Document;
 
 namespace App {
 
-/// Told when another document, or none, has been made the active one with
-/// `Application::setActivateDocument`.
+/// A listener that is called when `Application::setActivateDocument` has made another document, or
+/// none, the active one.
+///
 /// Register it with `Application`, and remove it there before destroying it. Main thread only.
 class OVAPP_EXPORT ActiveDocumentListener
 {
 public:
-    /// `document` is the active document; null when there is none any more.
+    /// `document` is the active document; null if there is none.
     virtual void updateActiveDocumentListener(Doc::Document* document) = 0;
 
     virtual ~ActiveDocumentListener();

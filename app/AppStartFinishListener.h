@@ -4,15 +4,17 @@
 
 namespace App {
 
-/// Told when the program's start-up is complete: by `Application::doAppStartFinished`, which the
-/// executable calls once, and by every `Application::notifyStartFinishListener`. Whoever registers
-/// after that is not told.
+/// A listener that is called when the program's start-up is complete.
+///
+/// `Application::doAppStartFinished`, which the executable calls once, and every call of
+/// `Application::notifyStartFinishListener` notify the listeners that are registered by then.
+///
 /// Register it with `Application`, and remove it there before destroying it. Main thread only.
 class OVAPP_EXPORT AppStartFinishListener
 {
 public:
-    /// A listener that is added meanwhile is told in the same pass. One that removes and adds
-    /// itself whenever it is told keeps the pass from ending.
+    /// Listeners that are added during this call are called in the same iteration. The iteration
+    /// does not end if a listener removes and adds itself in every call.
     virtual void updateAppStartFinishListener() = 0;
 
     virtual ~AppStartFinishListener();

@@ -18,7 +18,7 @@ namespace App {
 
 namespace {
 
-void resetFinishedCountIfWanted(const Doc::Document& document)
+void resetFinishedCountIfEnabled(const Doc::Document& document)
 {
     const QString key = QStringLiteral("Print/resetCountAfterOpened");
     if (!Core::Settings::instance().value(key, false).toBool())
@@ -31,7 +31,7 @@ void resetFinishedCountIfWanted(const Doc::Document& document)
     object->setPrintCountData(printCount);
 }
 
-void rememberDocumentPath(const QString& path)
+void storeDocumentPath(const QString& path)
 {
     const QString key = QStringLiteral("File/Document");
     Core::Settings::instance().setRunValue(key, path);
@@ -50,7 +50,7 @@ Doc::Document* Application::newDocument(const QString& path)
     if (file.exists()) {
         if (!created->open(path))
             return nullptr;
-        resetFinishedCountIfWanted(*created);
+        resetFinishedCountIfEnabled(*created);
     } else {
         created->setFilePath(path);
     }
@@ -61,7 +61,7 @@ Doc::Document* Application::newDocument(const QString& path)
     }
     Doc::Document* const document = created.release();
     _p_activeDocument = document;
-    rememberDocumentPath(path);
+    storeDocumentPath(path);
     notifyNewDocumentListener(document);
     return document;
 }
@@ -86,7 +86,7 @@ void Application::setActivateDocument(Doc::Document* document)
     delete _p_activeDocument;
     _p_activeDocument = document;
     if (document)
-        rememberDocumentPath(document->filePath());
+        storeDocumentPath(document->filePath());
     notifyActiveDocumentListener(_p_activeDocument);
 }
 

@@ -19,7 +19,7 @@ namespace App {
 
 namespace {
 
-/// Hands the event over to the queue of the receiver's thread.
+/// Posts `event` to `receiver`, or to the `QCoreApplication` if `receiver` is null.
 void post(QObject* receiver, QEvent* event)
 {
     QCoreApplication::postEvent(receiver ? receiver : QCoreApplication::instance(), event);
@@ -119,55 +119,55 @@ void Application::removeStartFinishListener(AppStartFinishListener* listener)
 
 void Application::notifyNewDocumentListener(Doc::Document* document)
 {
-    PointerList::callAll<&NewDocumentListener::updateNewDocumentListener>(_newDocumentListeners,
+    PointerList::forEach<&NewDocumentListener::updateNewDocumentListener>(_newDocumentListeners,
                                                                           document);
 }
 
 void Application::notifyCloseDocumentListener(Doc::Document* document)
 {
-    PointerList::callAll<&CloseDocumentListener::updateCloseDocumentListener>(
+    PointerList::forEach<&CloseDocumentListener::updateCloseDocumentListener>(
         _closeDocumentListeners, document);
 }
 
 void Application::notifyActiveDocumentListener(Doc::Document* document)
 {
-    PointerList::callAll<&ActiveDocumentListener::updateActiveDocumentListener>(
+    PointerList::forEach<&ActiveDocumentListener::updateActiveDocumentListener>(
         _activeDocumentListeners, document);
 }
 
 void Application::notifyObjectListListener(Doc::Document*)
 {
-    PointerList::callAll<&ObjectListListener::updateObjectListListener>(_objectListListeners,
+    PointerList::forEach<&ObjectListListener::updateObjectListListener>(_objectListListeners,
                                                                         _p_activeDocument);
 }
 
 void Application::notifyTransactionListeners(Doc::Document*, Doc::Transaction* transaction)
 {
-    PointerList::callAll<&TransactionListener::updateTransactionListener>(
+    PointerList::forEach<&TransactionListener::updateTransactionListener>(
         _transactionListeners, _p_activeDocument, transaction);
 }
 
 void Application::notifySelectionListeners(Doc::Document*)
 {
-    PointerList::callAll<&SelectionListener::updateSelectionListener>(_selectionListeners,
+    PointerList::forEach<&SelectionListener::updateSelectionListener>(_selectionListeners,
                                                                       _p_activeDocument);
 }
 
 void Application::notifyPropertyListeners(Doc::Document* document, bool flag, int value)
 {
-    PointerList::callAll<&PropertyListener::updatePropertyListener>(_propertyListeners, document,
+    PointerList::forEach<&PropertyListener::updatePropertyListener>(_propertyListeners, document,
                                                                     flag, value);
 }
 
 void Application::notifyPluginStateChangeListener(int state)
 {
-    PointerList::callAll<&PluginStateListener::updatePluginStateListener>(_pluginStateListeners,
+    PointerList::forEach<&PluginStateListener::updatePluginStateListener>(_pluginStateListeners,
                                                                           state);
 }
 
 void Application::notifyStartFinishListener()
 {
-    PointerList::callAll<&AppStartFinishListener::updateAppStartFinishListener>(
+    PointerList::forEach<&AppStartFinishListener::updateAppStartFinishListener>(
         _startFinishListeners);
 }
 

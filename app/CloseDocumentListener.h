@@ -8,14 +8,16 @@ class Document;
 
 namespace App {
 
-/// Told when a document is closed or makes way for a new one.
+/// A listener that is called when the active document is closed, or is replaced by a document that
+/// is created or opened.
+///
 /// Register it with `Application`, and remove it there before destroying it. Main thread only.
 class OVAPP_EXPORT CloseDocumentListener
 {
 public:
-    /// `document` is closed; it is still the active one. The library forgets it right after the
-    /// last listener and never deletes it: whoever disposes of documents does, once all have been
-    /// told.
+    /// `document` is the document that is closed; it is still the active one. After the last
+    /// listener has been called, the library drops its pointer. It never deletes the document:
+    /// the application does, after all listeners have been called.
     virtual void updateCloseDocumentListener(Doc::Document* document) = 0;
 
     virtual ~CloseDocumentListener();

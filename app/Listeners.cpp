@@ -8,8 +8,8 @@
 #include <app/SelectionListener.h>
 #include <app/TransactionListener.h>
 
-// Defined here, so that the library holds the one virtual table and type information of each
-// interface, instead of every plug-in one of its own.
+// The destructors are defined here so that only the library contains the virtual tables and type
+// information of the interfaces, and not every plug-in too.
 namespace App {
 
 ActiveDocumentListener::~ActiveDocumentListener() = default;

@@ -8,12 +8,13 @@ class Document;
 
 namespace App {
 
-/// Told when a document has been created or opened.
+/// A listener that is called when a document has been created or opened.
+///
 /// Register it with `Application`, and remove it there before destroying it. Main thread only.
 class OVAPP_EXPORT NewDocumentListener
 {
 public:
-    /// `document` is the new one, and the active one already.
+    /// `document` is the new document; it is already the active one.
     virtual void updateNewDocumentListener(Doc::Document* document) = 0;
 
     virtual ~NewDocumentListener();

@@ -8,16 +8,18 @@ class Document;
 
 namespace App {
 
-/// Told when the list of a document's objects has changed. The library never notifies of it:
-/// whoever makes the change does. Register it with `Application`, and remove it there before
-/// destroying it. Main thread only.
+/// A listener that is called when the list of a document's objects has changed. The library itself
+/// never sends this notification: the code that changes the list calls
+/// `Application::notifyObjectListListener`.
+///
+/// Register it with `Application`, and remove it there before destroying it. Main thread only.
 class OVAPP_EXPORT ObjectListListener
 {
 public:
     virtual ~ObjectListListener();
 
-    /// `document` is the active document, whichever one the notification was made for; null when
-    /// there is none.
+    /// `document` is always the active document, even if another one was passed to the notifying
+    /// function; null if there is none.
     virtual void updateObjectListListener(Doc::Document* document) = 0;
 };
 

@@ -4,13 +4,15 @@
 
 namespace App {
 
-/// Told when the state of a plug-in has changed. The library never notifies of it, not when
-/// plug-ins are loaded, started or stopped either: whoever changes the state does. Register it with
-/// `Application`, and remove it there before destroying it. Main thread only.
+/// A listener that is called when the state of a plug-in has changed. The library itself never
+/// sends this notification, not even when it loads, starts or stops plug-ins: the code that changes
+/// the state calls `Application::notifyPluginStateChangeListener`.
+///
+/// Register it with `Application`, and remove it there before destroying it. Main thread only.
 class OVAPP_EXPORT PluginStateListener
 {
 public:
-    /// `state` is handed on from the notification; its meaning is that of whoever notifies.
+    /// `state` is passed on unchanged; its values are application-defined.
     virtual void updatePluginStateListener(int state) = 0;
 
     virtual ~PluginStateListener();

@@ -8,16 +8,18 @@ class Document;
 
 namespace App {
 
-/// Told when a property of a document's objects has changed. The library never notifies of it:
-/// whoever makes the change does.
+/// A listener that is called when a property of a document's objects has changed. The library
+/// itself never sends this notification: the code that changes the property calls
+/// `Application::notifyPropertyListeners`.
+///
 /// Register it with `Application`, and remove it there before destroying it. Main thread only.
 class OVAPP_EXPORT PropertyListener
 {
 public:
     virtual ~PropertyListener();
 
-    /// All three are handed on from the notification; the meaning of `flag` and `value` is that of
-    /// whoever notifies.
+    /// All arguments are passed on unchanged; the meaning of `flag` and `value` is
+    /// application-defined.
     virtual void updatePropertyListener(Doc::Document* document, bool flag, int value) = 0;
 };
 

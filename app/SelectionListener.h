@@ -8,16 +8,18 @@ class Document;
 
 namespace App {
 
-/// Told when another selection of objects has been made. The library never notifies of it: whoever
-/// makes the selection does.
+/// A listener that is called when the selection of objects has changed. The library itself never
+/// sends this notification: the code that changes the selection calls
+/// `Application::notifySelectionListeners`.
+///
 /// Register it with `Application`, and remove it there before destroying it. Main thread only.
 class OVAPP_EXPORT SelectionListener
 {
 public:
     virtual ~SelectionListener();
 
-    /// `document` is the active document, whichever one the notification was made for; null when
-    /// there is none.
+    /// `document` is always the active document, even if another one was passed to the notifying
+    /// function; null if there is none.
     virtual void updateSelectionListener(Doc::Document* document) = 0;
 };
 

@@ -9,16 +9,18 @@ class Transaction;
 
 namespace App {
 
-/// Told when a document has been changed in a transaction. The library never notifies of it:
-/// whoever makes the change does. Register it with `Application`, and remove it there before
-/// destroying it. Main thread only.
+/// A listener that is called when a transaction has changed a document. The library itself never
+/// sends this notification: the code that makes the change calls
+/// `Application::notifyTransactionListeners`.
+///
+/// Register it with `Application`, and remove it there before destroying it. Main thread only.
 class OVAPP_EXPORT TransactionListener
 {
 public:
     virtual ~TransactionListener();
 
-    /// `document` is the active document, whichever one the notification was made for, and null
-    /// when there is none; `transaction` is the one given to the notification.
+    /// `document` is always the active document, even if another one was passed to the notifying
+    /// function; null if there is none. `transaction` is passed on unchanged.
     virtual void updateTransactionListener(Doc::Document* document,
                                            Doc::Transaction* transaction) = 0;
 };

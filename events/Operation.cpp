@@ -32,7 +32,7 @@ void Operation::setTransactionGroup(int group)
 
 int Operation::generateTransactionGroup()
 {
-    // The threshold is looked at before counting, so that the number after it is handed out too.
+    // The comparison precedes the increment, so wrapThreshold + 1 is returned too.
     if (lastTransactionGroup > wrapThreshold)
         lastTransactionGroup = 0;
     else

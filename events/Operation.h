@@ -4,41 +4,43 @@
 
 namespace App {
 
-/// What the program can be asked to do, as an object. Derive from it and override `execute`.
-/// Several operations belong together where they are given the same transaction group:
+/// An action of the program, as an object. Derive from it and override `execute`.
+///
+/// Operations with the same transaction group belong together:
 ///
 ///     const int group = App::Operation::generateTransactionGroup();
 ///     moveOperation.setTransactionGroup(group);
 ///     scaleOperation.setTransactionGroup(group);
 ///
-/// The library itself neither makes, groups nor executes operations. One thread at a time.
+/// The library itself neither creates, groups nor executes operations. Use an operation on one
+/// thread at a time.
 class OVAPP_EXPORT Operation
 {
 public:
-    /// The type filter stays with the operation; its meaning is that of whoever derives, as is
-    /// that of -1.
+    /// Creates an operation without a transaction group. The derived class defines the meaning of
+    /// `typeFilter`, including -1.
     explicit Operation(int typeFilter = -1);
-    /// A copy has the type filter and the group of its source.
+    /// Copies the type filter and the transaction group.
     /// @{
     Operation(const Operation& other);
     Operation& operator=(const Operation& other);
     /// @}
     virtual ~Operation();
 
-    /// Does what the operation is for; false when that failed.
+    /// Executes the operation; returns false on failure.
     virtual bool execute() = 0;
 
-    /// The type filter as it was given.
+    /// Returns the type filter.
     int typeFilter() const;
-    /// Puts the operation into a group; -1 takes it out again. Any number is stored as it is.
+    /// Sets the transaction group; -1 means no group. Any number is stored unchanged.
     void setTransactionGroup(int group);
 
-    /// A group number for operations to share: 1 at the first call, then counting up to 65536 and
-    /// from there on to 0, 1 and so on; never -1. Nothing is locked: calls must not overlap.
+    /// Returns a new group number: 1 in the first call, then one more in each call up to 65536,
+    /// then 0, 1 and so on; never -1. The function does not lock: calls must not overlap.
     static int generateTransactionGroup();
 
 protected:
-    /// The group as it was set; -1 while none has been.
+    /// Returns the transaction group; -1 if none has been set.
     int transactionGroup() const;
 
 private:

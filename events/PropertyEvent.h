@@ -8,43 +8,45 @@
 
 namespace App {
 
-/// A record of one change of an object property. It is a plain value, no `QEvent`: hand it over as
-/// any value is, never through the event queue. What the numbers in it mean is for those to say
-/// who make and read it. To change a record, assign another to it. Any thread, as of any value.
+/// A record of one change of an object property.
+///
+/// It is a plain value and not a `QEvent`: it cannot be posted. The values are application-defined.
+/// To change a record, assign another one to it. Like any value, it may be used on any thread.
 class OVAPP_EXPORT PropertyEvent
 {
 public:
-    /// A record of nothing: the property type, the object type and the referenced object ID are
-    /// -1, the value is invalid, the list empty.
+    /// Creates an empty record: the property type, the object type and the referenced object ID are
+    /// -1, the value is invalid, and the list is empty.
     PropertyEvent();
-    /// A record of what is given; without `objectIDs` the list is empty.
+    /// Creates a record with these values; without `objectIDs` the list is empty.
     /// @{
     PropertyEvent(Core::PropertyTypeID propertyTypeID, const QVariant& value, int objectType,
                   const QList<int>& objectIDs, int referObjectID);
     PropertyEvent(Core::PropertyTypeID propertyTypeID, const QVariant& value, int objectType,
                   int referObjectID);
     /// @}
-    /// A copy is independent of its source.
+    /// Copies the record; the copy is independent of its source.
     /// @{
     PropertyEvent(const PropertyEvent& other);
     PropertyEvent& operator=(const PropertyEvent& other);
     /// @}
-    /// Leaves `other` without object IDs and its value unspecified; the rest of it stays.
+    /// Moves the record. Afterwards `other` has no object IDs and an unspecified value; its other
+    /// fields are unchanged.
     /// @{
     PropertyEvent(PropertyEvent&& other) noexcept;
     PropertyEvent& operator=(PropertyEvent&& other) noexcept;
     /// @}
     ~PropertyEvent();
 
-    /// The property that changed.
+    /// Returns the property that changed.
     Core::PropertyTypeID propertyTypeID() const;
-    /// The value that goes with the change.
+    /// Returns the value that belongs to the change.
     QVariant value() const;
-    /// The type of the objects concerned.
+    /// Returns the type of the objects concerned.
     int objectType() const;
-    /// The objects concerned.
+    /// Returns the IDs of the objects concerned.
     QList<int> objectIDs() const;
-    /// The object that the change refers to.
+    /// Returns the ID of the object that the change refers to.
     int referObjectID() const;
 
 private:

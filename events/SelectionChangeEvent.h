@@ -6,15 +6,16 @@
 
 namespace App {
 
-/// Tells a Qt object that another selection of objects has been made; the type is all it says.
+/// Notifies a Qt object that the selection of objects has changed. The event carries no data.
+///
 /// Post it with `Application::postSelectionChangedEvent`. It is handled on the receiver's thread.
 class OVAPP_EXPORT SelectionChangeEvent : public QEvent
 {
 public:
-    /// What `type()` returns.
+    /// The value that `type()` returns.
     static constexpr Type eventType = static_cast<Type>(QEvent::User + 101);
 
-    /// One event is as good as another.
+    /// Creates an event. All events of this class are equal.
     /// @{
     SelectionChangeEvent();
     SelectionChangeEvent(const SelectionChangeEvent& other);

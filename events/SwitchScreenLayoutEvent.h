@@ -6,16 +6,17 @@
 
 namespace Core {
 
-/// Tells a Qt object to switch the screen layout to the one of a board type. The library posts
-/// none itself: make one with `new` and hand it to `QCoreApplication::postEvent`, on any thread. It
-/// is handled on the receiver's.
+/// Requests a Qt object to switch to the screen layout for a board type.
+///
+/// The library itself never posts this event: create it with `new` and pass it to
+/// `QCoreApplication::postEvent`, on any thread. It is handled on the receiver's thread.
 class OVAPP_EXPORT SwitchScreenLayoutEvent : public QEvent
 {
 public:
-    /// What `type()` returns.
+    /// The value that `type()` returns.
     static constexpr Type eventType = static_cast<Type>(QEvent::User + 106);
 
-    /// An event with that board type, or with that of another event.
+    /// Creates an event with this board type, or with the one of another event.
     /// @{
     explicit SwitchScreenLayoutEvent(int boardType);
     SwitchScreenLayoutEvent(const SwitchScreenLayoutEvent& other);
@@ -23,7 +24,7 @@ public:
     /// @}
     ~SwitchScreenLayoutEvent() override;
 
-    /// The board type as it was given, whatever number that is.
+    /// Returns the board type. Any number is stored unchanged.
     int boardType() const;
 
 private:

@@ -7,15 +7,16 @@
 
 namespace App {
 
-/// Tells a Qt object that a transaction took place. Post it with
-/// `Application::postTransactionEvent`. It is handled on the receiver's thread.
+/// Notifies a Qt object that a transaction has taken place.
+///
+/// Post it with `Application::postTransactionEvent`. It is handled on the receiver's thread.
 class OVAPP_EXPORT TransactionEvent : public QEvent
 {
 public:
-    /// What `type()` returns.
+    /// The value that `type()` returns.
     static constexpr Type eventType = static_cast<Type>(QEvent::User + 100);
 
-    /// Copies the transaction, so that the original may change or go.
+    /// Creates an event with a copy of the transaction; the original may be changed or destroyed.
     /// @{
     TransactionEvent(const Doc::Transaction& transaction, bool hasOnlyChanges,
                      int objectTypeFilter);
@@ -24,11 +25,11 @@ public:
     /// @}
     ~TransactionEvent() override;
 
-    /// A copy of the transaction.
+    /// Returns a copy of the transaction.
     Doc::Transaction transaction() const;
-    /// The flag as it was given; its meaning is that of whoever posts.
+    /// Returns the flag; its meaning is application-defined.
     bool hasOnlyChanges() const;
-    /// The number as it was given; its meaning is that of whoever posts.
+    /// Returns the object type filter; its values are application-defined.
     int objectTypeFilter() const;
 
 private:

@@ -6,8 +6,8 @@
 
 namespace App {
 
-/// A communication channel, over which the program is asked and told things from outside. Derive
-/// from it, override what the channel needs, and register it with `CommInfoRegistry`.
+/// A communication channel between the program and other programs or machines. Derive from it,
+/// override the functions that the channel needs, and register it with `CommInfoRegistry`.
 ///
 ///     class SerialTrigger : public App::CommInfo
 ///     {
@@ -17,23 +17,23 @@ namespace App {
 ///         void stop() override { _port.close(); }
 ///     ...
 ///
-/// All operations are called on the thread that calls the registry, the main thread.
+/// The registry calls all functions on the thread on which it is called itself, the main thread.
 class OVAPP_EXPORT CommInfo
 {
 public:
     CommInfo();
-    /// A copy is not registered, whether its source is or not.
+    /// Copies the channel. The copy is not registered, even if its source is.
     /// @{
     CommInfo(const CommInfo& other);
     CommInfo& operator=(const CommInfo& other);
     /// @}
     virtual ~CommInfo();
 
-    /// What the log calls the channel; empty by default.
+    /// Returns the name of the channel in the log; empty by default.
     virtual QString name() const;
-    /// Opens the channel; does nothing by default. It may be called while the channel is started.
+    /// Opens the channel; does nothing by default. May be called while the channel is started.
     virtual void start();
-    /// Closes the channel; does nothing by default. It may be called while the channel is stopped.
+    /// Closes the channel; does nothing by default. May be called while the channel is stopped.
     virtual void stop();
 };
 

@@ -66,12 +66,12 @@ CommInfo* CommInfoRegistry::infoAt(int index)
 
 void CommInfoRegistry::start()
 {
-    PointerList::callAll<&CommInfo::start>(_infos);
+    PointerList::forEach<&CommInfo::start>(_infos);
 }
 
 void CommInfoRegistry::stop()
 {
-    PointerList::callAll<&CommInfo::stop>(_infos);
+    PointerList::forEach<&CommInfo::stop>(_infos);
 }
 
 } // namespace App

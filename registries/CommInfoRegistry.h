@@ -8,48 +8,49 @@ namespace App {
 
 class CommInfo;
 
-/// The list of communication channels, which can be started and stopped with one call. It holds
-/// plain pointers: whoever registers a channel keeps it alive and unregisters it before destroying
-/// it. Nothing is locked: one thread uses it at a time, as a rule the main thread.
+/// The list of communication channels. It starts or stops all of them with one call.
 ///
-/// The library never starts or stops a channel by itself, not at its registration either: the
-/// executable calls `start` once the plug-ins have registered theirs, and `stop` before they are
-/// unloaded. A channel that is registered after that waits for the next `start`, unless whoever
-/// registers it starts it.
+/// The registry does not own the channels: keep a channel alive while it is registered, and
+/// unregister it before destroying it. The registry does not lock: use it on one thread at a time,
+/// normally the main thread.
 ///
-/// A channel may register and unregister channels while it is started or stopped by the registry:
-/// one that is unregistered before its turn is passed over, one that is registered has its turn
-/// last, in the same pass, and every other has its turn once. Registering again what was
-/// unregistered counts as registering: a channel that does so to itself whenever it is started
-/// keeps the pass from ending.
+/// The library itself never starts or stops a channel, not even when it is registered. The
+/// executable calls `start` after the plug-ins have registered their channels, and `stop` before it
+/// unloads the plug-ins. A channel that is registered later is started by the next `start`, unless
+/// its plug-in starts it.
+///
+/// A channel may register and unregister channels while the registry starts or stops it. Channels
+/// that are unregistered before their turn are skipped; channels that are registered are called
+/// last, in the same iteration; every other channel is called once. Unregistering and registering a
+/// channel again counts as registering: the iteration does not end if a channel does this to itself
+/// in every call.
 class OVAPP_EXPORT CommInfoRegistry
 {
 public:
-    /// Creates the registry, empty; keeps the one that exists. `Application::init` calls it.
+    /// Creates an empty registry; does nothing if there is one. `Application::init` calls it.
     static void init();
-    /// The registry, or null before `init` and after `destruct`.
+    /// Returns the registry; null before `init` and after `destruct`.
     static CommInfoRegistry* instance();
-    /// Deletes the registry, if there is one; channels are neither stopped nor deleted.
-    /// `Application::destruct` calls it.
+    /// Deletes the registry, but neither stops nor deletes the channels; does nothing if there is
+    /// none. `Application::destruct` calls it.
     static void destruct();
 
-    /// Adds a channel at the end and logs its name; null and a channel that is registered already
-    /// are ignored.
+    /// Appends a channel and logs its name. Does nothing if `info` is null or already registered.
     void registerCommInfo(CommInfo* info);
-    /// Removes a channel, without stopping it, and logs its name, whether it was registered or
-    /// not; null is ignored.
+    /// Removes a channel without stopping it. Logs its name, even if it is not registered. Does
+    /// nothing if `info` is null.
     void unregisterCommInfo(CommInfo* info);
 
-    /// Whether this very channel is registered.
+    /// Returns true if this channel is registered.
     bool contains(CommInfo* info);
-    /// The number of channels.
+    /// Returns the number of channels.
     int count() const;
-    /// The channel at `index` in order of registration; null outside 0 to `count()` - 1.
+    /// Returns the channel at `index` in order of registration; null if `index` is out of range.
     CommInfo* infoAt(int index);
 
-    /// Starts every channel, in order of registration.
+    /// Starts all channels, in order of registration.
     void start();
-    /// Stops every channel, in order of registration too.
+    /// Stops all channels, also in order of registration.
     void stop();
 
 private:

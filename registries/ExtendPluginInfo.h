@@ -6,7 +6,7 @@
 
 namespace App {
 
-/// The description of an extension plug-in. Derive from it, and register it with
+/// The description of an extension plug-in. Derive from it and register an object with
 /// `ExtendPluginRegistry`.
 ///
 ///     class EngravingInfo : public App::ExtendPluginInfo
@@ -20,26 +20,26 @@ namespace App {
 ///         int supportedBoardTypes() const override { return 1; }
 ///     };
 ///
-/// The library calls none of these operations; the executable and other plug-ins do, on the main
-/// thread.
+/// The library itself calls none of these functions. The executable and other plug-ins call them,
+/// on the main thread.
 class OVAPP_EXPORT ExtendPluginInfo
 {
 public:
     ExtendPluginInfo();
-    /// A copy is not registered, whether its source is or not.
+    /// Copies the description. The copy is not registered, even if its source is.
     /// @{
     ExtendPluginInfo(const ExtendPluginInfo& other);
     ExtendPluginInfo& operator=(const ExtendPluginInfo& other);
     /// @}
     virtual ~ExtendPluginInfo();
 
-    /// The name by which programs know the extension; empty by default.
+    /// Returns the name that identifies the extension in code; empty by default.
     virtual QString name() const;
-    /// The name as the source text of a translation, for people; empty by default.
+    /// Returns the untranslated display name, the source text of a translation; empty by default.
     virtual QString nameForTranslate() const;
-    /// What the extension does, in a sentence for people.
+    /// Returns one sentence that describes the extension to users.
     virtual QString description() const = 0;
-    /// The board types, as a set of bits, for which the extension is of use.
+    /// Returns the board types that the extension supports, as a bit mask.
     virtual int supportedBoardTypes() const = 0;
 };
 

@@ -8,30 +8,33 @@ namespace App {
 
 class ExtendPluginInfo;
 
-/// The list of descriptions of extension plug-ins. It holds plain pointers and never calls them:
-/// whoever registers a description keeps it alive and unregisters it before destroying it. Nothing
-/// is locked: one thread uses it at a time, as a rule the main thread.
+/// The list of descriptions of extension plug-ins.
+///
+/// The registry neither owns nor calls the descriptions: keep a description alive while it is
+/// registered, and unregister it before destroying it. The registry does not lock: use it on one
+/// thread at a time, normally the main thread.
 class OVAPP_EXPORT ExtendPluginRegistry
 {
 public:
-    /// Creates the registry, empty; keeps the one that exists. `Application::init` calls it.
+    /// Creates an empty registry; does nothing if there is one. `Application::init` calls it.
     static void init();
-    /// The registry. Valid from `init` until `destruct` only; it is never made here.
+    /// Returns the registry. Call it only between `init` and `destruct`: it does not create one.
     static ExtendPluginRegistry& instance();
-    /// Deletes the registry, if there is one, but none of the descriptions.
+    /// Deletes the registry, but not the descriptions; does nothing if there is none.
     /// `Application::destruct` calls it.
     static void destruct();
 
-    /// Adds a description at the end; null and one that is registered already are ignored.
+    /// Appends a description. Does nothing if `info` is null or already registered.
     void registerExtendInfo(ExtendPluginInfo* info);
-    /// Removes a description; one that is not registered is ignored.
+    /// Removes a description. Does nothing if it is not registered.
     void unregisterExtendInfo(ExtendPluginInfo* info);
 
-    /// Whether this very description is registered.
+    /// Returns true if this description is registered.
     bool contains(ExtendPluginInfo* info);
-    /// The number of descriptions.
+    /// Returns the number of descriptions.
     int count() const;
-    /// The description at `index` in order of registration; null outside 0 to `count()` - 1.
+    /// Returns the description at `index` in order of registration; null if `index` is out of
+    /// range.
     ExtendPluginInfo* infoAt(int index);
 
 private:

@@ -2,82 +2,82 @@
 
 #include <QList>
 
-/// What the listener lists and the two registries have in common: a plain `QList` of pointers in
-/// order of registration, with no null and no duplicate in it, that owns nothing.
+/// Functions for the listener lists and the two registries: plain `QList`s of pointers in order of
+/// registration, without nulls or duplicates. A list does not own its entries.
 ///
-/// A pass calls every entry in order, and keeps its promise whatever the called objects add to the
-/// list and remove from it meanwhile, from passes inside the pass too:
+/// `forEach` calls a member function of every entry, in order. The called objects may change the
+/// list, also from nested iterations. The guarantees are:
 ///
-/// - an entry that was there before the pass reached its place, and still is, is called once;
+/// - an entry that was registered before the iteration reached its position, and still is, is
+///   called once;
 /// - an entry that is removed before its turn is not called;
-/// - an entry that is added during the pass is called in the same pass, after the others. One that
-///   is removed and added again is such an entry, whether it has been called before or not: an
-///   object that does this to itself in every call keeps the pass from ending.
+/// - an entry that is added is called in the same iteration, after the others. An entry that is
+///   removed and added again counts as added, whether it has been called or not: the iteration does
+///   not end if an object does this to itself in every call.
 ///
-/// The promise holds because each list has an element type of its own, and is used by one thread at
-/// a time: the passes under way that a change of the list concerns are those over its type.
+/// Each list must have an element type of its own and be used by one thread at a time: a change of
+/// the list adjusts the active iterations over its element type.
 ///
 /// Typical use:
 ///
 ///     void Registry::add(Entry* entry) { PointerList::add(_entries, entry); }
 ///     void Registry::remove(Entry* entry) { PointerList::remove(_entries, entry); }
-///     void Registry::startAll() { PointerList::callAll<&Entry::start>(_entries); }
+///     void Registry::startAll() { PointerList::forEach<&Entry::start>(_entries); }
 ///
-/// While a pass is under way, change the list with `add` and `remove` only, and do not destroy it.
+/// During an iteration, change the list with `add` and `remove` only, and do not destroy it.
 namespace App::PointerList {
 
-/// A pass under way over the list of `T`: where it stands. The passes over a type know of each
-/// other, so that whoever changes the list sets right every one of them. The list is never copied,
-/// and a step of a pass asks no more than whether there was a change.
+/// The position of an active iteration over the list of `T`. The active iterations over a type are
+/// linked, so that every change of the list can adjust all of them.
 template <typename T>
-class Walk
+class Iteration
 {
 public:
-    Walk() : _p_outer(_p_innermost) { _p_innermost = this; }
-    Walk(const Walk&) = delete;
-    Walk& operator=(const Walk&) = delete;
-    ~Walk() { _p_innermost = _p_outer; }
+    Iteration() : _p_outer(_p_innermost) { _p_innermost = this; }
+    Iteration(const Iteration&) = delete;
+    Iteration& operator=(const Iteration&) = delete;
+    ~Iteration() { _p_innermost = _p_outer; }
 
-    /// Tells the passes that an entry was added at the end of the list.
+    /// Adjusts the active iterations after an entry has been appended to the list.
     static void entryAdded()
     {
-        for (Walk* walk = _p_innermost; walk; walk = walk->_p_outer)
-            walk->changed = true;
+        for (Iteration* each = _p_innermost; each; each = each->_p_outer)
+            each->listChanged = true;
     }
-    /// Tells the passes that the entry at `index` was removed.
+    /// Adjusts the active iterations after the entry at `index` has been removed.
     static void entryRemoved(int index)
     {
-        for (Walk* walk = _p_innermost; walk; walk = walk->_p_outer) {
-            walk->changed = true;
-            if (index < walk->next)
-                --walk->next;
+        for (Iteration* each = _p_innermost; each; each = each->_p_outer) {
+            each->listChanged = true;
+            if (index < each->next)
+                --each->next;
         }
     }
 
-    /// The place of the entry to call next.
+    /// The index of the entry to call next.
     int next = 0;
     /// Set by every change of the list.
-    bool changed = false;
+    bool listChanged = false;
 
 private:
-    static inline Walk* _p_innermost = nullptr;
+    static inline Iteration* _p_innermost = nullptr;
 
-    /// The pass inside which this one takes place.
-    Walk* const _p_outer;
+    /// The iteration that this one is nested in, or null.
+    Iteration* const _p_outer;
 };
 
-/// Appends `entry`, unless it is null or in the list already; tells whether it did.
+/// Appends `entry`; returns false, and does nothing, if it is null or already in the list.
 template <typename T>
 bool add(QList<T*>& list, T* entry)
 {
     if (!entry || list.contains(entry))
         return false;
     list.append(entry);
-    Walk<T>::entryAdded();
+    Iteration<T>::entryAdded();
     return true;
 }
 
-/// Removes `entry` if it is in the list; the others keep their order.
+/// Removes `entry`; does nothing if it is not in the list. The other entries keep their order.
 template <typename T>
 void remove(QList<T*>& list, T* entry)
 {
@@ -85,24 +85,24 @@ void remove(QList<T*>& list, T* entry)
     if (index < 0)
         return;
     list.removeAt(index);
-    Walk<T>::entryRemoved(index);
+    Iteration<T>::entryRemoved(index);
 }
 
-/// Calls `operation` of every entry, in order, with `arguments`. They are references: every call
-/// gets the values that they have by then.
-template <auto operation, typename T, typename... Arguments>
-void callAll(const QList<T*>& list, const Arguments&... arguments)
+/// Calls `function` of every entry, in order, with `arguments`. The arguments are references: each
+/// call gets the values that they have at that time.
+template <auto function, typename T, typename... Arguments>
+void forEach(const QList<T*>& list, const Arguments&... arguments)
 {
-    Walk<T> walk;
-    while (walk.next < list.size()) {
-        // Until the list changes, its entries, its end and the walk's place stay in registers: to
-        // read them afresh at every step would take as long as the call.
-        walk.changed = false;
+    Iteration<T> iteration;
+    while (iteration.next < list.size()) {
+        // Until the list changes, its entries, its end and the position stay in registers: reading
+        // them again in every step would take as long as the call.
+        iteration.listChanged = false;
         const auto entries = list.constBegin();
         const int end = int(list.size());
-        for (int place = walk.next; place < end && !walk.changed; ++place) {
-            walk.next = place + 1;
-            (entries[place]->*operation)(arguments...);
+        for (int index = iteration.next; index < end && !iteration.listChanged; ++index) {
+            iteration.next = index + 1;
+            (entries[index]->*function)(arguments...);
         }
     }
 }
