@@ -322,7 +322,7 @@ QString connections(int all)
         QByteArray answer;
     } kinds[] = {{"status\n", R"({"document":null,"finished":0,"target":0})"},
                  {QByteArray(300, 'x'), R"({"error":"the line is too long"})"},
-                 {"stat\n", R"({"error":"unknown request; the one there is: status"})"},
+                 {"stat\n", R"({"error":"unknown request; expected 'status'"})"},
                  {}};
     const SampleSession session;
     const quint16 port = session.startChannels();

@@ -6,13 +6,13 @@
 
 int MyPlugin::supportedBoardTypes() const
 {
-    // The boards that the plug-in is for, one bit each.
+    // A bit mask: one bit for each supported board type.
     return 0x1;
 }
 
 quint64 MyPlugin::pluginID() const
 {
-    // A number of the plug-in's own: draw 16 random hexadecimal digits. 0 is refused.
+    // A unique number: choose 16 random hexadecimal digits. A plug-in with ID 0 is refused.
     return 0x3f6a91c2d80e5b47;
 }
 
@@ -30,7 +30,8 @@ void MyPlugin::start()
 
 void MyPlugin::stop()
 {
-    // Called even if the plug-in was never started: removing what was not added does no harm.
+    // Also called if the plug-in was never started. Removing an unregistered listener has no
+    // effect.
     App::Application::instance().removeNewDocumentListener(this);
 }
 

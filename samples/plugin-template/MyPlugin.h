@@ -12,12 +12,12 @@ class MyPlugin : public QObject, public App::PluginInterface, public App::NewDoc
     Q_INTERFACES(App::PluginInterface)
 
 public:
-    // What the program asks before it takes the plug-in.
+    // The program calls these before it accepts the plug-in.
     int supportedBoardTypes() const override;
     quint64 pluginID() const override;
     App::PluginInfo pluginInfo() const override;
 
-    // The plug-in's work: begin it, end it.
+    // Called after the plug-in is loaded, and before it is unloaded.
     void start() override;
     void stop() override;
 

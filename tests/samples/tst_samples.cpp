@@ -98,7 +98,7 @@ private Q_SLOTS:
         const std::clock_t spent = std::clock() - before;
         setrlimit(RLIMIT_NOFILE, &limit);
         QVERIFY(spent < CLOCKS_PER_SEC / 20);
-        QVERIFY(samples.console.lines.last().startsWith("warning: TriggerChannel::letIn"));
+        QVERIFY(samples.console.lines.last().startsWith("warning: TriggerChannel::acceptConn"));
         QCOMPARE(answers(*waiting, "status\n", 1).size(), 1);
         // One that has no more to ask is sent away.
         QCOMPARE(::shutdown(static_cast<int>(waiting->socketDescriptor()), SHUT_WR), 0);

@@ -9,7 +9,7 @@
 
 #include <memory>
 
-/// Counts the documents opened and the transactions made, over all runs of the program.
+/// Counts the created or opened documents and the transactions, over all runs of the program.
 class ProductionCounter : public QObject,
                           public App::PluginInterface,
                           public App::NewDocumentListener,
@@ -33,7 +33,7 @@ private:
     int total(const QString& key) const;
     void count(const QString& key);
 
-    /// The totals are written at every count, so that a crash costs none of them. There while the
-    /// plug-in is started.
+    /// Null unless the plug-in is started. Every count is written at once, so that none is lost in
+    /// a crash.
     std::unique_ptr<App::PluginBaseSettings> _settings;
 };

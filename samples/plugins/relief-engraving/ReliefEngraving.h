@@ -5,7 +5,7 @@
 
 #include <QObject>
 
-/// What the program shows of the extension in its list of extensions.
+/// The description that the program shows in its list of extensions.
 class ReliefEngravingInfo : public App::ExtendPluginInfo
 {
 public:
@@ -15,7 +15,7 @@ public:
     int supportedBoardTypes() const override;
 };
 
-/// An extension plug-in: it registers its description for as long as it is started.
+/// An extension plug-in. Its description is registered while the plug-in is started.
 class ReliefEngraving : public QObject, public App::ExtendPluginInterface
 {
     Q_OBJECT

@@ -4,7 +4,7 @@
 
 #include <QObject>
 
-/// A plug-in for boards of type 2 alone, those with a rotary axis; with any other board it is
+/// A plug-in for boards of type 2 only, which have a rotary axis. With any other board it is
 /// refused.
 class RotaryAxis : public QObject, public App::PluginInterface
 {

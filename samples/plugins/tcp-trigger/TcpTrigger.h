@@ -6,8 +6,8 @@
 
 #include <QObject>
 
-/// Lets a machine beside the laser ask, over the network, how far the active document has come.
-/// The plug-in registers a channel; the program starts and stops it with its other channels.
+/// Lets other programs on this computer query the print counts of the active document. The plug-in
+/// registers a channel; the program starts and stops it with its other channels.
 class TcpTrigger : public QObject, public App::PluginInterface
 {
     Q_OBJECT

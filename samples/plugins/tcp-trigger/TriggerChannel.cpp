@@ -23,10 +23,10 @@ namespace {
 constexpr int defaultPort = 27180;
 constexpr int maximumClients = 8;
 constexpr int maximumLineLength = 256; // bytes
-/// A client that asks on and on without reading the answers is sent away at this many bytes.
+/// Bytes of unread answers at which a client is disconnected.
 constexpr int maximumBacklog = 64 * 1024;
-/// How long to wait for descriptors when the program has run out of them.
-constexpr int patience = 1000; // ms
+/// Time until the next attempt to accept a client if no descriptor is free.
+constexpr int acceptRetryInterval = 1000; // ms
 
 QByteArray line(const QJsonObject& object)
 {
@@ -53,23 +53,23 @@ QByteArray status()
                  {QStringLiteral("target"), counts.targetCount()}});
 }
 
-/// Hands its clients, which are its children, on as they are let in. Kept as pending ones, they
-/// would set it accepting again.
+/// Passes each accepted client, a child of the server, to a function. It does not call
+/// addPendingConnection(), since QTcpServer resumes accepting when a pending connection is taken.
 class Server : public QTcpServer
 {
 public:
-    explicit Server(const std::function<void(QTcpSocket*)>& welcome) : _welcome(welcome) {}
+    explicit Server(const std::function<void(QTcpSocket*)>& addClient) : _addClient(addClient) {}
 
 protected:
     void incomingConnection(qintptr descriptor) override
     {
         auto* client = new QTcpSocket(this);
         client->setSocketDescriptor(descriptor);
-        _welcome(client);
+        _addClient(client);
     }
 
 private:
-    const std::function<void(QTcpSocket*)> _welcome;
+    const std::function<void(QTcpSocket*)> _addClient;
 };
 
 bool isDescriptorFree()
@@ -77,11 +77,11 @@ bool isDescriptorFree()
     return QFile(QProcess::nullDevice()).open(QIODevice::ReadOnly);
 }
 
-void sendAway(QTcpSocket* client, const QByteArray& farewell)
+void rejectClient(QTcpSocket* client, const QByteArray& message)
 {
     client->disconnect();
     QObject::connect(client, &QTcpSocket::disconnected, client, &QObject::deleteLater);
-    client->write(farewell);
+    client->write(message);
     client->disconnectFromHost();
 }
 
@@ -105,10 +105,10 @@ void TriggerChannel::start()
     bool isNumber = false;
     const int port = setting.toInt(&isNumber);
 
-    auto server = std::make_unique<Server>([this](QTcpSocket* client) { welcome(client); });
+    auto server = std::make_unique<Server>([this](QTcpSocket* client) { addClient(client); });
     Core::ConsoleSingleton& console = Core::ConsoleSingleton::instance();
     if (!isNumber || port < 0 || port > 0xffff) {
-        console.warning("TriggerChannel::start: %s is no port",
+        console.warning("TriggerChannel::start: '%s' is not a valid port",
                         setting.toString().toLocal8Bit().constData());
         return;
     }
@@ -119,25 +119,25 @@ void TriggerChannel::start()
     }
     console.log("TriggerChannel::start: listening on port %d", int(server->serverPort()));
     _server = std::move(server);
-    // Left to itself, the server tries again at once and for ever when there is no descriptor for a
-    // client, or never again, as its first failure was.
+    // If no descriptor is free, QTcpServer either retries in an endless loop or never accepts
+    // again, depending on how the first attempt fails.
     _server->pauseAccepting();
-    _knocking =
+    _acceptNotifier =
         std::make_unique<QSocketNotifier>(_server->socketDescriptor(), QSocketNotifier::Read);
-    QObject::connect(_knocking.get(), &QSocketNotifier::activated, _server.get(),
-                     [this] { letIn(); });
+    QObject::connect(_acceptNotifier.get(), &QSocketNotifier::activated, _server.get(),
+                     [this] { acceptConnection(); });
 }
 
 void TriggerChannel::stop()
 {
     if (!_server)
         return;
-    _knocking.reset();
+    _acceptNotifier.reset();
     _server.reset();
     Core::ConsoleSingleton::instance().log("TriggerChannel::stop: no longer listening");
 }
 
-void TriggerChannel::letIn()
+void TriggerChannel::acceptConnection()
 {
     if (isDescriptorFree()) {
         _isOutOfDescriptors = false;
@@ -146,17 +146,18 @@ void TriggerChannel::letIn()
     }
     if (!_isOutOfDescriptors) {
         Core::ConsoleSingleton::instance().warning(
-            "TriggerChannel::letIn: no client can be let in until descriptors are free");
+            "TriggerChannel::acceptConnection: cannot accept clients: no file descriptor is free");
     }
     _isOutOfDescriptors = true;
-    _knocking->setEnabled(false);
-    QTimer::singleShot(patience, _knocking.get(), [this] { _knocking->setEnabled(true); });
+    _acceptNotifier->setEnabled(false);
+    QTimer::singleShot(acceptRetryInterval, _acceptNotifier.get(),
+                       [this] { _acceptNotifier->setEnabled(true); });
 }
 
-void TriggerChannel::welcome(QTcpSocket* client)
+void TriggerChannel::addClient(QTcpSocket* client)
 {
     if (_server->findChildren<QTcpSocket*>().size() > maximumClients) {
-        sendAway(client, error("too many clients; try again later"));
+        rejectClient(client, error("too many clients; try again later"));
         return;
     }
     QObject::connect(client, &QTcpSocket::disconnected, client, &QObject::deleteLater);
@@ -170,12 +171,11 @@ void TriggerChannel::answerLines(QTcpSocket* client)
         const QByteArray text = client->readLine(maximumLineLength + 2);
         const QByteArray request = text.trimmed();
         if (!text.endsWith('\n') || request.size() > maximumLineLength) {
-            sendAway(client, error("the line is too long"));
+            rejectClient(client, error("the line is too long"));
             return;
         }
-        client->write(request == "status" ? status()
-                                          : error("unknown request; the one there is: status"));
-        // What the client has not read yet, and the system does not take, is the backlog.
+        client->write(request == "status" ? status() : error("unknown request; expected 'status'"));
+        // The backlog is the data that the system's send buffer does not take.
         client->flush();
         if (client->bytesToWrite() > maximumBacklog) {
             client->abort();
@@ -183,5 +183,5 @@ void TriggerChannel::answerLines(QTcpSocket* client)
         }
     }
     if (client->bytesAvailable() > maximumLineLength + 1)
-        sendAway(client, error("the line is too long"));
+        rejectClient(client, error("the line is too long"));
 }

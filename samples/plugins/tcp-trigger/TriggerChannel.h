@@ -8,13 +8,13 @@ class QSocketNotifier;
 class QTcpServer;
 class QTcpSocket;
 
-/// Answers lines of text on a port of the loopback address, which is the value "Server/port" of
-/// the plug-in's settings: 27180 by default, 0 for any that is free.
+/// A TCP server on the loopback address that answers requests about the active document. The port
+/// is the value "Server/port" of the plug-in's settings: 27180 by default, 0 for any free port.
 ///
-/// The one request is `status`; its answer is one line of JSON: {"document": the path or null,
-/// "finished": a number, "target": a number}. To any other line the answer is {"error": a text}.
-/// Lines end with a line feed, with or without a carriage return before it. A client that has said
-/// all that it has to say, and closes its end, is answered and sent away.
+/// The only request is the line `status`. The answer is one line of JSON: {"document": path or
+/// null, "finished": number, "target": number}. The answer to any other line is {"error": text}.
+/// Lines end with a line feed, optionally after a carriage return. When a client shuts down its
+/// sending side, the server answers the remaining requests and closes the connection.
 class TriggerChannel : public App::CommInfo
 {
 public:
@@ -22,19 +22,20 @@ public:
     ~TriggerChannel() override;
 
     QString name() const override;
-    /// Listens; logs where, or why it cannot. Does nothing while it listens.
+    /// Starts listening and logs the port, or the reason if it cannot listen. Does nothing if the
+    /// channel is started.
     void start() override;
     /// Stops listening and closes every connection.
     void stop() override;
 
 private:
-    void letIn();
-    void welcome(QTcpSocket* client);
+    void acceptConnection();
+    void addClient(QTcpSocket* client);
     void answerLines(QTcpSocket* client);
 
-    /// There while the channel is started; its clients are its children.
+    /// Null unless the channel is started. The clients are its children.
     std::unique_ptr<QTcpServer> _server;
-    /// Tells of clients that want to be let in.
-    std::unique_ptr<QSocketNotifier> _knocking;
+    /// Activated when a client waits to be accepted.
+    std::unique_ptr<QSocketNotifier> _acceptNotifier;
     bool _isOutOfDescriptors = false;
 };
