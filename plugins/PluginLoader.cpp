@@ -218,7 +218,7 @@ PluginRecord PluginLoader::recordOf(const QString& file, QPluginLoader& loader)
 {
     PluginRecord record;
     record.filePath = file;
-    record.reason = System::libraryFileProblem(file);
+    record.reason = System::libraryFileError(file);
     if (!record.reason.isEmpty())
         return record;
     loader.setFileName(file);

@@ -78,7 +78,7 @@ public:
 
     /// Loads a file, even if it is loaded already, and returns its root object; null if it is not a
     /// Qt plug-in, cannot be loaded, or the object's constructor throws. Unlike `QPluginLoader` it
-    /// does not open a file that `System::libraryFileProblem` rejects, with which Qt or the
+    /// does not open a file that `System::libraryFileError` rejects, with which Qt or the
     /// system's own loader would crash: the loader then has no file. It also resolves all symbols
     /// at once, as Windows always does: a plug-in that lacks a function is refused here, instead of
     /// ending the program when it first calls it.

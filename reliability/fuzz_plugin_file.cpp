@@ -71,7 +71,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uchar* data, std::size_t size)
 
     const QString path = fuzzedFile("plugin.dll");
     writeFile(path, file);
-    const bool passed = System::libraryFileProblem(path).isEmpty();
+    const bool passed = System::libraryFileError(path).isEmpty();
     require(!passed || !isOnlyCut, "a plug-in that was cut short is refused");
     const bool isPlugin = passed && !QPluginLoader(path).metaData().isEmpty();
     require(isPlugin || file != plugin.file, "an undamaged plug-in passes");

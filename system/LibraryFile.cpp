@@ -23,27 +23,27 @@ namespace System {
 
 namespace {
 
-QString unreadable(const QString& reason)
+QString readError(const QString& reason)
 {
     return QStringLiteral("it cannot be read: %1").arg(reason);
 }
 
 QString notRegular()
 {
-    return QStringLiteral("it is no regular file");
+    return QStringLiteral("it is not a regular file");
 }
 
-QString noLibrary()
+QString notLibrary()
 {
-    return QStringLiteral("it is no library of this system");
+    return QStringLiteral("it is not a library for this system");
 }
 
 QString damaged()
 {
-    return QStringLiteral("it is cut short or damaged");
+    return QStringLiteral("it is truncated or damaged");
 }
 
-/// Whether a part of a file lies within its size, however large the numbers are.
+/// Returns true if the part is within a file of this size. Does not overflow.
 bool isWithin(quint64 size, quint64 offset, quint64 length)
 {
     return offset <= size && length <= size - offset;
@@ -56,7 +56,7 @@ bool readAt(int file, quint64 offset, void* data, std::size_t size)
     return ::pread(file, data, size, static_cast<off_t>(offset)) == static_cast<ssize_t>(size);
 }
 
-bool holdsItsSegments(int file, quint64 size, const ElfW(Ehdr) & header)
+bool containsSegments(int file, quint64 size, const ElfW(Ehdr) & header)
 {
     std::vector<ElfW(Phdr)> segments(header.e_phnum);
     return header.e_phentsize == sizeof(ElfW(Phdr)) &&
@@ -66,8 +66,8 @@ bool holdsItsSegments(int file, quint64 size, const ElfW(Ehdr) & header)
            });
 }
 
-/// Qt looks for its metadata among the sections, by their names.
-bool holdsItsSections(int file, quint64 size, const ElfW(Ehdr) & header)
+/// Checks the section table too, in which Qt looks up its metadata by name.
+bool containsSections(int file, quint64 size, const ElfW(Ehdr) & header)
 {
     if (header.e_shnum == 0)
         return header.e_shoff == 0;
@@ -87,21 +87,21 @@ bool holdsItsSections(int file, quint64 size, const ElfW(Ehdr) & header)
            readAt(file, names.sh_offset + names.sh_size - 1, &end, 1) && end == '\0';
 }
 
-QString problemOf(int file, quint64 size)
+QString fileError(int file, quint64 size)
 {
     constexpr int ownClass = sizeof(void*) == 8 ? ELFCLASS64 : ELFCLASS32;
     constexpr int ownByteOrder = Q_BYTE_ORDER == Q_LITTLE_ENDIAN ? ELFDATA2LSB : ELFDATA2MSB;
     ElfW(Ehdr) header;
     const ssize_t count = ::pread(file, &header, sizeof header, 0);
     if (count < 0)
-        return unreadable(qt_error_string(errno));
+        return readError(qt_error_string(errno));
     if (count < SELFMAG || std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0)
-        return noLibrary();
+        return notLibrary();
     if (count < static_cast<ssize_t>(sizeof header))
         return damaged();
     if (header.e_ident[EI_CLASS] != ownClass || header.e_ident[EI_DATA] != ownByteOrder)
-        return noLibrary();
-    return holdsItsSegments(file, size, header) && holdsItsSections(file, size, header) ? QString()
+        return notLibrary();
+    return containsSegments(file, size, header) && containsSections(file, size, header) ? QString()
                                                                                         : damaged();
 }
 
@@ -115,9 +115,9 @@ bool readAt(QFile& file, qint64 offset, void* data, std::size_t size)
     return file.seek(offset) && file.read(static_cast<char*>(data), length) == length;
 }
 
-/// Whether the file is as long as its sections want it, and names what it imports: where the rest
-/// of a file is missing or has come out as zeros, it crashes as soon as it is loaded.
-bool holdsItsSections(QFile& file, const IMAGE_DOS_HEADER& dos)
+/// Returns true if the file contains all its sections and the name of an imported DLL. If the end
+/// of a file is missing or consists of zeros, loading it crashes.
+bool containsSections(QFile& file, const IMAGE_DOS_HEADER& dos)
 {
     IMAGE_NT_HEADERS header;
     if (!readAt(file, dos.e_lfanew, &header, sizeof header) ||
@@ -155,42 +155,42 @@ bool holdsItsSections(QFile& file, const IMAGE_DOS_HEADER& dos)
 
 #ifdef Q_OF_ELF
 
-QString libraryFileProblem(const QString& path)
+QString libraryFileError(const QString& path)
 {
-    // Plain system calls: QFile would double what this adds to the loading of every library.
+    // Plain system calls: QFile would double the time that this check adds to loading a library.
     const QByteArray name = QFile::encodeName(path);
     struct stat status;
     if (::stat(name.constData(), &status) != 0)
-        return unreadable(qt_error_string(errno));
+        return readError(qt_error_string(errno));
     if (!S_ISREG(status.st_mode))
         return notRegular();
     const int file = ::open(name.constData(), O_RDONLY | O_CLOEXEC);
     if (file < 0)
-        return unreadable(qt_error_string(errno));
-    QString problem = problemOf(file, static_cast<quint64>(status.st_size));
+        return readError(qt_error_string(errno));
+    QString error = fileError(file, static_cast<quint64>(status.st_size));
     ::close(file);
-    return problem;
+    return error;
 }
 
 #elif defined(Q_OS_WIN)
 
-QString libraryFileProblem(const QString& path)
+QString libraryFileError(const QString& path)
 {
     const QFileInfo info(path);
     if (info.exists() && !info.isFile())
         return notRegular();
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
-        return unreadable(file.errorString());
+        return readError(file.errorString());
     IMAGE_DOS_HEADER dos;
     if (!readAt(file, 0, &dos.e_magic, sizeof dos.e_magic) || dos.e_magic != IMAGE_DOS_SIGNATURE)
-        return noLibrary();
-    return readAt(file, 0, &dos, sizeof dos) && holdsItsSections(file, dos) ? QString() : damaged();
+        return notLibrary();
+    return readAt(file, 0, &dos, sizeof dos) && containsSections(file, dos) ? QString() : damaged();
 }
 
 #else
 
-QString libraryFileProblem(const QString&)
+QString libraryFileError(const QString&)
 {
     return QString();
 }

@@ -6,14 +6,13 @@
 
 namespace System {
 
-/// What keeps a file from being loaded as a library, in words that follow "because"; empty when
-/// nothing does, as far as can be told from its tables.
+/// Returns the reason why a file cannot be loaded as a library, as a clause such as "it is not a
+/// regular file"; empty if its tables are valid.
 ///
-/// Whoever has the system or Qt load a file asks this first. Where files are ELF, the system maps
-/// what a file says it holds without asking how long it is, and one that was cut short ends the
-/// program with a signal; so does Qt where it follows a table that leads out of the file. Only a
-/// regular file is opened, since others may block. A file that is no library costs one look at how
-/// it begins. May be called from any thread.
-OVSYSTEM_EXPORT QString libraryFileProblem(const QString& path);
+/// Call this before the system or Qt loads a file. The loader of ELF systems maps segments without
+/// checking the file size, and a truncated file crashes the program; so does Qt if a table refers
+/// to data beyond the end of the file. Only regular files are opened, since others may block. If
+/// the file is not a library, only its header is read. May be called from any thread.
+OVSYSTEM_EXPORT QString libraryFileError(const QString& path);
 
 } // namespace System

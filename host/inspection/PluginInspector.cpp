@@ -105,7 +105,7 @@ std::vector<PluginReport> PluginInspector::examine(const QStringList& files)
     killChildrenOnExit();
     std::vector<PluginReport> reports(files.cbegin(), files.cend());
     for (PluginReport& report : reports) {
-        const QString problem = System::libraryFileProblem(report.text(QStringLiteral("file")));
+        const QString problem = System::libraryFileError(report.text(QStringLiteral("file")));
         if (problem.isEmpty())
             _waiting.push_back(&report);
         else

@@ -323,7 +323,7 @@ private Q_SLOTS:
                               "\"com.quillmere.beamforge.PluginInterface/1.0\"; name "
                               "App::PluginInterface in its Q_INTERFACES"_s,
                               "no-identifier||pluginID() is 0; give the plug-in an identifier"_s,
-                              "no-plugin||"_s + System::libraryFileProblem(files.at(4)),
+                              "no-plugin||"_s + System::libraryFileError(files.at(4)),
                               "accepted|PluginA|"_s}));
 
         // The plug-in of a file that is gone stays loaded, through the link too.

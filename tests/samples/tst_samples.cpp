@@ -154,7 +154,7 @@ private Q_SLOTS:
             {"accepted.dll"_s, samples + "rotary-axis.dll"_s, "accepted", "accepted"},
             {"board.dll"_s, samples + "relief-engraving.dll"_s, "other-board",
              "supportedBoardTypes() is 0x5"},
-            {"cut.dll"_s, samples + "rotary-axis.dll"_s, "no-plugin", "cut short"},
+            {"cut.dll"_s, samples + "rotary-axis.dll"_s, "no-plugin", "truncated"},
             {"interface.dll"_s, others + "OtherInterface.dll"_s, "no-interface", "Q_INTERFACES"},
             {"nobody.dll"_s, others + "PluginWithoutIdentifier.dll"_s, "no-identifier",
              "pluginID() is 0"},
