@@ -8,17 +8,18 @@ namespace Core {
 class OVCORE_EXPORT BoardEthDescHandler
 {
 public:
-    /// Creates the service; the current board type is the setting "Board/type", 1 when it is
-    /// absent or no number. Does nothing while the service exists.
+    /// Creates the object. The current board type is the setting "Board/type", or 1 if the setting
+    /// is missing or not a number. Does nothing if the object exists.
     static void init();
-    /// Deletes the service; does nothing when there is none.
+    /// Deletes the object; does nothing if there is none.
     static void destruct();
-    /// The service, or null before `init` and after `destruct`.
+    /// Returns the object; null before `init` and after `destruct`.
     static BoardEthDescHandler* instance();
 
-    /// The type of the board in use: a set of bits, compared with a plug-in's mask.
+    /// Returns the type of the board in use: a bit mask, which is compared with the mask of each
+    /// plug-in.
     int currentBoardEthDescType() const;
-    /// Changes the type for this run; the setting stays as it is.
+    /// Changes the type for this run; the setting is unchanged.
     void setCurrentBoardEthDescType(int type);
 
 private:

@@ -6,12 +6,12 @@ class QByteArray;
 
 namespace Core {
 
-/// Receives the lines of the console service; attach it with `ConsoleSingleton::attachObserver`
-/// and detach it before it is destroyed.
+/// Receives the lines that are logged. Attach it with `ConsoleSingleton::attachObserver`, and
+/// detach it before destroying it.
 class OVCORE_EXPORT ConsoleObserver
 {
 public:
-    /// What kind of line it is: written by `log` or by `warning`.
+    /// The severity of a line: written by `log` or by `warning`.
     enum class Severity
     {
         Log,
@@ -20,8 +20,8 @@ public:
 
     virtual ~ConsoleObserver();
 
-    /// Receives one line: the formatted text as it is, with no terminator added and none removed.
-    /// Called on the thread that logs, never on two threads at once.
+    /// Receives one line: the formatted text, without an added terminator. Called on the thread
+    /// that logs, but never on two threads at once.
     virtual void write(Severity severity, const QByteArray& line) = 0;
 };
 

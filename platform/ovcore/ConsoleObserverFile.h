@@ -10,27 +10,27 @@ class QString;
 
 namespace Core {
 
-/// Appends what is logged to a file, one line a call. Others, in this process or another, may
-/// append to it too.
+/// Appends the log to a file, one line per call. Other observers, also of other processes, may
+/// append to the same file.
 class OVCORE_EXPORT ConsoleObserverFile : public ConsoleObserver
 {
 public:
-    /// Opens `fileName`, which lies in the application directory when it is relative, for
-    /// appending. When it cannot be opened the observer drops what it receives.
+    /// Opens `fileName` for appending. A relative name is resolved against the application
+    /// directory. If the file cannot be opened, the observer ignores all lines.
     explicit ConsoleObserverFile(const QString& fileName);
     ConsoleObserverFile(const ConsoleObserverFile&) = delete;
     ConsoleObserverFile& operator=(const ConsoleObserverFile&) = delete;
     ~ConsoleObserverFile() override;
 
-    /// Writes the text and a line feed, and hands both to the system before it returns. Control
-    /// characters inside the text are written as "\n", "\r", "\t" or "\x" and two hexadecimal
-    /// digits, and a backslash as two, so that it stays one line that can be read back. What a full
-    /// disk has cut short is ended before the next line begins.
+    /// Writes the text and a line feed, and passes both to the system before it returns. Control
+    /// characters in the text are written as "\n", "\r", "\t" or "\x" and two hexadecimal digits,
+    /// and a backslash as two backslashes: the text is one line, from which the original can be
+    /// restored. A line that a full disk has truncated is terminated before the next one.
     void write(Severity severity, const QByteArray& line) override;
 
 private:
     std::unique_ptr<QFile> _p_file;
-    /// Whether the file's last line was cut short.
+    /// True if the last line of the file is truncated.
     bool _endsWithinLine = false;
 };
 

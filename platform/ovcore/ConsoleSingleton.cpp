@@ -20,7 +20,7 @@ QByteArray formatted(const char* format, va_list arguments)
     if (length < 0) {
         line = format;
     } else {
-        // With room for the terminating NUL: an empty array's memory may not be written to.
+        // Includes the terminating NUL, since the memory of an empty array must not be written.
         line.resize(length + 1);
         std::vsnprintf(line.data(), static_cast<std::size_t>(length) + 1, format, again);
         line.chop(1);
@@ -36,7 +36,7 @@ void writeToAll(const QList<ConsoleObserver*>& observers, ConsoleObserver::Sever
         return;
 
     const QByteArray line = formatted(format, arguments);
-    // An observer that is called may attach and detach others.
+    // Observers may attach and detach observers.
     // NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
     const QList<ConsoleObserver*> attached = observers;
     for (ConsoleObserver* observer : attached) {

@@ -4,14 +4,14 @@
 
 namespace Core {
 
-/// The base of everything a document holds.
+/// The base class of all objects in a document.
 class OVCORE_EXPORT Object
 {
 public:
     virtual ~Object();
 
-    /// Registers the property types of the class, once. Property types are plain numbers in this
-    /// implementation (see `PropertyTypeID`), so there is nothing to enter anywhere.
+    /// Registers the property types of the class; called once. Does nothing in this implementation,
+    /// in which property types are plain numbers (see `PropertyTypeID`).
     static void initPropertyType();
 };
 

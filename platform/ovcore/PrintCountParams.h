@@ -1,19 +1,19 @@
 #pragma once
 
-/// What has to do with marking itself.
+/// Classes that describe the marking process.
 namespace Laser {
 
-/// How many prints of a document are done and how many are wanted.
+/// The number of finished prints of a document, and the target number.
 class PrintCountParams
 {
 public:
-    /// Prints finished so far; 0 in a new record.
+    /// The number of finished prints; 0 by default.
     /// @{
     int finishedCount() const { return _finishedCount; }
     void setFinishedCount(int count) { _finishedCount = count; }
     /// @}
 
-    /// Prints wanted; 0 in a new record.
+    /// The target number of prints; 0 by default.
     /// @{
     int targetCount() const { return _targetCount; }
     void setTargetCount(int count) { _targetCount = count; }

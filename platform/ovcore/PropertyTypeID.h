@@ -2,19 +2,18 @@
 
 namespace Core {
 
-/// The identifier of an object property: a number, -1 for none.
+/// The identifier of an object property: a number, or -1 for none.
 class PropertyTypeID
 {
 public:
-    /// A number converts to an identifier, and is had back as it was given.
+    /// Converts a number to an identifier and back.
     /// @{
-    // A number stands for a property wherever one is wanted.
-    // cppcheck-suppress noExplicitConstructor
+    // cppcheck-suppress noExplicitConstructor; implicit, so that numbers can be passed
     PropertyTypeID(int value) : _value(value) {}
     int value() const { return _value; }
     /// @}
 
-    /// Identifiers are the same where their numbers are.
+    /// Compares the numbers.
     /// @{
     bool operator==(const PropertyTypeID& other) const { return _value == other._value; }
     bool operator!=(const PropertyTypeID& other) const { return _value != other._value; }

@@ -4,8 +4,8 @@
 
 namespace Core {
 
-/// The backup service, as far as start-up and shutdown need it: nothing in this program asks for a
-/// backup, so being up takes no resources.
+/// A substitute for the backup service. It only has the functions for start-up and shutdown, which
+/// do nothing: this program creates no backups.
 class OVCORE_EXPORT SystemBackupManager
 {
 public:

@@ -4,8 +4,8 @@
 
 namespace Core {
 
-/// The timer service, as far as start-up and shutdown need it: nothing in this program asks for a
-/// timer, so being up takes no resources.
+/// A substitute for the timer service. It only has the functions for start-up and shutdown, which
+/// do nothing: this program uses none of its timers.
 class OVCORE_EXPORT SystemTimerManager
 {
 public:

@@ -8,7 +8,7 @@ namespace Core {
 class OVCORE_EXPORT Version
 {
 public:
-    /// The version as NUL-terminated text, "major.minor.patch".
+    /// Returns the version as a NUL-terminated string, "major.minor.patch".
     static const char* versionString();
 };
 

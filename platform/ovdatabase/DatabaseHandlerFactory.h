@@ -4,8 +4,8 @@
 
 namespace Database {
 
-/// The makers of database handlers, as far as start-up and shutdown need them: nothing in this
-/// program asks for a handler, so being up takes no resources.
+/// A substitute for the factory of database handlers. It only has the functions for start-up and
+/// shutdown, which do nothing: this program uses no database handlers.
 class OVDATABASE_EXPORT DatabaseHandlerFactory
 {
 public:

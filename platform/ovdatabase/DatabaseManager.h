@@ -2,11 +2,11 @@
 
 #include <ovdatabase_export.h>
 
-/// The program's databases. This implementation has none: what is here can be brought up and down.
+/// The program's databases. This implementation has none.
 namespace Database {
 
-/// The database connections, as far as start-up and shutdown need them: nothing in this program
-/// opens one, so being up takes no resources.
+/// A substitute for the database connections. It only has the functions for start-up and shutdown,
+/// which do nothing: this program opens no connections.
 class OVDATABASE_EXPORT DatabaseManager
 {
 public:

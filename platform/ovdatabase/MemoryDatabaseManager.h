@@ -4,8 +4,8 @@
 
 namespace Database {
 
-/// The databases in memory, as far as start-up and shutdown need them: nothing in this program
-/// makes one, so being up takes no resources.
+/// A substitute for the in-memory databases. It only has the functions for start-up and shutdown,
+/// which do nothing: this program creates no databases.
 class OVDATABASE_EXPORT MemoryDatabaseManager
 {
 public:

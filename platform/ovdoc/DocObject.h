@@ -6,7 +6,7 @@
 
 namespace Doc {
 
-/// A document's document-wide object: what belongs to the document as a whole.
+/// The object with the properties of a document as a whole.
 class OVDOC_EXPORT DocObject : public Core::Object
 {
 public:
@@ -15,9 +15,9 @@ public:
     /// Registers the property types of the class, as `Core::Object::initPropertyType` does.
     static void initPropertyType();
 
-    /// A copy of the document's print-count record.
+    /// Returns a copy of the print counts.
     Laser::PrintCountParams printCountData() const;
-    /// Replaces the record, with no transaction and so no undo step.
+    /// Sets the print counts, without a transaction and therefore without an undo step.
     void setPrintCountData(const Laser::PrintCountParams& printCount);
 
 private:

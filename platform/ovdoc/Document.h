@@ -6,38 +6,38 @@
 
 #include <memory>
 
-/// Documents and what they hold.
+/// Documents and their objects.
 namespace Doc {
 
 class Storage;
 
-/// A document and the file that it is read from and saved to.
+/// A document, which is loaded from and saved to a file.
 ///
-/// On disk it is a JSON object in UTF-8: "format" is "ovdoc", "version" is 1, and "printCount"
-/// holds the counts "finished" and "target", 32-bit integers that count as 0 where they are
-/// missing. A file that names one of these members twice is no document. Every other member, inside
-/// "printCount" too, is kept and written back.
+/// The file contains a JSON object in UTF-8: "format" is "ovdoc", "version" is 1, and "printCount"
+/// is an object with the counts "finished" and "target", 32-bit integers that default to 0. Files
+/// with other values or with duplicates of these members are rejected. All other members, inside
+/// "printCount" too, are kept and saved.
 class OVDOC_EXPORT Document
 {
 public:
-    /// A new, empty document without a path on `storage`, which it owns from then on.
+    /// Creates an empty document without a path; takes ownership of `storage`.
     explicit Document(Storage* storage);
     Document(const Document&) = delete;
     Document& operator=(const Document&) = delete;
     virtual ~Document();
 
-    /// Loads the file and makes `path` the document's. Anything but a regular file that holds a
-    /// document gives false and leaves this one as it was.
+    /// Loads the document from `path`, which becomes its file path. Returns false, and leaves the
+    /// document unchanged, if `path` is not a readable regular file with a valid document.
     bool open(const QString& path);
-    /// Writes the document to `filePath()`: all of it, or nothing and false.
+    /// Saves the document to `filePath()`. Returns false on failure; the file is then unchanged.
     bool save() const;
 
-    /// The path that the document was opened from or will be saved to, as it was given.
+    /// Returns the path as it was passed to `setFilePath` or the last successful `open`.
     QString filePath() const;
-    /// Says where `save` writes to; no file is touched before.
+    /// Sets the path that `save` writes to. Does not access the file.
     void setFilePath(const QString& path);
 
-    /// The document's objects; never null.
+    /// Returns the document's objects; never null.
     Storage* storage() const;
 
 private:

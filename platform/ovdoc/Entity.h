@@ -5,7 +5,7 @@
 
 namespace Doc {
 
-/// Something that is marked: the base of every kind of shape.
+/// An object that is marked: the base class of all shapes.
 class OVDOC_EXPORT Entity : public Core::Object
 {
 public:

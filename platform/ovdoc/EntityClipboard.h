@@ -4,8 +4,8 @@
 
 namespace Doc {
 
-/// The entity clipboard, as far as start-up and shutdown need it: documents of this implementation
-/// hold no entities, so there is nothing to keep.
+/// A substitute for the entity clipboard. It only has the functions for start-up and shutdown,
+/// which do nothing: documents of this implementation contain no entities.
 class OVDOC_EXPORT EntityClipboard
 {
 public:

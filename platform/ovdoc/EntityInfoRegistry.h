@@ -4,8 +4,8 @@
 
 namespace Doc {
 
-/// The kinds of entities, as far as start-up and shutdown need them: documents of this
-/// implementation hold no entities, so there is no kind to register.
+/// A substitute for the registry of entity types. It only has the functions for start-up and
+/// shutdown, which do nothing: documents of this implementation contain no entities.
 class OVDOC_EXPORT EntityInfoRegistry
 {
 public:

@@ -5,7 +5,7 @@
 
 namespace Doc {
 
-/// An entity made of others.
+/// An entity that consists of other entities.
 class OVDOC_EXPORT GroupEntity : public Entity
 {
 public:

@@ -5,7 +5,7 @@
 
 namespace Doc {
 
-/// A group whose members keep properties of their own.
+/// A group whose members keep their own properties.
 class OVDOC_EXPORT ObjectGroupEntity : public GroupEntity
 {
 public:

@@ -7,8 +7,8 @@
 
 namespace Doc {
 
-/// The members of a JSON object as text. Replacing the value of one member leaves the others
-/// unchanged to the letter; QJsonDocument would round integers beyond 53 bits.
+/// The members of a JSON object as text. Replacing the value of one member does not change a single
+/// character of the others; QJsonDocument would round integers beyond 53 bits.
 class RawJsonObject
 {
 public:

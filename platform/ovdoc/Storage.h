@@ -12,13 +12,13 @@ class DocObject;
 class OVDOC_EXPORT Storage
 {
 public:
-    /// A storage with nothing but a document-wide object whose counts are 0.
+    /// Creates a storage that only contains a document-wide object with counts of 0.
     Storage();
     Storage(const Storage&) = delete;
     Storage& operator=(const Storage&) = delete;
     ~Storage();
 
-    /// The document-wide object, read directly; never null.
+    /// Returns the document-wide object; never null.
     QSharedPointer<DocObject> queryDocObjectDirect() const;
 
 private:

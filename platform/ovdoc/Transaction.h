@@ -6,12 +6,11 @@
 
 namespace Doc {
 
-/// One change of a document, by its name. Copies are cheap: they share the name until one of them
-/// changes it.
+/// A change of a document, with its name. Copies are cheap: the name is implicitly shared.
 class OVDOC_EXPORT Transaction
 {
 public:
-    /// A change of that name, or with that of another.
+    /// Creates a transaction with this name, or a copy.
     /// @{
     explicit Transaction(const QString& name = QString());
     Transaction(const Transaction& other);
@@ -19,7 +18,7 @@ public:
     /// @}
     ~Transaction();
 
-    /// What the user sees in the list of changes; empty when the change has no name.
+    /// The name that the list of changes shows to the user; may be empty.
     /// @{
     QString name() const;
     void setName(const QString& name);

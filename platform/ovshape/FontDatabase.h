@@ -4,25 +4,25 @@
 
 #include <QStringList>
 
-/// The fonts that texts are marked in.
+/// The fonts in which text is marked.
 namespace FontLibrary {
 
 /// The font files that the program may use. Main thread only.
 class OVSHAPE_EXPORT FontDatabase
 {
 public:
-    /// The one database; it exists for as long as the program runs.
+    /// Returns the only object; it exists until the program ends.
     static FontDatabase& instance();
 
     FontDatabase(const FontDatabase&) = delete;
     FontDatabase& operator=(const FontDatabase&) = delete;
 
-    /// Adds the font files (.ttf, .otf and .ttc, in any letter case) of a directory, in the order
-    /// of their paths; with `recursive`, those of its subdirectories too. A file that is known
-    /// already is not added again; a missing directory holds none.
+    /// Adds the font files (.ttf, .otf and .ttc, case-insensitive) of a directory, sorted by path;
+    /// with `recursive`, also those of its subdirectories. Files that are already in the database
+    /// are not added again. Does nothing if the directory does not exist.
     void addFontsFromDirectory(const QString& directory, bool recursive);
 
-    /// The absolute paths of the files added so far, in the order in which they were added.
+    /// Returns the absolute paths of all files, in the order in which they were added.
     QStringList fontFiles() const;
 
 private:

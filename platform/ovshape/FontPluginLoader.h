@@ -4,8 +4,8 @@
 
 namespace FontLibrary {
 
-/// The font plug-ins, as far as start-up and shutdown need them: the font database reads the common
-/// outline formats by itself, so there is none to load.
+/// A substitute for the loader of font plug-ins. It only has the functions for start-up and
+/// shutdown, which do nothing: the font database needs no plug-ins.
 class OVSHAPE_EXPORT FontPluginLoader
 {
 public:
