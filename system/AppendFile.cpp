@@ -23,8 +23,8 @@ constexpr QIODevice::OpenMode openMode =
 
 bool openForAppending(QFile& file, WriteMode mode)
 {
-    // Qt would go to the end of the file once, at the start. Only a handle that may append and
-    // nothing else always writes there.
+    // QFile would seek to the end only once, when it opens the file. A handle with no other right
+    // than FILE_APPEND_DATA always writes at the end.
     const QString path = QDir::toNativeSeparators(file.fileName());
     const DWORD flags = mode == WriteMode::WriteThrough ? FILE_FLAG_WRITE_THROUGH : 0;
     const HANDLE handle =

@@ -6,18 +6,18 @@ class QFile;
 
 namespace System {
 
-/// Whether what is written may wait in the system's cache, or goes to the disk at once. Windows
-/// tells those who watch a file of a change when it reaches the disk; elsewhere it makes no
-/// difference.
+/// Whether the system may cache written data, or writes it to the disk at once. File watchers on
+/// Windows are notified only when the data reaches the disk. Other systems ignore the mode.
 enum class WriteMode
 {
     Cached,
     WriteThrough
 };
 
-/// Opens a file, which is created if there is none, for unbuffered writing at its end: also where
-/// others write to it, or empty it, meanwhile, so that no one writes over what another has written.
-/// Others may read and remove it. False when it cannot be opened.
+/// Opens a file for unbuffered appending; creates the file if it does not exist. Every write goes
+/// to the current end of the file, even if others append to the file or truncate it: no writer
+/// overwrites the data of another. Others may read and remove the file. Returns false if the file
+/// cannot be opened.
 OVSYSTEM_EXPORT bool openForAppending(QFile& file, WriteMode mode = WriteMode::Cached);
 
 } // namespace System

@@ -31,7 +31,7 @@ qint64 startDetached(const QString& program, const QStringList& arguments,
         call->startupInfo->hStdError = handle;
     });
 #else
-    // The channels are not merged, since that does not reach a detached process.
+    // QProcess ignores MergedChannels for detached processes.
     process.setStandardOutputFile(outputFilePath, QIODevice::Append);
     process.setStandardErrorFile(outputFilePath, QIODevice::Append);
 #endif

@@ -7,13 +7,13 @@
 
 namespace System {
 
-/// Starts a program as a process of its own, which this one neither waits for nor stops, and has
-/// both its output channels appended to a file. Others may write to the file too, and may read it,
-/// empty it and, for as long as nothing holds it open, remove it meanwhile: no one writes over what
-/// another has written. A program named without a path is looked for where the system looks.
+/// Starts a program in a detached process, and appends its standard output and standard error to a
+/// file. A program name without a path is searched for as the system does.
 ///
-/// Returns the identifier of the process, or 0 when the file cannot be opened or the program not
-/// started.
+/// Others may append to the file, truncate and read it at the same time, and remove it while no
+/// process has it open. No writer overwrites the data of another.
+///
+/// Returns the process ID; 0 if the file cannot be opened or the program cannot be started.
 OVSYSTEM_EXPORT qint64 startDetached(const QString& program, const QStringList& arguments,
                                      const QString& outputFilePath);
 

@@ -20,8 +20,8 @@ namespace {
 /// Keeps the system awake on behalf of the calling thread, until the thread ends at the latest.
 void setSleepInhibited(bool inhibited)
 {
-    // A plain pointer: it may be used when thread-local objects have been destroyed, by the
-    // destructor of a static one.
+    // A plain pointer, since the destructor of a static object may use it after the thread-local
+    // objects have been destroyed.
     static thread_local SleepInhibitor* inhibitor = nullptr;
     static thread_local const auto atThreadEnd = qScopeGuard([] { setSleepInhibited(false); });
     if (!inhibited)

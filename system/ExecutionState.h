@@ -4,14 +4,14 @@
 
 #include <QtGlobal>
 
-/// Calls of the operating system, under names that are the same on every system.
+/// Operating-system calls with the same interface on all systems.
 namespace System {
 
 /// Keep-awake requests; the values are those of Windows.
 enum ExecutionStateFlag : quint32
 {
-    /// Without it the other requests only restart the idle timers once; with it they hold until
-    /// the next call with it, and alone it withdraws them.
+    /// Keeps the other requests in force until the next call with this flag; on its own it
+    /// withdraws them. Without it, the other flags only reset the idle timers once.
     ExecutionContinuous = 0x80000000,
     /// The system does not go to sleep when idle.
     ExecutionSystemRequired = 0x00000001,
@@ -19,11 +19,10 @@ enum ExecutionStateFlag : quint32
     ExecutionAwayModeRequired = 0x00000040,
 };
 
-/// Sets the calling thread's keep-awake request to `flags` and returns the one it replaces.
+/// Sets the calling thread's keep-awake request to `flags` and returns the previous one.
 ///
-/// On Windows this is `SetThreadExecutionState`, with its result: 0 when the system refuses the
-/// flags. Elsewhere the request is remembered, thread by thread, and a thread that made none holds
-/// `ExecutionContinuous` alone.
+/// On Windows this calls `SetThreadExecutionState` and returns its result: 0 if the system rejects
+/// the flags. Elsewhere the request is stored per thread; it is initially `ExecutionContinuous`.
 ///
 /// On Linux, `ExecutionSystemRequired` with `ExecutionContinuous` requests an inhibitor from
 /// logind, which then neither suspends the system nor considers it idle; `systemd-inhibit --list`

@@ -12,7 +12,7 @@ bool interruptProcess(qint64 pid)
     Q_UNUSED(pid)
     return false;
 #else
-    // Such a number would have the signal sent to a whole group of processes, this one included.
+    // kill() would send the signal to a group of processes, which includes this one.
     if (pid <= 0)
         return false;
     return ::kill(static_cast<pid_t>(pid), SIGINT) == 0;

@@ -6,9 +6,9 @@
 
 namespace System {
 
-/// Asks a process to end as a person at the keyboard would, with an interrupt (SIGINT); false when
-/// it is not told. `pid` is that of one process: 0 and negative numbers are refused. On Windows,
-/// where only a whole console can be interrupted, no process is told.
+/// Interrupts a process as Ctrl+C does (SIGINT). Returns false if the signal cannot be sent, or if
+/// `pid` is not positive. Always returns false on Windows, where only all processes of a console
+/// can be interrupted.
 OVSYSTEM_EXPORT bool interruptProcess(qint64 pid);
 
 } // namespace System

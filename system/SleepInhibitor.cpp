@@ -12,12 +12,13 @@ namespace System {
 
 namespace {
 
-/// Asks logind not to do `what`; `handler` gets the answer, and `lock` as its data.
-int requestLock(sd_bus* bus, const char* what, sd_bus_message_handler_t handler, void* lock)
+/// Requests an inhibitor lock of these types from logind. `handler` receives the reply, and `lock`
+/// as its user data.
+int requestLock(sd_bus* bus, const char* types, sd_bus_message_handler_t handler, void* lock)
 {
     return sd_bus_call_method_async(bus, nullptr, "org.freedesktop.login1",
                                     "/org/freedesktop/login1", "org.freedesktop.login1.Manager",
-                                    "Inhibit", handler, lock, "ssss", what,
+                                    "Inhibit", handler, lock, "ssss", types,
                                     qUtf8Printable(QCoreApplication::applicationName()),
                                     "Sleep would stop the laser in the middle of a job", "block");
 }
@@ -75,7 +76,7 @@ void SleepInhibitor::connectToBus()
         sd_bus_set_method_call_timeout(bus, UINT64_MAX) < 0 || sd_bus_start(bus) < 0 ||
         requestLock(bus, "sleep:idle", handleSleepReply, &_lock) < 0)
         return;
-    // What is written fits into the empty buffer of the socket: waiting for input is enough.
+    // The requests fit into the empty buffer of the socket, so a notifier for input is enough.
     _notifier = std::make_unique<QSocketNotifier>(sd_bus_get_fd(bus), QSocketNotifier::Read);
     connect(_notifier.get(), &QSocketNotifier::activated, this, [this] { processMessages(); });
 }
@@ -85,7 +86,7 @@ void SleepInhibitor::processMessages()
     int result = 1;
     while (result > 0)
         result = sd_bus_process(_bus.get(), nullptr);
-    // A connection that is closed would be readable for ever.
+    // A closed connection is always readable.
     if (result < 0)
         _notifier->setEnabled(false);
 }
