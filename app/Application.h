@@ -16,8 +16,8 @@ class Document;
 class Transaction;
 } // namespace Doc
 
-/// The layer between the executable and the plug-ins: start and stop, the active document,
-/// listeners, events, plug-ins, and the registries of extensions and of communication channels.
+/// The layer between the executable and the plug-ins: start-up and shutdown, the active document,
+/// listeners, events, plug-ins, and the registries of extensions and communication channels.
 namespace App {
 
 class ActiveDocumentListener;
@@ -30,88 +30,98 @@ class PropertyListener;
 class SelectionListener;
 class TransactionListener;
 
-/// The one application object: it brings the program up and down, keeps the active document, and
-/// tells registered listeners what happens.
+/// The application object: starts the program and shuts it down in a fixed order, keeps the active
+/// document, and notifies registered listeners.
 ///
-/// An executable frames its whole run with it:
+/// Typical use in an executable:
 ///
 ///     QCoreApplication qtApplication(argc, argv);
 ///     App::Application::init();
-///     // ... load plug-ins, build the user interface ...
+///     // ... load plug-ins, create the user interface ...
 ///     App::Application::instance().doAppStartFinished();
 ///     const int status = qtApplication.exec();
 ///     App::Application::destruct();
 ///
-/// Everything is called on the main thread, the post operations excepted, and no operation throws.
+/// Call all functions from the main thread, except `post...()`, which any thread may call. No
+/// function throws an exception of its own. An exception from a listener passes through the
+/// notifying function to its caller, and the lists of listeners remain consistent.
 ///
-/// A listener may add and remove listeners, of its own kind too, while it is being told: one that
-/// is removed before its turn is not told, one that is added is told last, in the same pass, and
-/// every other is told once. Adding again what was removed counts as adding: a listener that does
-/// so whenever it is told keeps the pass from ending.
+/// A listener may add and remove listeners, also of its own kind, while it is notified: listeners
+/// removed before their turn are not called; listeners added are called last, in the same
+/// iteration; every other listener is called once. A listener that is removed and added again
+/// counts as added. If it does this to itself in every call, the iteration does not end.
 ///
-/// What a new-document, close-document, active-document or property listener must not do while it
-/// is told is to create, open, activate or close a document: the listeners after it, and whoever
-/// notified, go on with the document that the notification was made for, which may be deleted by
-/// then. Listeners of the other kinds may: those after them are told of the one active by then.
+/// A new-document, close-document, active-document or property listener must not create, open,
+/// activate or close a document while it is notified: the listeners after it and the notifying
+/// function continue with the document of the notification, which may be deleted by then. Listeners
+/// of other kinds may do so; the listeners after them receive the document that is then active.
 class OVAPP_EXPORT Application
 {
 public:
-    /// Brings the program up, on an existing `QCoreApplication`: the keep-awake request, settings,
-    /// log file, this object, the lower libraries, the two registries, backup and clipboard, in
-    /// this order. Call it once, before any other operation of the library. From here to
-    /// `destruct` the computer does not go to sleep, as far as the system allows it; on Linux the
-    /// request is made and completes in the event loop of the thread that called `init`. See
-    /// <system/ExecutionState.h>.
-    static void init();
-    /// Takes everything down again, nearly in the reverse order, and this object last. Call it
-    /// once, at exit; nothing of the library may be called after it. Neither the active document
-    /// nor any listener is deleted.
-    static void destruct();
-    /// The object. Valid from `init` until `destruct` only; it is never made here.
-    static Application& instance();
-
-    /// Appends what is logged from here on to "log.txt" if the setting "Debug/file" is true, unless
-    /// that is so already. `init` calls it.
-    static void attachObservers();
-    /// Ends what `attachObservers` began. `destruct` calls it.
-    static void destructObservers();
-
-    /// Records the program's version as the setting "About/version" and tells the start-finish
-    /// listeners. Call it once, when the executable's own start-up is complete.
-    void doAppStartFinished();
-
-    /// Makes a document for `path` the active one and tells the new-document listeners: the file's
-    /// when something stands at `path`, otherwise an empty one that will be saved there. The
-    /// document that was active is handed to the close-document listeners and forgotten, not
-    /// deleted. "File/Document" is set to `path`.
-    ///
-    /// If the setting "Print/resetCountAfterOpened" is true, an opened document starts with a
-    /// finished count of 0.
-    ///
-    /// Returns null, and changes nothing, for an empty path, a path in a missing directory, and a
-    /// file that is no document.
-    Doc::Document* newDocument(const QString& path);
-    /// Opens the file as `newDocument` does; returns the active document, and does nothing, if it
-    /// already has that file's absolute path. Returns null, and changes nothing, for anything but
-    /// a regular file that holds a document.
-    Doc::Document* openDocument(const QString& path);
-    /// Makes `document`, or none, the active one, takes it over, and tells the active-document
-    /// listeners. The document that was active is deleted; the close-document listeners are not
-    /// told. "File/Document" is set to the document's path. Does nothing if `document` is active
-    /// already.
-    void setActivateDocument(Doc::Document* document);
-    /// The active document, or null.
-    Doc::Document* activateDocument() const;
-    /// Hands the active document to the close-document listeners and forgets it, without deleting
-    /// it. Returns false, and does nothing, when there is none.
-    bool closeDocument();
-
-    /// @name Registering listeners
+    /// @name Start-up and shutdown
     /// @{
 
-    /// `add` operations register a listener, which is told after those registered before it. Null
-    /// and a listener that is registered already are ignored. The listener is not owned. `remove`
-    /// operations remove it; one that is not registered is ignored.
+    /// Initialises the library, after the application has created its `QCoreApplication`. Call it
+    /// once, before any other function of the library. It requests that the computer stays awake,
+    /// and initialises the settings, the log file, this object, the layer below, the two
+    /// registries, backup and clipboard, in this order.
+    ///
+    /// Until `destruct`, the computer does not go to sleep, as far as the system allows this. On
+    /// Linux the request needs the event loop of the thread that called `init`. See
+    /// <system/ExecutionState.h>.
+    static void init();
+    /// Returns the application object. Valid between `init` and `destruct` only.
+    static Application& instance();
+    /// Completes the start-up: stores the program's version as the setting "About/version" and
+    /// notifies the start-finish listeners. Call it once, when the start-up of the executable
+    /// itself is complete.
+    void doAppStartFinished();
+    /// Shuts the library down, nearly in the reverse order of `init`, with this object last. Call
+    /// it once, at exit, and no function of the library after it. Deletes neither the active
+    /// document nor any listener.
+    static void destruct();
+
+    /// @}
+
+    /// @name The active document
+    /// @{
+
+    /// Creates a document for `path`, makes it the active document, and notifies the new-document
+    /// listeners. It is loaded from `path` if the file exists, otherwise empty; it is saved to
+    /// `path` later. The document that was active is passed to the close-document listeners first,
+    /// and is neither kept nor deleted. "File/Document" is set to `path`.
+    ///
+    /// If the setting "Print/resetCountAfterOpened" is true, the finished count of a loaded
+    /// document is set to 0.
+    ///
+    /// Returns null, and changes nothing, if `path` is empty, its directory does not exist, or the
+    /// file is not a valid document.
+    Doc::Document* newDocument(const QString& path);
+    /// Opens an existing file as `newDocument` does. Returns the active document, and does nothing
+    /// else, if that has the same absolute path. Returns null, and changes nothing, if there is no
+    /// regular file at `path` or the file is not a valid document.
+    Doc::Document* openDocument(const QString& path);
+    /// Makes `document` the active document and takes ownership of it; null means none. Notifies
+    /// the active-document listeners, and sets "File/Document" to the path of the document. The
+    /// document that was active is deleted without a notification of the close-document listeners.
+    /// Does nothing if `document` is already active.
+    void setActivateDocument(Doc::Document* document);
+    /// Returns the active document; null if there is none.
+    Doc::Document* activateDocument() const;
+    /// Passes the active document to the close-document listeners; afterwards there is none. The
+    /// document is not deleted: the application has to do that. Returns false, and does nothing, if
+    /// no document is active.
+    bool closeDocument();
+
+    /// @}
+
+    /// @name Registering listeners
+    /// The `add` functions append a listener to the list of its kind. They ignore null and a
+    /// listener that is already registered. The listener is not owned: remove it before it is
+    /// deleted. The `remove` functions ignore a listener that is not registered.
+    /// @{
+
+    /// @described_by_group
     void addNewDocumentListener(NewDocumentListener* listener);
     void removeNewDocumentListener(NewDocumentListener* listener);
     void addCloseDocumentListener(CloseDocumentListener* listener);
@@ -130,47 +140,65 @@ public:
     void removePluginStateChangeListener(PluginStateListener* listener);
     void addStartFinishListener(AppStartFinishListener* listener);
     void removeStartFinishListener(AppStartFinishListener* listener);
+
     /// @}
 
-    /// @name Telling listeners
-    /// Each tells every listener of one kind, one after the other, before it returns. The library
-    /// itself tells of documents that are created, opened, activated and closed, and of the end of
-    /// start-up. It never tells of object lists, transactions, selections, properties and the state
-    /// of plug-ins: whoever changes them, executable or plug-in, calls the operation.
+    /// @name Notifying listeners
+    /// Each function calls all listeners of one kind, in order of registration, before it returns.
+    /// The library itself notifies the new-document, close-document, active-document and
+    /// start-finish listeners. Object lists, transactions, selections, properties and plug-in
+    /// states are changed outside the library: the executable or plug-in that changes one of them
+    /// calls the function.
     /// @{
 
-    /// Tells the new-document listeners of `document`.
+    /// Passes `document` to the new-document listeners.
     void notifyNewDocumentListener(Doc::Document* document);
-    /// Tells the close-document listeners of `document`.
+    /// Passes `document` to the close-document listeners.
     void notifyCloseDocumentListener(Doc::Document* document);
-    /// Tells the active-document listeners of `document`, which may be null.
+    /// Passes `document`, which may be null, to the active-document listeners.
     void notifyActiveDocumentListener(Doc::Document* document);
-    /// Tells the object-list listeners of the active document, whatever `document` is.
+    /// Passes the active document, not `document`, to the object-list listeners.
     void notifyObjectListListener(Doc::Document* document);
-    /// Tells the transaction listeners of the active document, whatever `document` is, and of
-    /// `transaction`.
+    /// Passes the active document, not `document`, and `transaction` to the transaction listeners.
     void notifyTransactionListeners(Doc::Document* document, Doc::Transaction* transaction);
-    /// Tells the selection listeners of the active document, whatever `document` is.
+    /// Passes the active document, not `document`, to the selection listeners.
     void notifySelectionListeners(Doc::Document* document);
-    /// Hands `document`, `flag` and `value` on to the property listeners as they are given.
+    /// Passes `document`, `flag` and `value` unchanged to the property listeners. The meaning of
+    /// `flag` and `value` is application-defined.
     void notifyPropertyListeners(Doc::Document* document, bool flag, int value);
-    /// Hands `state` on to the plug-in-state listeners as it is given.
+    /// Passes `state`, which is application-defined, unchanged to the plug-in-state listeners.
     void notifyPluginStateChangeListener(int state);
-    /// Tells the start-finish listeners; `doAppStartFinished` does so too.
+    /// Calls the start-finish listeners, as `doAppStartFinished` does.
     void notifyStartFinishListener();
 
     /// @}
 
-    /// Posts a `SelectionChangeEvent` to `receiver`, or to the `QCoreApplication` when it is null.
-    /// Any thread.
+    /// @name Posting events
+    /// These functions may be called from any thread. The receiver handles the event in its own
+    /// thread; null means the `QCoreApplication`.
+    /// @{
+
+    /// Posts a `SelectionChangeEvent` to `receiver`.
     void postSelectionChangedEvent(QObject* receiver);
-    /// Posts a `TransactionEvent` with a copy of `transaction` to `receiver`, or to the
-    /// `QCoreApplication` when it is null. Any thread.
+    /// Posts a `TransactionEvent` with a copy of `transaction` to `receiver`.
     void postTransactionEvent(Doc::Transaction& transaction, bool hasOnlyChanges,
                               int objectTypeFilter, QObject* receiver);
-    /// Has no effect: there is no event for the state of plug-ins. It stands beside the other two
-    /// for callers that treat the three alike.
+    /// Has no effect: there is no event for plug-in states. It exists for callers that use the
+    /// three functions alike.
     void postPluginStateChangedEvent(QObject* receiver);
+
+    /// @}
+
+    /// @name The log file
+    /// @{
+
+    /// Appends log lines to "log.txt" from now on, if the setting "Debug/file" is true and they are
+    /// not appended already. Called by `init`.
+    static void attachObservers();
+    /// Ends what `attachObservers` started. Called by `destruct`.
+    static void destructObservers();
+
+    /// @}
 
 private:
     Application();
@@ -178,7 +206,7 @@ private:
     Q_DISABLE_COPY(Application)
 
     static OVAPP_NO_EXPORT Application* _p_instance;
-    /// The log file's observer, owned; null while nothing is logged to a file.
+    /// Owned; null while no log file is written.
     static OVAPP_NO_EXPORT Core::ConsoleObserverFile* _p_consoleObserverFile;
 
     Doc::Document* _p_activeDocument;

@@ -80,9 +80,23 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
 endforeach()
 ovapp_add_compressed(${PROJECT_SOURCE_DIR}/docs/ovapp-host.1 ${host_package}.1 host
     ${CMAKE_INSTALL_MANDIR}/man1)
-file(GLOB documents CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/*.md)
-install(FILES ${documents}
-    DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${development_package} COMPONENT development)
+
+# The guides, and the API reference, which contains them too.
+find_program(DOXYGEN doxygen REQUIRED)
+set(reference_dir ${PROJECT_BINARY_DIR}/reference)
+add_custom_target(reference ALL
+    COMMAND ${CMAKE_COMMAND} -E rm -rf ${reference_dir}
+    COMMAND ${CMAKE_COMMAND} -E make_directory ${reference_dir}
+    COMMAND ${CMAKE_COMMAND} -E env OVAPP_REFERENCE_DIR=${reference_dir} ${DOXYGEN} docs/Doxyfile
+    WORKING_DIRECTORY ${PROJECT_SOURCE_DIR}
+    VERBATIM)
+set(documents_dir ${CMAKE_INSTALL_DATADIR}/doc/${development_package})
+install(DIRECTORY ${reference_dir}/html/
+    DESTINATION ${documents_dir}/reference COMPONENT development)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/
+    DESTINATION ${documents_dir} COMPONENT development
+    FILES_MATCHING PATTERN "*.md" PATTERN "*.svg")
+
 install(FILES ${debian_dir}/libovapp1.lintian-overrides
     DESTINATION ${CMAKE_INSTALL_DATADIR}/lintian/overrides
     RENAME ${runtime_package} COMPONENT runtime)
