@@ -17,7 +17,7 @@ namespace Host {
 
 namespace {
 
-/// One without a summary is for the host itself, and is listed nowhere.
+/// A command without a summary is internal and is not listed.
 struct Command
 {
     QLatin1String name;
@@ -26,18 +26,18 @@ struct Command
 };
 
 const Command commands[] = {
-    {QLatin1String("run"), QLatin1String("run a whole session and print what happens in it"), run},
-    {QLatin1String("plugins"), QLatin1String("list the plug-in files and what becomes of them"),
-     plugins},
+    {QLatin1String("run"), QLatin1String("run a whole session and print every event"), run},
+    {QLatin1String("plugins"), QLatin1String("list and check the plug-in files"), plugins},
     {QLatin1String("inspect-plugin"), QLatin1String(), inspectPlugin},
-    {QLatin1String("ping"), QLatin1String("see whether a host answers"), ping},
-    {QLatin1String("trace"), QLatin1String("trace the route to a host"), trace},
+    {QLatin1String("ping"), QLatin1String("send echo requests to a host"), ping},
+    {QLatin1String("trace"), QLatin1String("find the route to a host"), trace},
 };
 
 QString commandList()
 {
     QString text = QStringLiteral("Runs the application layer without a user interface.\n\n"
-                                  "Commands (ovapp-host COMMAND --help says more):");
+                                  "Commands (%1 COMMAND --help lists the options of a command):")
+                       .arg(executableName);
     for (const Command& command : commands) {
         if (command.summary.size() > 0)
             text += QStringLiteral("\n  %1  %2").arg(command.name, -8).arg(command.summary);
@@ -53,18 +53,23 @@ int runCommand(const QStringList& arguments)
     const auto command = std::find_if(std::begin(commands), std::end(commands),
                                       [&name](const Command& each) { return each.name == name; });
     if (command != std::end(commands)) {
-        return command->run(QStringList(programName + QLatin1Char(' ') + name) + arguments.mid(2));
+        return command->run(QStringList(executableName + QLatin1Char(' ') + name) +
+                            arguments.mid(2));
     }
 
     if (!name.isEmpty() && !name.startsWith(QLatin1Char('-')))
-        return fail(UsageError, QStringLiteral("there is no command %1").arg(quoted(name)));
+        return fail(
+            UsageError,
+            QStringLiteral("unknown command %1; --help lists the commands").arg(quoted(name)));
     QCommandLineParser parser;
     parser.setApplicationDescription(commandList());
-    parser.addPositionalArgument(QStringLiteral("command"), QStringLiteral("What to do."));
-    const std::optional<int> status = parse(parser, QStringList(programName) + arguments.mid(1));
-    if (status)
-        return *status;
-    return fail(UsageError, QStringLiteral("a command is missing; --help lists them"));
+    parser.addPositionalArgument(QStringLiteral("command"),
+                                 QStringLiteral("One of the commands above."));
+    const std::optional<int> exitCode =
+        parse(parser, QStringList(executableName) + arguments.mid(1));
+    if (exitCode)
+        return *exitCode;
+    return fail(UsageError, QStringLiteral("expected a command; --help lists the commands"));
 }
 
 std::optional<int> parse(QCommandLineParser& parser, const QStringList& arguments)
@@ -76,14 +81,16 @@ std::optional<int> parse(QCommandLineParser& parser, const QStringList& argument
     parser.addOptions({help, version});
     const bool parsed = parser.parse(arguments);
     if (parser.isSet(help)) {
-        // Qt puts the path of the executable where the command belongs.
+        // Qt writes the path of the executable instead of the command.
         const QString executable = QCoreApplication::arguments().constFirst();
         QString text = parser.helpText().trimmed();
         print(stdout, text.replace(text.indexOf(executable), executable.size(), arguments.first()));
         return Success;
     }
     if (parser.isSet(version)) {
-        print(stdout, programName + QLatin1Char(' ') + QCoreApplication::applicationVersion());
+        print(stdout, QStringLiteral("%1 %2 (Qt %3)")
+                          .arg(executableName, QCoreApplication::applicationVersion(),
+                               QLatin1String(qVersion())));
         return Success;
     }
     if (!parsed)

@@ -8,12 +8,12 @@ class QCommandLineParser;
 
 namespace Host {
 
-/// Runs the command that the first argument after the program's name asks for, and returns the
-/// status to end with.
+/// Executes the command that the first argument after the program's name selects, and returns the
+/// exit code.
 int runCommand(const QStringList& arguments);
 
-/// Parses a command's arguments, the first of which is the command itself, as its usage names it.
-/// Returns the status to end with if that is all: after --help, --version and wrong usage.
+/// Parses the arguments of a command; the first one is the command as its usage line shows it.
+/// Returns the exit code after --help, --version and a usage error, otherwise an empty value.
 std::optional<int> parse(QCommandLineParser& parser, const QStringList& arguments);
 
 } // namespace Host

@@ -18,15 +18,16 @@ namespace Host {
 SessionOptions::SessionOptions(QCommandLineParser& parser)
     : _applicationDirOption(
           QStringLiteral("app-dir"),
-          QStringLiteral("Where settings and log are kept; the user's data directory by default."),
+          QStringLiteral("The application directory, which contains the settings and the log; by "
+                         "default in the user's data directory."),
           QStringLiteral("DIR")),
       _pluginDirOption(QStringLiteral("plugins"),
-                       QStringLiteral("Where plug-ins are looked for; \"" OVAPP_PLUGINS_PATH
-                                      "\" beside the executable by default."),
+                       QStringLiteral("The plug-in directory; by default \"" OVAPP_PLUGINS_PATH
+                                      "\" next to the executable."),
                        QStringLiteral("DIR")),
       _boardOption(
           QStringLiteral("board"),
-          QStringLiteral("The type of the control board; the setting \"Board/type\" by default."),
+          QStringLiteral("The type of the control board; by default the setting \"Board/type\"."),
           QStringLiteral("TYPE"))
 {
     parser.addOptions({_pluginDirOption, _boardOption, _applicationDirOption});
@@ -34,21 +35,16 @@ SessionOptions::SessionOptions(QCommandLineParser& parser)
 
 std::optional<int> SessionOptions::parse(QCommandLineParser& parser, const QStringList& arguments)
 {
-    if (const std::optional<int> status = Host::parse(parser, arguments))
-        return status;
-    if (!parser.positionalArguments().isEmpty()) {
-        return fail(UsageError, QStringLiteral("%1 is no option, and nothing else is taken")
-                                    .arg(quoted(parser.positionalArguments().constFirst())));
-    }
+    if (const std::optional<int> exitCode = Host::parse(parser, arguments))
+        return exitCode;
     _applicationDir = parser.value(_applicationDirOption);
     if (_applicationDir.isEmpty() && parser.isSet(_applicationDirOption))
-        return fail(UsageError, QStringLiteral("--app-dir: a directory is wanted, not nothing"));
+        return fail(UsageError, QStringLiteral("--app-dir: expected a directory, got ''"));
     if (parser.isSet(_pluginDirOption)) {
         _pluginDir = parser.value(_pluginDirOption);
         if (!QFileInfo(_pluginDir).isDir()) {
-            return fail(
-                UsageError,
-                QStringLiteral("--plugins: there is no directory %1").arg(quoted(_pluginDir)));
+            return fail(UsageError, QStringLiteral("--plugins: %1 is not an existing directory")
+                                        .arg(quoted(_pluginDir)));
         }
     }
     if (parser.isSet(_boardOption)) {
@@ -56,7 +52,7 @@ std::optional<int> SessionOptions::parse(QCommandLineParser& parser, const QStri
         const QString type = parser.value(_boardOption);
         _boardType = type.toInt(&isNumber, type.startsWith(QLatin1String("0x")) ? 16 : 10);
         if (!isNumber) {
-            return fail(UsageError, QStringLiteral("--board: %1 is no 32-bit whole number")
+            return fail(UsageError, QStringLiteral("--board: %1 is not a 32-bit integer")
                                         .arg(quoted(parser.value(_boardOption))));
         }
     }
@@ -65,14 +61,14 @@ std::optional<int> SessionOptions::parse(QCommandLineParser& parser, const QStri
 
 void SessionOptions::startLibrary() const
 {
-    // The executable's directory, which is the library's choice, may be everybody's.
+    // The library's default is the executable's directory, which users may not be able to write to.
     const QString applicationDir =
         _applicationDir.isEmpty()
             ? QStandardPaths::writableLocation(QStandardPaths::AppDataLocation)
             : _applicationDir;
     const bool isNew = !QFileInfo::exists(applicationDir) && QDir().mkpath(applicationDir);
     if (isNew && !_applicationDir.isEmpty()) {
-        warn(QStringLiteral("--app-dir: there was no directory %1; it has been made")
+        warn(QStringLiteral("--app-dir: the directory %1 did not exist and was created")
                  .arg(quoted(_applicationDir)));
     }
     Core::Settings::instance().setApplicationDirPath(applicationDir);

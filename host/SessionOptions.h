@@ -10,18 +10,18 @@ class QCommandLineParser;
 
 namespace Host {
 
-/// The options that every command has which loads plug-ins, and the start-up that they ask for.
+/// The options of all commands that load plug-ins, and the start-up of the library with them.
 class SessionOptions
 {
 public:
     /// Adds the options to the parser.
     explicit SessionOptions(QCommandLineParser& parser);
 
-    /// Has the parser parse a command's arguments, which are nothing but options, and reads these
-    /// ones. Returns the status to end with if that is all: see Host::parse.
+    /// Parses the arguments of a command with `Host::parse`, and reads the values of these options.
+    /// Returns the exit code after --help, --version and a usage error, otherwise an empty value.
     std::optional<int> parse(QCommandLineParser& parser, const QStringList& arguments);
 
-    /// Brings the library up with them.
+    /// Initialises the library.
     void startLibrary() const;
 
 private:

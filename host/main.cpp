@@ -16,8 +16,8 @@ int main(int argc, char** argv)
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("ovapp-host"));
     QCoreApplication::setApplicationVersion(QString::fromUtf8(Core::Version::versionString()));
-    const int status = Host::runCommand(QCoreApplication::arguments());
-    if (status == Host::Success && std::ferror(stdout))
-        return Host::fail(Host::Failure, QStringLiteral("standard output cannot be written to"));
-    return status;
+    const int exitCode = Host::runCommand(QCoreApplication::arguments());
+    if (exitCode == Host::Success && std::ferror(stdout))
+        return Host::fail(Host::Failure, QStringLiteral("cannot write to standard output"));
+    return exitCode;
 }

@@ -15,10 +15,10 @@ void print(std::FILE* file, const QString& text)
     write(file, text.toUtf8() + '\n');
 }
 
-int fail(ExitCode status, const QString& message)
+int fail(ExitCode exitCode, const QString& message)
 {
     print(stderr, programName + QLatin1String(": ") + escapeControlCharacters(message));
-    return status;
+    return exitCode;
 }
 
 void warn(const QString& message)

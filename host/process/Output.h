@@ -5,10 +5,9 @@
 
 #include <cstdio>
 
-/// What the host says on its standard channels, and the status that it ends with.
+/// Output on the standard streams, and the exit code.
 namespace Host {
 
-/// How the host ends.
 enum ExitCode
 {
     Success = 0,
@@ -16,23 +15,24 @@ enum ExitCode
     UsageError = 2
 };
 
-/// The name by which the host calls itself.
+/// The name with which messages on standard error begin.
 const QLatin1String programName("ovapp-host");
+/// The name of the executable, which depends on the version of Qt.
+const QLatin1String executableName(OVAPP_HOST_NAME);
 
-/// Writes bytes and hands them to the system; false, and `std::ferror`, when they cannot be
-/// written.
+/// Writes and flushes bytes. Returns false, and sets the stream's error indicator, if that fails.
 bool write(std::FILE* file, const QByteArray& bytes);
-/// Writes a text, encoded in UTF-8, and the end of a line.
+/// Writes a line, encoded in UTF-8.
 void print(std::FILE* file, const QString& text);
-/// Says on standard error what is wrong, and returns the status to end with. Control characters in
-/// the message are escaped, so that it stays one line.
-int fail(ExitCode status, const QString& message);
-/// Says on standard error, in the same way, what is amiss though the job goes on.
+/// Prints an error message on standard error and returns the exit code. Control characters in the
+/// message are escaped, so that it is one line.
+int fail(ExitCode exitCode, const QString& message);
+/// Prints a warning on standard error, in the same way.
 void warn(const QString& message);
 
-/// A text of the user's, as messages show it.
+/// Returns a text of the user's in quotes, as messages show it.
 QString quoted(const QString& text);
-/// A text with its control characters escaped, so that it stays one line and does nothing to a
+/// Returns a text with its control characters escaped, so that it is one line and cannot control a
 /// terminal.
 QString escapeControlCharacters(const QString& text);
 

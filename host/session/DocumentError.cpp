@@ -15,7 +15,7 @@ QString documentError(const QString& path)
     if (info.isDir())
         return QStringLiteral("it is a directory");
     if (!info.isFile())
-        return QStringLiteral("it is no regular file");
+        return QStringLiteral("it is not a regular file");
 
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
@@ -30,13 +30,13 @@ QString documentError(const QString& path)
     QJsonParseError error;
     QJsonDocument::fromJson(text, &error);
     if (error.error != QJsonParseError::NoError) {
-        return QStringLiteral("it is no document: no JSON at byte %1: %2")
+        return QStringLiteral("it is not a document: invalid JSON at byte %1: %2")
             .arg(error.offset)
             .arg(error.errorString());
     }
     return QStringLiteral(
-        "it is no document: \"format\", \"version\" or \"printCount\" is not what "
-        "this program reads, or one of them or of the counts is there twice");
+        "it is not a document of this program: \"format\", \"version\" or \"printCount\" has an "
+        "unexpected value, or one of them or of the counts is duplicate");
 }
 
 } // namespace Host

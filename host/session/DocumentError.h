@@ -4,8 +4,8 @@ class QString;
 
 namespace Host {
 
-/// Why the library, which only answers that it cannot, does not open a document: in words, to be
-/// read after the file's name and a colon.
+/// Returns why the library does not open a document, which itself only returns null: a sentence
+/// that follows the file's name and a colon.
 QString documentError(const QString& path);
 
 } // namespace Host

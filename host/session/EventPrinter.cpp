@@ -12,10 +12,12 @@ EventPrinter::EventPrinter()
     _elapsed.start();
 }
 
-void EventPrinter::print(const QString& who, const QString& what)
+void EventPrinter::print(const QString& source, const QString& description)
 {
-    const QString text =
-        QStringLiteral("%1 ms  %2  %3").arg(_elapsed.elapsed(), 5).arg(who, -24).arg(what);
+    const QString text = QStringLiteral("%1 ms  %2  %3")
+                             .arg(_elapsed.elapsed(), 5)
+                             .arg(source, -24)
+                             .arg(description);
     Host::print(stdout, escapeControlCharacters(text));
 }
 

@@ -8,14 +8,14 @@ class QString;
 
 namespace Host {
 
-/// Prints what happens, a line each: the milliseconds since the report began, who, and what. As an
-/// observer of the console service it prints what is logged, too.
+/// Prints one line per event: the time in ms since the printer was created, the source and the
+/// description. As an observer of the console service, it prints each line of the log too.
 class EventPrinter : public Core::ConsoleObserver
 {
 public:
     EventPrinter();
 
-    void print(const QString& who, const QString& what);
+    void print(const QString& source, const QString& description);
     void write(Severity severity, const QByteArray& line) override;
 
 private:

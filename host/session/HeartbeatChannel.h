@@ -10,8 +10,8 @@ namespace Host {
 
 class EventPrinter;
 
-/// The least that a communication channel can be: while it is started it says at intervals, from
-/// the event loop, that it is alive.
+/// A minimal communication channel: while it is started, it prints at intervals, from the event
+/// loop, that it is alive.
 class HeartbeatChannel : public App::CommInfo
 {
 public:

@@ -38,7 +38,9 @@ namespace Host {
 
 namespace {
 
-/// Who the report says it was.
+using App::PluginLoader;
+
+/// The source of the events of the host itself.
 const QString host = QStringLiteral("host");
 
 QString sampleDocument()
@@ -48,15 +50,14 @@ QString sampleDocument()
     return QDir::cleanPath(samples.filePath(QStringLiteral("documents/coaster.ovdoc")));
 }
 
-/// One piece more is finished, which is told to listeners of every kind that a change concerns,
-/// and posted to Qt objects.
+/// Counts one more finished piece, notifies the listeners of every kind that a change concerns, and
+/// posts the events.
 void changeDocument(Doc::Document* document, SessionReceiver& receiver)
 {
     App::Application& application = App::Application::instance();
     Doc::Transaction transaction(QStringLiteral("Finish a piece"));
     const QSharedPointer<Doc::DocObject> object = document->storage()->queryDocObjectDirect();
     Laser::PrintCountParams counts = object->printCountData();
-    // A counter that is full stays full.
     if (counts.finishedCount() < std::numeric_limits<int>::max())
         counts.setFinishedCount(counts.finishedCount() + 1);
     object->setPrintCountData(counts);
@@ -74,7 +75,7 @@ void changeDocument(Doc::Document* document, SessionReceiver& receiver)
                        Core::BoardEthDescHandler::instance()->currentBoardEthDescType()));
 }
 
-/// Keeps the channels started until an interrupt if they are to `stay`, else for some heartbeats.
+/// Keeps the channels started until an interrupt if `stay` is true, otherwise for some heartbeats.
 void runChannels(bool stay, EventPrinter& printer)
 {
     App::CommInfoRegistry& channels = *App::CommInfoRegistry::instance();
@@ -88,7 +89,7 @@ void runChannels(bool stay, EventPrinter& printer)
         printer.print(host, QStringLiteral("keeps the channels started until Ctrl+C"));
         watcher.emplace([&loop] { loop.quit(); });
         QObject::connect(&readerTimer, &QTimer::timeout, &loop, [&loop] {
-            // When nobody reads the report any more, there is nobody to stay for.
+            // The reader of the output has ended.
             if (std::ferror(stdout))
                 loop.quit();
         });
@@ -102,13 +103,19 @@ void runChannels(bool stay, EventPrinter& printer)
     channels.unregisterCommInfo(&heartbeat);
 }
 
+/// The path of a plug-in file as the session shows it.
+QString relativePluginPath(const QString& file)
+{
+    return QDir(PluginLoader::pluginsPath()).relativeFilePath(file);
+}
+
 int cannotOpen(const QString& path)
 {
     return fail(Failure,
                 QStringLiteral("cannot open %1: %2").arg(quoted(path), documentError(path)));
 }
 
-/// The steps of the host itself: prints each one, and passes it to the crash handler.
+/// Prints each step of the host and passes it to the crash handler.
 class SessionProgress
 {
 public:
@@ -118,8 +125,8 @@ public:
     {
         _printer.print(host, step);
         _crashHandler.setActivity(
-            QStringLiteral("the host %1; ovapp-host plugins --profile examines the plug-ins")
-                .arg(step));
+            QStringLiteral("the host %1; %2 plugins --profile inspects the plug-ins")
+                .arg(step, executableName));
     }
     EventPrinter& printer() { return _printer; }
 
@@ -146,35 +153,56 @@ int useDocument(const QString& path, bool stay, SessionReceiver& receiver,
     progress.beginStep(QStringLiteral("starts and stops the channels"));
     runChannels(stay, progress.printer());
 
-    progress.beginStep(QStringLiteral("reverts the document: activates it as it is on disk"));
-    int status = Success;
+    progress.beginStep(QStringLiteral("reverts the document to the file's content"));
+    int exitCode = Success;
     auto onDisk = std::make_unique<Doc::Document>(new Doc::Storage);
     if (onDisk->open(path))
         application.setActivateDocument(onDisk.release());
     else
-        status = cannotOpen(path);
+        exitCode = cannotOpen(path);
 
     progress.beginStep(QStringLiteral("closes the document"));
     application.closeDocument();
-    return status;
+    return exitCode;
 }
 
 void loadPlugins(SessionProgress& progress)
 {
-    using App::PluginLoader;
     progress.beginStep(QStringLiteral("loads and starts the plug-ins"));
     PluginLoader::initPluginIDValue();
+    PluginLoader::setProgressHandler([&progress](const QString& file, int index, int count) {
+        progress.beginStep(QStringLiteral("loads and starts %1 (%2 of %3)")
+                               .arg(relativePluginPath(file))
+                               .arg(index + 1)
+                               .arg(count));
+    });
     PluginLoader::loadPlugins(true);
-    const QDir directory(PluginLoader::pluginsPath());
+    PluginLoader::setProgressHandler(nullptr);
+    progress.beginStep(QStringLiteral("has loaded the plug-ins"));
     const QList<App::PluginRecord> records = PluginLoader::records();
     for (const App::PluginRecord& record : records) {
-        progress.printer().print(
-            host, directory.relativeFilePath(record.filePath) +
-                      (record.verdict == PluginLoader::Verdict::Accepted
-                           ? QStringLiteral(" is accepted")
-                           : QStringLiteral(" is refused; ovapp-host plugins says why")));
+        QString result = relativePluginPath(record.filePath);
+        result += record.verdict == PluginLoader::Verdict::Accepted ? QStringLiteral(" is accepted")
+                                                                    : QStringLiteral(" is refused");
+        if (!record.reason.isEmpty())
+            result += QLatin1String(": ") + record.reason;
+        progress.printer().print(host, result);
     }
     App::Application::instance().notifyPluginStateChangeListener(PluginLoader::pluginCount());
+}
+
+/// Does what `PluginLoader::unloadPlugins` does, with a step for each plug-in.
+void unloadPlugins(SessionProgress& progress)
+{
+    progress.beginStep(QStringLiteral("stops and unloads the plug-ins"));
+    const QList<App::PluginRecord> records = PluginLoader::records();
+    for (auto record = records.crbegin(); record != records.crend(); ++record) {
+        if (!record->rootObject)
+            continue;
+        progress.beginStep(
+            QStringLiteral("stops and unloads %1").arg(relativePluginPath(record->filePath)));
+        PluginLoader::unloadPlugin(record->filePath);
+    }
 }
 
 /// What an executable does between start-up and shutdown.
@@ -187,11 +215,10 @@ int useApplication(const QString& document, bool stay, SessionProgress& progress
     progress.beginStep(QStringLiteral("has completed its own start-up"));
     App::Application::instance().doAppStartFinished();
 
-    const int status = useDocument(document, stay, receiver, progress);
+    const int exitCode = useDocument(document, stay, receiver, progress);
 
-    progress.beginStep(QStringLiteral("stops and unloads the plug-ins"));
-    App::PluginLoader::unloadPlugins();
-    return status;
+    unloadPlugins(progress);
+    return exitCode;
 }
 
 } // namespace
@@ -200,17 +227,21 @@ int run(const QStringList& arguments)
 {
     QCommandLineParser parser;
     parser.setApplicationDescription(
-        QStringLiteral("Runs a whole session on a document and prints what happens in it. The "
-                       "document's file is not changed."));
+        QStringLiteral("Runs a whole session on a document and prints every event. The document's "
+                       "file is not changed."));
     const QCommandLineOption document(QStringLiteral("document"),
-                                      QStringLiteral("The document to open; a sample by default."),
+                                      QStringLiteral("The document; by default a sample."),
                                       QStringLiteral("FILE"), sampleDocument());
     const QCommandLineOption stay(QStringLiteral("stay"),
                                   QStringLiteral("Keep the channels started until Ctrl+C."));
     parser.addOptions({document, stay});
     SessionOptions options(parser);
-    if (const std::optional<int> status = options.parse(parser, arguments))
-        return *status;
+    if (const std::optional<int> exitCode = options.parse(parser, arguments))
+        return *exitCode;
+    if (!parser.positionalArguments().isEmpty()) {
+        return fail(UsageError, QStringLiteral("unexpected argument %1")
+                                    .arg(quoted(parser.positionalArguments().constFirst())));
+    }
 
     EventPrinter printer;
     SessionProgress progress(printer);
@@ -219,12 +250,12 @@ int run(const QStringList& arguments)
     options.startLibrary();
     warnIfSettingsCannotBeKept();
 
-    const int status = useApplication(parser.value(document), parser.isSet(stay), progress);
+    const int exitCode = useApplication(parser.value(document), parser.isSet(stay), progress);
 
     progress.beginStep(QStringLiteral("stops the library"));
     App::Application::destruct();
     Core::ConsoleSingleton::instance().detachObserver(&printer);
-    return status;
+    return exitCode;
 }
 
 } // namespace Host

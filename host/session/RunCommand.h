@@ -4,7 +4,8 @@
 
 namespace Host {
 
-/// `ovapp-host run`: a whole session on a document, with everything that happens in it printed.
+/// Executes `ovapp-host run`: runs a whole session on a document and prints every event. Returns
+/// the exit code.
 int run(const QStringList& arguments);
 
 } // namespace Host

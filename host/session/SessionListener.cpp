@@ -13,7 +13,7 @@ namespace Host {
 
 namespace {
 
-QString described(const Doc::Document* document)
+QString describe(const Doc::Document* document)
 {
     if (!document)
         return QStringLiteral("none");
@@ -57,59 +57,59 @@ SessionListener::~SessionListener()
 
 void SessionListener::updateActiveDocumentListener(Doc::Document* document)
 {
-    report(QStringLiteral("active-document"), QStringLiteral("active now: ") + described(document));
+    print(QStringLiteral("active-document"), QStringLiteral("active now: ") + describe(document));
 }
 
 void SessionListener::updateAppStartFinishListener()
 {
-    report(QStringLiteral("start-finish"), QStringLiteral("start-up is complete"));
+    print(QStringLiteral("start-finish"), QStringLiteral("start-up is complete"));
 }
 
 void SessionListener::updateCloseDocumentListener(Doc::Document* document)
 {
-    report(QStringLiteral("close-document"), QStringLiteral("closed: ") + described(document));
+    print(QStringLiteral("close-document"), QStringLiteral("closed: ") + describe(document));
     _closedDocuments.emplace_back(document);
 }
 
 void SessionListener::updateNewDocumentListener(Doc::Document* document)
 {
-    report(QStringLiteral("new-document"), QStringLiteral("opened: ") + described(document));
+    print(QStringLiteral("new-document"), QStringLiteral("opened: ") + describe(document));
 }
 
 void SessionListener::updateObjectListListener(Doc::Document* document)
 {
-    report(QStringLiteral("object-list"), QStringLiteral("changed in: ") + described(document));
+    print(QStringLiteral("object-list"), QStringLiteral("changed in: ") + describe(document));
 }
 
 void SessionListener::updatePluginStateListener(int state)
 {
-    report(QStringLiteral("plug-in-state"), QStringLiteral("state %1").arg(state));
+    print(QStringLiteral("plug-in-state"), QStringLiteral("state %1").arg(state));
 }
 
 void SessionListener::updatePropertyListener(Doc::Document* document, bool flag, int value)
 {
-    report(QStringLiteral("property"),
-           QStringLiteral("flag %1, value %2, in: %3")
-               .arg(flag ? QStringLiteral("true") : QStringLiteral("false"))
-               .arg(value)
-               .arg(described(document)));
+    print(QStringLiteral("property"),
+          QStringLiteral("flag %1, value %2, in: %3")
+              .arg(flag ? QStringLiteral("true") : QStringLiteral("false"))
+              .arg(value)
+              .arg(describe(document)));
 }
 
 void SessionListener::updateSelectionListener(Doc::Document* document)
 {
-    report(QStringLiteral("selection"), QStringLiteral("changed in: ") + described(document));
+    print(QStringLiteral("selection"), QStringLiteral("changed in: ") + describe(document));
 }
 
 void SessionListener::updateTransactionListener(Doc::Document* document,
                                                 Doc::Transaction* transaction)
 {
-    report(QStringLiteral("transaction"),
-           QStringLiteral("\"%1\" in: %2").arg(transaction->name(), described(document)));
+    print(QStringLiteral("transaction"),
+          QStringLiteral("\"%1\" in: %2").arg(transaction->name(), describe(document)));
 }
 
-void SessionListener::report(const QString& kind, const QString& what)
+void SessionListener::print(const QString& kind, const QString& description)
 {
-    _printer.print(kind + QStringLiteral(" listener"), what);
+    _printer.print(kind + QStringLiteral(" listener"), description);
 }
 
 } // namespace Host

@@ -20,8 +20,8 @@ namespace Host {
 
 class EventPrinter;
 
-/// A listener of every kind, which reports what it is told. It also takes the documents that are
-/// closed into its keeping, since the library only hands them over.
+/// A listener of every kind that prints each notification. It also owns the closed documents, which
+/// the library does not delete.
 class SessionListener : public App::ActiveDocumentListener,
                         public App::AppStartFinishListener,
                         public App::CloseDocumentListener,
@@ -33,11 +33,11 @@ class SessionListener : public App::ActiveDocumentListener,
                         public App::TransactionListener
 {
 public:
-    /// Registers itself with the application object, as a listener of every kind.
+    /// Registers itself with the application object as a listener of every kind.
     explicit SessionListener(EventPrinter& printer);
     SessionListener(const SessionListener&) = delete;
     SessionListener& operator=(const SessionListener&) = delete;
-    /// Removes itself, then deletes the documents that were closed.
+    /// Removes itself, then deletes the closed documents.
     ~SessionListener() override;
 
     void updateActiveDocumentListener(Doc::Document* document) override;
@@ -51,7 +51,7 @@ public:
     void updateTransactionListener(Doc::Document* document, Doc::Transaction* transaction) override;
 
 private:
-    void report(const QString& kind, const QString& what);
+    void print(const QString& kind, const QString& description);
 
     EventPrinter& _printer;
     std::vector<std::unique_ptr<Doc::Document>> _closedDocuments;

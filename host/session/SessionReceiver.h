@@ -6,8 +6,8 @@ namespace Host {
 
 class EventPrinter;
 
-/// A Qt object that reports the events posted to it, and those posted to the `QCoreApplication`
-/// when it is installed there as an event filter.
+/// A Qt object that prints the events posted to it, and those posted to the `QCoreApplication` if
+/// it is installed there as an event filter.
 class SessionReceiver : public QObject
 {
 public:
@@ -17,7 +17,8 @@ public:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    bool reported(const QString& who, const QEvent& event);
+    /// Prints the event and returns true if it is one that the library posts.
+    bool print(const QString& source, const QEvent& event);
 
     EventPrinter& _printer;
 };

@@ -3,6 +3,8 @@
 
 #include <host/process/InterruptWatcher.h>
 #include <netdiag/SystemTools.h>
+#include <ovcore/Version.h>
+#include <system/LibraryFile.h>
 
 #include <QtTest>
 
@@ -49,6 +51,7 @@ private Q_SLOTS:
         const QString expected = R"(host: starts the library
 log: Application::attachObservers.
 host: loads and starts the plug-ins
+host: has loaded the plug-ins
 plug-in-state listener: state 0
 host: has completed its own start-up
 start-finish listener: start-up is complete
@@ -69,7 +72,7 @@ log: CommInfoRegistry::registerCommInfo: heartbeat channel
 heartbeat channel: starts
 heartbeat channel: stops
 log: CommInfoRegistry::unregisterCommInfo: heartbeat channel
-host: reverts the document: activates it as it is on disk
+host: reverts the document to the file's content
 active-document listener: active now: coaster.ovdoc, 12 of 250 finished
 host: closes the document
 close-document listener: closed: coaster.ovdoc, 12 of 250 finished
@@ -90,7 +93,7 @@ log: destruct application.)"_s;
         QTest::newRow("directory") << "." << QByteArray() << "it is a directory";
         QTest::newRow("empty") << "empty" << QByteArray("") << "it is empty";
         QTest::newRow("truncated")
-            << "truncated" << QByteArray("{\"format\": \"ovdoc\", \"ver") << "no JSON at byte";
+            << "truncated" << QByteArray("{\"format\": \"ovdoc\", \"ver") << "invalid JSON at byte";
 #ifdef Q_OS_UNIX
         QTest::newRow("FIFO") << "fifo" << QByteArray() << "regular file";
 #endif
@@ -140,13 +143,13 @@ log: destruct application.)"_s;
         QTest::addColumn<QStringList>("arguments");
         QTest::addColumn<int>("status");
         QTest::addColumn<QString>("text");
-        QTest::newRow("nothing") << words("") << 2 << "a command is missing";
-        QTest::newRow("unknown command") << words("dance") << 2 << "no command 'dance'";
+        QTest::newRow("nothing") << words("") << 2 << "expected a command";
+        QTest::newRow("unknown command") << words("dance") << 2 << "unknown command 'dance'";
         QTest::newRow("unknown option") << words("run --fast") << 2 << "fast";
         QTest::newRow("option without value") << words("run --document") << 2 << "document";
-        QTest::newRow("argument") << words("run a.ovdoc") << 2 << "'a.ovdoc'";
-        QTest::newRow("directory")
-            << QStringList({"run"_s, "--app-dir"_s, QString()}) << 2 << "--app-dir: a directory";
+        QTest::newRow("argument") << words("run a.ovdoc") << 2 << "unexpected argument 'a.ovdoc'";
+        QTest::newRow("directory") << QStringList({"run"_s, "--app-dir"_s, QString()}) << 2
+                                   << "--app-dir: expected a directory";
         QTest::newRow("board") << words("run --board left") << 2 << "--board: 'left'";
         QTest::newRow("no host") << words("ping") << 2 << "expected one host, got 0";
         QTest::newRow("two hosts") << words("trace a b") << 2 << "expected one host, got 2";
@@ -162,8 +165,13 @@ log: destruct application.)"_s;
         QTest::newRow("count") << words("ping a --count -1") << 2 << "--count: '-1'";
         QTest::newRow("hops") << words("trace a --max-hops 0") << 2 << "--max-hops: '0'";
         QTest::newRow("help") << words("--help") << 0 << "run a whole session";
-        QTest::newRow("help on a command") << words("run --help") << 0 << "--document <FILE>";
-        QTest::newRow("version") << words("--version") << 0 << "ovapp-host ";
+        QTest::newRow("help on a command")
+            << words("run --help") << 0 << executableName() + " run [options]"_s;
+        QTest::newRow("version") << words("--version") << 0
+                                 << executableName() +
+                                        " %1 (Qt %2)"_s.arg(
+                                            QString::fromUtf8(Core::Version::versionString()),
+                                            QLatin1String(qVersion()));
     }
 
     void usage()
@@ -318,7 +326,7 @@ log: destruct application.)"_s;
         QTest::addColumn<QString>("script");
         QTest::addColumn<QString>("arguments");
         QTest::addColumn<QStringList>("errors");
-        const QStringList written("ovapp-host: standard output cannot be written to"_s);
+        const QStringList written("ovapp-host: cannot write to standard output"_s);
         QTest::newRow("full") << R"(("$@"; echo $? >&2) >/dev/full)"
                               << "--version" << written;
         const QString unread = R"(("$@"; echo $? >&2) | :)"_s;
@@ -505,18 +513,47 @@ log: destruct application.)"_s;
 #endif
     }
 
+    void pluginsInSession()
+    {
+        const QTemporaryDir directory;
+        writeFailingPlugin(directory.filePath("a.dll"_s), "started throw");
+        writeFailingPlugin(directory.filePath("b.dll"_s), "asked throw");
+        writeFile(directory.filePath("c.dll"_s), "text");
+        writeFailingPlugin(directory.filePath("d.dll"_s), "");
+        const Outcome outcome = runHost(words("run --board 4 --app-dir %1 --plugins %1")
+                                            .replaceInStrings("%1"_s, directory.path()));
+        QCOMPARE(outcome.status, 0);
+        QStringList lines = outcome.output.filter(".dll"_s);
+        lines.replaceInStrings(QRegularExpression("^ *[0-9]+ ms  (host +)?"_s), QString());
+        lines = lines.filter(QRegularExpression("^(?!log)"_s));
+        QCOMPARE(
+            lines,
+            QStringList(
+                {"loads and starts a.dll (1 of 4)"_s, "loads and starts b.dll (2 of 4)"_s,
+                 "loads and starts c.dll (3 of 4)"_s, "loads and starts d.dll (4 of 4)"_s,
+                 "a.dll is accepted: start() threw an exception: of no use"_s,
+                 "b.dll is refused: pluginID() threw an exception: of no use"_s,
+                 "c.dll is refused: "_s + System::libraryFileError(directory.filePath("c.dll"_s)),
+                 "d.dll is accepted"_s, "stops and unloads d.dll"_s, "stops and unloads a.dll"_s}));
+        // What the plug-ins print themselves shows that each is unloaded in its step.
+        QCOMPARE(outcome.output.filter("unloaded"_s).size(), 3);
+    }
+
     void endOfSession_data()
     {
         QTest::addColumn<QByteArray>("way");
         QTest::addColumn<QString>("ending");
-        QTest::newRow("exit") << QByteArray("started exit")
-                              << "a call of exit while the host loads and starts the plug-ins";
+        QTest::newRow("exit")
+            << QByteArray("started exit")
+            << "a call of exit while the host loads and starts failing.dll (1 of 1)";
         QTest::newRow("exception")
             << QByteArray("later throw")
             << "an exception that nobody caught (of no use) while the host runs "
                "the event loop";
 #ifdef Q_OS_UNIX
         QTest::newRow("children") << QByteArray("started fork") << "";
+        QTest::newRow("stop") << QByteArray("stopped crash")
+                              << "SIGSEGV while the host stops and unloads failing.dll";
         QTest::newRow("stack") << QByteArray("later overflow")
                                << "SIGSEGV while the host runs the event loop";
 #endif
@@ -530,13 +567,18 @@ log: destruct application.)"_s;
         writeFailingPlugin(directory.filePath("failing.dll"_s), way);
         const Outcome outcome = runHost(words("run --board 4 --app-dir %1 --plugins %1")
                                             .replaceInStrings("%1"_s, directory.path()));
-        const QString error = "ovapp-host: ended by "_s + ending +
-                              "; ovapp-host plugins --profile examines the plug-ins"_s;
+        const QString error = "ovapp-host: ended by "_s + ending + "; "_s + executableName() +
+                              " plugins --profile inspects the plug-ins"_s;
         QCOMPARE(outcome.errors, ending.isEmpty() ? QStringList() : QStringList(error));
         QCOMPARE(outcome.status, ending.isEmpty() ? 0 : 1);
     }
 
 private:
+    static QString executableName()
+    {
+        return QFileInfo(QStringLiteral(OVAPP_HOST)).completeBaseName();
+    }
+
     static void writeFailingPlugin(const QString& path, QByteArray way)
     {
         QByteArray plugin = contentOf(QStringLiteral(FAILING_PLUGIN));

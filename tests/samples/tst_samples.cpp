@@ -212,7 +212,7 @@ private Q_SLOTS:
                         .replaceInStrings("%1"_s, directory.filePath("made"_s))
                         .replaceInStrings("%2"_s, QStringLiteral(SAMPLE_PLUGIN_DIR)));
         QCOMPARE(outcome.errors.size(), 1);
-        QVERIFY(outcome.errors.first().contains("--app-dir: there was no directory"_s));
+        QVERIFY(outcome.errors.first().contains("did not exist and was created"_s));
         QCOMPARE(outcome.status, 0);
         QCOMPARE(outcome.output.size(), 5);
         QVERIFY(outcome.output.first().contains("LOAD/MS  START/MS  STOP/MS  VERDICT"_s));
