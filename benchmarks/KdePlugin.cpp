@@ -1,6 +1,6 @@
 #include <KPluginFactory>
 
-/// As small as a plug-in of KDE's can be.
+/// The smallest possible plug-in for KPluginFactory.
 class KdePlugin : public QObject
 {
     Q_OBJECT

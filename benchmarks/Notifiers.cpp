@@ -6,7 +6,7 @@ namespace Bench {
 
 namespace {
 
-auto callOf(PlainReceiver* receiver)
+auto callTo(PlainReceiver* receiver)
 {
     return [receiver](Doc::Document* document, bool flag, int value) {
         receiver->updateProperty(document, flag, value);
@@ -39,7 +39,7 @@ void QtNotifier::notify(Doc::Document* document, bool flag, int value)
 
 void BoostNotifier::connect(PlainReceiver* receiver)
 {
-    _signal.connect(callOf(receiver));
+    _signal.connect(callTo(receiver));
 }
 
 void BoostNotifier::notify(Doc::Document* document, bool flag, int value)
@@ -49,7 +49,7 @@ void BoostNotifier::notify(Doc::Document* document, bool flag, int value)
 
 void SigcNotifier::connect(PlainReceiver* receiver)
 {
-    _signal.connect(callOf(receiver));
+    _signal.connect(callTo(receiver));
 }
 
 void SigcNotifier::notify(Doc::Document* document, bool flag, int value)

@@ -16,8 +16,8 @@ namespace App {
 class PropertyListener;
 } // namespace App
 
-/// The alternatives to the application object's listeners. Each is used in the way of its kind
-/// that is fastest, on one thread.
+/// The alternatives to the application object's listeners. Each is used in its fastest way, on one
+/// thread.
 namespace Bench {
 
 class PlainReceiver;
@@ -25,8 +25,8 @@ class QtReceiver;
 
 using PropertySignature = void(Doc::Document*, bool, int);
 
-/// The least that telling listeners can cost: a virtual call of each, and no promise about what
-/// the listeners may do meanwhile.
+/// The lower bound: one virtual call per listener, without any guarantee if a listener changes the
+/// list.
 class BENCH_PEERS_EXPORT BareLoop
 {
 public:
@@ -37,7 +37,7 @@ private:
     std::vector<App::PropertyListener*> _listeners;
 };
 
-/// A Qt signal, connected directly to member functions.
+/// A Qt signal with direct connections to member functions.
 class BENCH_PEERS_EXPORT QtNotifier : public QObject
 {
     Q_OBJECT
@@ -50,7 +50,7 @@ Q_SIGNALS:
     void propertyUpdated(Doc::Document* document, bool flag, int value);
 };
 
-/// A signal of Boost without the lock, which none of the others takes.
+/// A Boost signal without its mutex, since the other alternatives do not lock.
 class BENCH_PEERS_EXPORT BoostNotifier
 {
 public:
@@ -63,7 +63,7 @@ private:
     boost::signals2::signal_type<PropertySignature, Unlocked>::type _signal;
 };
 
-/// A signal of sigc++, connected to lambdas, which do not watch for the receiver's end.
+/// A sigc++ signal, connected to lambdas, which do not track the lifetime of the receiver.
 class BENCH_PEERS_EXPORT SigcNotifier
 {
 public:

@@ -2,7 +2,7 @@
 
 #include <QObject>
 
-/// As small as a plug-in can be.
+/// The smallest possible plug-in.
 class Plugin : public QObject, public App::PluginInterface
 {
     Q_OBJECT

@@ -17,12 +17,12 @@ void AddingListener::updatePropertyListener(Doc::Document*, bool, int value)
 
 } // namespace
 
-std::unique_ptr<ListeningReceiver> ListeningReceiver::make()
+std::unique_ptr<ListeningReceiver> ListeningReceiver::create()
 {
     return std::make_unique<AddingListener>();
 }
 
-std::unique_ptr<PlainReceiver> PlainReceiver::make()
+std::unique_ptr<PlainReceiver> PlainReceiver::create()
 {
     return std::make_unique<PlainReceiver>();
 }
@@ -32,7 +32,7 @@ void PlainReceiver::updateProperty(Doc::Document*, bool, int value)
     sum += value;
 }
 
-std::unique_ptr<QtReceiver> QtReceiver::make()
+std::unique_ptr<QtReceiver> QtReceiver::create()
 {
     return std::make_unique<QtReceiver>();
 }

@@ -14,28 +14,28 @@ namespace Bench {
 
 namespace {
 
-/// The table's maker finds it among what the JSON says about the run.
-void want(const std::string& name, const std::string& ratio)
+/// Adds the target to the context in the JSON output, where compare.py reads it.
+void addTarget(const std::string& name, const std::string& target)
 {
-    benchmark::AddCustomContext("wanted " + name, ratio);
+    benchmark::AddCustomContext("target " + name, target);
 }
 
 } // namespace
 
-void wantAtMost(const std::string& name, double ratio)
+void setTargetRatio(const std::string& name, double ratio)
 {
-    want(name, "ovapp/it <= " + QString::number(ratio).toStdString());
+    addTarget(name, "ovapp/it <= " + QString::number(ratio).toStdString());
 }
 
-void wantFaster(const std::string& name, double ratio)
+void setTargetSpeedup(const std::string& name, double ratio)
 {
-    want(name, "it/ovapp >= " + QString::number(ratio).toStdString());
+    addTarget(name, "it/ovapp >= " + QString::number(ratio).toStdString());
 }
 
 Session::Session(int& argc, char** argv) : _argc(argc), _argv(argv), _qtApplication(argc, argv)
 {
     if (!_directory.isValid())
-        qFatal("no temporary directory: %s", qPrintable(_directory.errorString()));
+        qFatal("cannot create a temporary directory: %s", qPrintable(_directory.errorString()));
     QStandardPaths::setTestModeEnabled(true);
 }
 

@@ -5,26 +5,26 @@
 
 #include <string>
 
-/// What every benchmark program here is made of.
+/// The common parts of the benchmark programs.
 ///
-/// A benchmark is named "group/side" or "group/side/size". The side "ovapp" is this library; the
-/// other sides of the group, at the same size, are what it is compared with. A side may carry a
-/// wanted ratio, which is declared where the benchmark is:
+/// A benchmark is named "group/side" or "group/side/size". The side "ovapp" is this library; it is
+/// compared with the other sides of the group that have the same size. A side may have a target,
+/// which is set next to the registration of the benchmark:
 ///
 ///     benchmark::RegisterBenchmark("Notification/ovapp/1000", notifyThroughApplication, 1000);
 ///     benchmark::RegisterBenchmark("Notification/bare loop/1000", notifyInBareLoop, 1000);
-///     Bench::wantAtMost("Notification/bare loop/1000", 1.5);
+///     Bench::setTargetRatio("Notification/bare loop/1000", 1.5);
 ///
-/// compare.py makes the table from the JSON of a run.
+/// compare.py creates the table from the JSON output.
 namespace Bench {
 
-/// Wants the library to take at most `ratio` times as long as the benchmark named.
-void wantAtMost(const std::string& name, double ratio);
-/// Wants the benchmark named to take at least `ratio` times as long as the library.
-void wantFaster(const std::string& name, double ratio);
+/// Sets the target that the library takes at most `ratio` times as long as this benchmark.
+void setTargetRatio(const std::string& name, double ratio);
+/// Sets the target that this benchmark takes at least `ratio` times as long as the library.
+void setTargetSpeedup(const std::string& name, double ratio);
 
-/// One run of a program: the Qt application, and a temporary directory for all that is written, so
-/// that no run sees another's files or the user's.
+/// The Qt application and a temporary directory for all files of the run, which isolates it from
+/// other runs and from the user's files.
 class Session
 {
 public:
@@ -32,10 +32,10 @@ public:
 
     QString directoryPath() const;
 
-    /// `Application::init` with its files in the directory; `Application::destruct` ends it.
+    /// Calls `Application::init` with the directory as its application directory.
     void startApplication() const;
 
-    /// Runs the registered benchmarks that the command line asks for; returns the exit status.
+    /// Runs the registered benchmarks that the command line selects; returns the exit code.
     int run();
 
 private:

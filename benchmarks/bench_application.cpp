@@ -23,8 +23,8 @@ namespace {
 constexpr int memberCount = 10000;
 constexpr int finishedCount = 42;
 
-/// A document with as many members beside its own as are wanted, as a file's bytes.
-QByteArray makeDocument()
+/// Returns the file content of a document with `memberCount` additional members.
+QByteArray createDocument()
 {
     QJsonObject members{
         {QStringLiteral("format"), QStringLiteral("ovdoc")},
@@ -54,30 +54,31 @@ void writeFile(const QString& path, const QByteArray& content)
         qFatal("cannot write %s", qPrintable(path));
 }
 
-bool isWhole(const QJsonDocument& json)
+bool isComplete(const QJsonDocument& json)
 {
-    // The three members of the format itself come on top.
+    // The format itself has three members.
     return json.object().size() == memberCount + 3;
 }
 
-bool isWhole(const Doc::Document& document)
+bool isComplete(const Doc::Document& document)
 {
     return document.storage()->queryDocObjectDirect()->printCountData().finishedCount() ==
            finishedCount;
 }
 
-/// Measures `make`, which gives a pointer to something whole; that thing's end is not timed.
-template <typename Make>
-void measure(benchmark::State& state, Make make)
+/// Measures `create`, which returns a smart pointer to a complete document. Deleting the document
+/// is not measured.
+template <typename Create>
+void measure(benchmark::State& state, Create create)
 {
     for (auto _ : state) {
-        auto made = make();
+        auto document = create();
         state.PauseTiming();
-        if (!made || !isWhole(*made)) {
-            state.SkipWithError("the document has not been read as it is");
+        if (!document || !isComplete(*document)) {
+            state.SkipWithError("the document is not complete");
             return;
         }
-        made.reset();
+        document.reset();
         state.ResumeTiming();
     }
 }
@@ -97,20 +98,20 @@ void measureStartAndStop(benchmark::State& state, const Bench::Session& session)
     const QVariant version = Core::Settings::instance().value(QStringLiteral("About/version"));
     App::Application::destruct();
     if (version.toString().isEmpty())
-        state.SkipWithError("the settings have not been read from where they were written");
+        state.SkipWithError("the settings were not stored");
 }
 
 void measureOpening(benchmark::State& state, const Bench::Session& session, const QString& path)
 {
     session.startApplication();
     App::Application& application = App::Application::instance();
-    const auto forget = [&application](Doc::Document* document) {
+    const auto close = [&application](Doc::Document* document) {
         application.closeDocument();
         delete document;
     };
-    measure(state, [&application, &path, &forget] {
-        return std::unique_ptr<Doc::Document, decltype(forget)>(application.openDocument(path),
-                                                                forget);
+    measure(state, [&application, &path, &close] {
+        return std::unique_ptr<Doc::Document, decltype(close)>(application.openDocument(path),
+                                                               close);
     });
     App::Application::destruct();
 }
@@ -124,14 +125,14 @@ void measureSettings(benchmark::State& state, const Bench::Session& session, con
         Core::Settings::instance().setValue(key, path);
     }
     if (Core::Settings::instance().value(key) != path)
-        state.SkipWithError("the path has not been stored");
+        state.SkipWithError("the path was not stored");
     App::Application::destruct();
 }
 
 void registerBenchmarks(const Bench::Session& session, const QString& path,
                         const QByteArray& content)
 {
-    // What waits for the disk counts as well.
+    // Real time, since waiting for the disk counts too.
     const auto add = [](const char* name, auto function) {
         benchmark::RegisterBenchmark(name, function)->UseRealTime()->Unit(benchmark::kMicrosecond);
     };
@@ -146,7 +147,7 @@ void registerBenchmarks(const Bench::Session& session, const QString& path,
             return std::make_unique<QJsonDocument>(QJsonDocument::fromJson(content));
         });
     });
-    Bench::wantAtMost("Open a document/parse", 2);
+    Bench::setTargetRatio("Open a document/parse", 2);
     add("Open a document/read and parse", [&path](benchmark::State& state) {
         measure(state, [&path] {
             return std::make_unique<QJsonDocument>(QJsonDocument::fromJson(readFile(path)));
@@ -162,7 +163,7 @@ int main(int argc, char** argv)
 {
     Bench::Session session(argc, argv);
     const QString path = QDir(session.directoryPath()).filePath(QStringLiteral("large.ovdoc"));
-    const QByteArray content = makeDocument();
+    const QByteArray content = createDocument();
     writeFile(path, content);
     registerBenchmarks(session, path, content);
     return session.run();

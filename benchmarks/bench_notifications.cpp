@@ -20,21 +20,21 @@ constexpr int value = 3;
 template <typename Receiver>
 using Receivers = std::vector<std::unique_ptr<Receiver>>;
 
-/// As many as the largest count needs, each allocated by itself, one after the other. All are made
-/// before the first measurement, so that no side measures the heap that another one left behind;
-/// a smaller count means the first so many.
+/// Creates the receivers for the largest count; smaller counts use the first ones. All receivers
+/// are allocated one after the other before the first measurement, so that no side depends on the
+/// state of the heap after another.
 template <typename Receiver>
-Receivers<Receiver> makeReceivers()
+Receivers<Receiver> createReceivers()
 {
     Receivers<Receiver> receivers;
     receivers.reserve(counts.back());
     while (receivers.size() < counts.back())
-        receivers.push_back(Receiver::make());
+        receivers.push_back(Receiver::create());
     return receivers;
 }
 
-/// Measures `notifier`, and fails unless each notification has told the first `count` of the
-/// receivers once, and nobody else.
+/// Measures `notifier`; fails unless each notification has called each of the first `count`
+/// receivers once, and no other.
 template <typename Notifier, typename Receiver>
 void measure(benchmark::State& state, Notifier& notifier, const Receivers<Receiver>& receivers,
              std::size_t count)
@@ -48,7 +48,7 @@ void measure(benchmark::State& state, Notifier& notifier, const Receivers<Receiv
     const qint64 expected = value * static_cast<qint64>(state.iterations());
     for (std::size_t i = 0; i < receivers.size(); ++i) {
         if (receivers[i]->sum != (i < count ? expected : 0)) {
-            state.SkipWithError("a receiver has not been told as often as it should");
+            state.SkipWithError("wrong number of calls of a receiver");
             return;
         }
     }
@@ -59,7 +59,7 @@ std::string nameOf(const char* side, std::size_t count)
     return std::string(BENCH_GROUP "/") + side + "/" + std::to_string(count);
 }
 
-/// One of the alternatives, at one count, connected from here on.
+/// Registers the benchmark of an alternative, which stays connected to `count` receivers.
 template <typename Notifier, typename Receiver>
 void registerPeer(const char* side, const Receivers<Receiver>& receivers, std::size_t count)
 {
@@ -72,7 +72,8 @@ void registerPeer(const char* side, const Receivers<Receiver>& receivers, std::s
                                  });
 }
 
-/// The application object, which has one list only: its listeners go when this does.
+/// Notifies through the application object. It has only one list, so the listeners are removed in
+/// the destructor.
 class ApplicationNotifier
 {
 public:
@@ -117,10 +118,10 @@ void registerApplication(const Receivers<Bench::ListeningReceiver>& receivers, s
 int main(int argc, char** argv)
 {
     Bench::Session session(argc, argv);
-    const auto listening = makeReceivers<Bench::ListeningReceiver>();
-    const auto qt = makeReceivers<Bench::QtReceiver>();
-    const auto boost = makeReceivers<Bench::PlainReceiver>();
-    const auto sigc = makeReceivers<Bench::PlainReceiver>();
+    const auto listening = createReceivers<Bench::ListeningReceiver>();
+    const auto qt = createReceivers<Bench::QtReceiver>();
+    const auto boost = createReceivers<Bench::PlainReceiver>();
+    const auto sigc = createReceivers<Bench::PlainReceiver>();
     for (const std::size_t count : counts) {
         registerApplication(listening, count);
         registerPeer<Bench::BareLoop>("bare loop", listening, count);
@@ -128,16 +129,17 @@ int main(int argc, char** argv)
         registerPeer<Bench::BoostNotifier>("boost::signals2", boost, count);
         registerPeer<Bench::SigcNotifier>("sigc++", sigc, count);
     }
-    // A bare loop in the executable calls what is beside it, and the library does not.
+    // In the executable, a bare loop calls functions of the same binary; ovapp calls across
+    // binaries.
 #ifdef BENCH_PEERS_STATIC_DEFINE
-    Bench::wantAtMost(nameOf("bare loop", 1000), 1.5);
+    Bench::setTargetRatio(nameOf("bare loop", 1000), 1.5);
 #else
-    Bench::wantAtMost(nameOf("bare loop", 1), 1.4);
-    Bench::wantAtMost(nameOf("bare loop", 10), 1.15);
-    Bench::wantAtMost(nameOf("bare loop", 1000), 1.05);
+    Bench::setTargetRatio(nameOf("bare loop", 1), 1.4);
+    Bench::setTargetRatio(nameOf("bare loop", 10), 1.15);
+    Bench::setTargetRatio(nameOf("bare loop", 1000), 1.05);
 #endif
-    Bench::wantFaster(nameOf("Qt signal", 1000), 6);
-    Bench::wantFaster(nameOf("sigc++", 1000), 2.5);
+    Bench::setTargetSpeedup(nameOf("Qt signal", 1000), 6);
+    Bench::setTargetSpeedup(nameOf("sigc++", 1000), 2.5);
 
     session.startApplication();
     const int status = session.run();

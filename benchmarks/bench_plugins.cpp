@@ -27,8 +27,8 @@ constexpr int pluginCount = 200;
 constexpr int folderCount = 1000;
 constexpr int filesPerFolder = 10;
 
-/// What one process took to load the plug-ins of a directory and to unload them, in nanoseconds,
-/// and how many they were.
+/// The times in which a process has loaded and unloaded the plug-ins of a directory, in
+/// nanoseconds, and their number.
 struct Figures
 {
     qint64 load = 0;
@@ -63,7 +63,7 @@ Figures loadThroughLoader(const QString& directory)
     return figures;
 }
 
-/// Asks each plug-in what the loader asks it, and the system for every symbol, as the loader does.
+/// Like the loader, resolves all symbols of each plug-in and calls the same functions.
 Figures loadInBareLoop(const QString& directory)
 {
     Figures figures;
@@ -94,7 +94,7 @@ Figures loadInBareLoop(const QString& directory)
     return figures;
 }
 
-/// KDE's loader never unloads.
+/// KPluginFactory never unloads plug-ins.
 Figures loadThroughKde(const QString& directory)
 {
     Figures figures;
@@ -124,9 +124,8 @@ const struct Side
              {"bare loop", loadInBareLoop, BENCH_PLUGIN},
              {"KPluginFactory", loadThroughKde, BENCH_KDE_PLUGIN}};
 
-/// Loading is measured in a process of its own each time: a library that was loaded once stays in
-/// a process.
-int measureHere(const Bench::Session& session, const Side& side, const QString& directory)
+/// Runs in a child process for each measurement, since a library may stay loaded in a process.
+int measureInChild(const Bench::Session& session, const Side& side, const QString& directory)
 {
     session.startApplication();
     const Figures figures = side.load(directory);
@@ -136,8 +135,8 @@ int measureHere(const Bench::Session& session, const Side& side, const QString& 
     return 0;
 }
 
-void measureElsewhere(benchmark::State& state, const Side& side, const QString& directory,
-                      qint64 Figures::*figure)
+void measureThroughChild(benchmark::State& state, const Side& side, const QString& directory,
+                         qint64 Figures::*figure)
 {
     for (auto _ : state) {
         QProcess process;
@@ -146,7 +145,7 @@ void measureElsewhere(benchmark::State& state, const Side& side, const QString& 
         process.waitForFinished();
         const QList<QByteArray> numbers = process.readAllStandardOutput().trimmed().split(' ');
         if (numbers.size() != 3 || numbers.at(2).toInt() != pluginCount) {
-            state.SkipWithError("not every plug-in has been loaded");
+            state.SkipWithError("not all plug-ins were loaded");
             return;
         }
         const qint64 nanoseconds = numbers.at(figure == &Figures::load ? 0 : 1).toLongLong();
@@ -154,7 +153,7 @@ void measureElsewhere(benchmark::State& state, const Side& side, const QString& 
     }
 }
 
-void makePlugins(const QString& directory, const char* plugin)
+void copyPlugins(const QString& directory, const char* plugin)
 {
     QDir().mkpath(directory);
     for (int i = 0; i < pluginCount; ++i) {
@@ -164,10 +163,10 @@ void makePlugins(const QString& directory, const char* plugin)
     }
 }
 
-void makeTree(const QString& directory)
+void createTree(const QString& directory)
 {
     for (int folder = 0; folder < folderCount; ++folder) {
-        // Ten folders by ten by ten.
+        // Three levels with ten folders each.
         const QString path = QStringLiteral("%1/%2/%3/%4")
                                  .arg(directory)
                                  .arg(folder / 100)
@@ -186,7 +185,7 @@ void measureScan(benchmark::State& state, Scan scan)
 {
     for (auto _ : state) {
         if (scan(state) != folderCount * filesPerFolder) {
-            state.SkipWithError("not every file has been found");
+            state.SkipWithError("not all files were found");
             return;
         }
     }
@@ -194,7 +193,7 @@ void measureScan(benchmark::State& state, Scan scan)
 
 int scanThroughLoader(benchmark::State& state, const QString& directory, const QString& empty)
 {
-    // An empty scan makes the loader forget the one before.
+    // The loader caches its last scan; scanning an empty directory discards it.
     state.PauseTiming();
     Core::Settings::instance().setPluginDirPath(empty);
     App::PluginLoader::loadPlugins(false);
@@ -221,18 +220,18 @@ int main(int argc, char** argv)
     if (arguments.value(1) == QLatin1String("--measure")) {
         for (const Side& side : sides) {
             if (arguments.value(2) == QLatin1String(side.name))
-                return measureHere(session, side, arguments.value(3));
+                return measureInChild(session, side, arguments.value(3));
         }
     }
 
     for (const Side& side : sides) {
         const QString directory =
             session.directoryPath() + QLatin1Char('/') + QLatin1String(side.name);
-        makePlugins(directory, side.plugin);
+        copyPlugins(directory, side.plugin);
         const auto add = [&side, directory](const std::string& group, qint64 Figures::*figure) {
             benchmark::RegisterBenchmark((group + '/' + side.name).c_str(),
                                          [&side, directory, figure](benchmark::State& state) {
-                                             measureElsewhere(state, side, directory, figure);
+                                             measureThroughChild(state, side, directory, figure);
                                          })
                 ->UseManualTime();
         };
@@ -240,11 +239,11 @@ int main(int argc, char** argv)
         if (side.load != loadThroughKde)
             add("Unload 200 plug-ins", &Figures::unload);
     }
-    Bench::wantAtMost("Load 200 plug-ins/bare loop", 1.05);
+    Bench::setTargetRatio("Load 200 plug-ins/bare loop", 1.05);
 
     const QString tree = session.directoryPath() + QStringLiteral("/tree");
     const QString empty = session.directoryPath() + QStringLiteral("/empty");
-    makeTree(tree);
+    createTree(tree);
     QDir().mkpath(empty);
     benchmark::RegisterBenchmark("Scan 10000 files/ovapp", [&](benchmark::State& state) {
         measureScan(state,
@@ -256,7 +255,7 @@ int main(int argc, char** argv)
     benchmark::RegisterBenchmark("Scan 10000 files/find", [&](benchmark::State& state) {
         measureScan(state, [&](benchmark::State&) { return scanWithFind(tree); });
     })->UseRealTime();
-    Bench::wantAtMost("Scan 10000 files/QDirIterator", 1.5);
+    Bench::setTargetRatio("Scan 10000 files/QDirIterator", 1.5);
 
     session.startApplication();
     const int status = session.run();

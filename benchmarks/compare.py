@@ -6,7 +6,7 @@ Usage: compare.py RESULT.json...
 Results of the same program are taken together. A benchmark is named "group/side" or "group/side/size". The sides of a group that have the same
 size are compared with the side "ovapp", each by the smallest time of its repetitions: that is the
 one that other work on the machine moves least. A ratio that is wanted of a side stands in the
-context of the run, as "wanted group/side/size": "ovapp/it <= 1.5" or "it/ovapp >= 6".
+context of the run, as "target group/side/size": "ovapp/it <= 1.5" or "it/ovapp >= 6".
 
 The exit status is 1 when a benchmark has failed or the results do not fit together. A wanted ratio
 that is not met is reported, no more: timings depend on the machine.
@@ -18,7 +18,7 @@ import statistics
 import sys
 
 OURS = "ovapp"
-WANTED_PREFIX = "wanted "
+WANTED_PREFIX = "target "
 WANTED = re.compile(r"(ovapp/it|it/ovapp) (<=|>=) ([0-9.]+)")
 NANOSECONDS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
 # What Google Benchmark appends to a name: how the benchmark was run, not what it measures.

@@ -3,16 +3,16 @@
 #include <QString>
 #include <QTemporaryDir>
 
-/// Where the files of this process lie.
+/// Returns the path of a file in a temporary directory of this process.
 inline QString fuzzedFile(const char* name)
 {
     static const QTemporaryDir directory;
     return directory.filePath(QLatin1String(name));
 }
 
-/// Ends the process, as a crash does, where a promise is broken.
-inline void require(bool holds, const char* promise)
+/// Aborts the process, which libFuzzer reports as a crash, if the condition is false.
+inline void require(bool condition, const char* guarantee)
 {
-    if (!holds)
-        qFatal("broken: %s", promise);
+    if (!condition)
+        qFatal("violated: %s", guarantee);
 }

@@ -12,8 +12,8 @@
 
 namespace {
 
-/// What a file holds beside the counts.
-QJsonObject othersOf(const QByteArray& text)
+/// Returns the members of a document except the counts.
+QJsonObject otherMembersOf(const QByteArray& text)
 {
     QJsonObject object = QJsonDocument::fromJson(text).object();
     QJsonObject printCount = object.take("printCount"_s).toObject();
@@ -23,10 +23,10 @@ QJsonObject othersOf(const QByteArray& text)
     return object;
 }
 
-/// How many members are named, in all objects of a text.
-int namesIn(const QByteArray& text)
+/// Returns the number of members of all objects, including nested ones.
+int memberCount(const QByteArray& text)
 {
-    int names = 0;
+    int count = 0;
     bool inString = false;
     for (int i = 0; i < text.size(); ++i) {
         if (inString && text.at(i) == '\\')
@@ -34,28 +34,27 @@ int namesIn(const QByteArray& text)
         else if (text.at(i) == '"')
             inString = !inString;
         else if (!inString && text.at(i) == ':')
-            ++names;
+            ++count;
     }
-    return names;
+    return count;
 }
 
-/// Whether Qt takes a text as it is: of two members of one name it takes either, and it leaves byte
-/// order marks out of names.
-bool isPlain(const QByteArray& text)
+/// Returns true if Qt reads all members: it drops duplicates, and byte order marks in names.
+bool isReadLosslessly(const QByteArray& text)
 {
     return !text.contains("\xef\xbb\xbf") &&
-           namesIn(text) == namesIn(QJsonDocument::fromJson(text).toJson());
+           memberCount(text) == memberCount(QJsonDocument::fromJson(text).toJson());
 }
 
 } // namespace
 
-/// Qt's reader leaks the one that it drops of two members of one name.
+/// Qt's JSON parser leaks a dropped duplicate.
 extern "C" const char* __lsan_default_suppressions()
 {
     return "leak:libQt5Core";
 }
 
-/// Anything is opened as a file; what is a document lives through being saved.
+/// Opens any input as a document. If that succeeds, saving it must preserve it.
 extern "C" int LLVMFuzzerTestOneInput(const uchar* data, std::size_t size)
 {
     const QString path = fuzzedFile("given.ovdoc");
@@ -69,17 +68,18 @@ extern "C" int LLVMFuzzerTestOneInput(const uchar* data, std::size_t size)
     document.setFilePath(copy);
     require(document.save(), "a document can be saved");
     const QByteArray saved = contentOf(copy);
-    if (isPlain(text))
-        require(othersOf(saved) == othersOf(text), "what only others know survives");
+    if (isReadLosslessly(text))
+        require(otherMembersOf(saved) == otherMembersOf(text), "unknown members survive");
 
-    Doc::Document again(new Doc::Storage);
-    require(again.open(copy), "what was saved can be opened");
+    Doc::Document reopened(new Doc::Storage);
+    require(reopened.open(copy), "a saved document can be opened");
     const Laser::PrintCountParams counts =
         document.storage()->queryDocObjectDirect()->printCountData();
-    const Laser::PrintCountParams read = again.storage()->queryDocObjectDirect()->printCountData();
+    const Laser::PrintCountParams read =
+        reopened.storage()->queryDocObjectDirect()->printCountData();
     require(read.finishedCount() == counts.finishedCount() &&
                 read.targetCount() == counts.targetCount(),
             "the counts survive");
-    require(again.save() && contentOf(copy) == saved, "saving again changes nothing");
+    require(reopened.save() && contentOf(copy) == saved, "saving again changes nothing");
     return 0;
 }

@@ -13,7 +13,7 @@ extern "C" int LLVMFuzzerInitialize(int* count, char*** arguments)
     return 0;
 }
 
-/// The input says who comes, goes and tells meanwhile.
+/// The input decides which listeners are added, removed and notified during notifications.
 extern "C" int LLVMFuzzerTestOneInput(const uchar* data, std::size_t size)
 {
     const Session session;

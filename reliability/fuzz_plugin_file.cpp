@@ -18,7 +18,8 @@
 
 namespace {
 
-/// A plug-in as it was built, and the places and lengths of what the guard and Qt read of it.
+/// The content of a plug-in file, and the offset and length of each part that `libraryFileError`
+/// and Qt read.
 struct Plugin
 {
     const QByteArray file = contentOf(QStringLiteral(FUZZED_PLUGIN));
@@ -49,8 +50,8 @@ struct Plugin
 
 } // namespace
 
-/// A plug-in is changed and cut short; what the guard lets pass, Qt reads the metadata of. It is
-/// never loaded: what its code would do is anyone's guess.
+/// Changes and truncates a plug-in. If `libraryFileError` accepts the file, Qt reads its metadata.
+/// The file is never loaded, since its code may do anything.
 extern "C" int LLVMFuzzerTestOneInput(const uchar* data, std::size_t size)
 {
     static const Plugin plugin;
@@ -58,7 +59,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uchar* data, std::size_t size)
     QByteArray file = plugin.file;
     if (changes.ConsumeBool())
         file.truncate(changes.ConsumeIntegralInRange(0, int(file.size())));
-    const bool isOnlyCut = changes.remaining_bytes() == 0 && file != plugin.file;
+    const bool isOnlyTruncated = changes.remaining_bytes() == 0 && file != plugin.file;
     while (changes.remaining_bytes() > 0 && !file.isEmpty()) {
         const auto [offset, length] = plugin.parts.at(
             changes.ConsumeIntegralInRange<std::size_t>(0, plugin.parts.size() - 1));
@@ -72,8 +73,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uchar* data, std::size_t size)
     const QString path = fuzzedFile("plugin.dll");
     writeFile(path, file);
     const bool passed = System::libraryFileError(path).isEmpty();
-    require(!passed || !isOnlyCut, "a plug-in that was cut short is refused");
+    require(!passed || !isOnlyTruncated, "a truncated plug-in is refused");
     const bool isPlugin = passed && !QPluginLoader(path).metaData().isEmpty();
-    require(isPlugin || file != plugin.file, "an undamaged plug-in passes");
+    require(isPlugin || file != plugin.file, "an undamaged plug-in is accepted");
     return 0;
 }

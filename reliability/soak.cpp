@@ -1,4 +1,4 @@
-// Goes through a program's life again and again, and through what may go wrong in it.
+// Repeats the life cycle of a program, and injects failures.
 
 #include <support/FullDisk.h>
 #include <support/Listener.h>
@@ -31,13 +31,14 @@
 
 namespace {
 
-void require(bool holds, const char* promise)
+void require(bool condition, const char* failure)
 {
-    if (!holds)
-        throw std::runtime_error(promise);
+    if (!condition)
+        throw std::runtime_error(failure);
 }
 
-/// The memory and the descriptors of this process: once a tenth is done, neither may grow.
+/// Checks that the memory and the open descriptors of this process do not grow after the first
+/// tenth of the cycles.
 class Growth
 {
 public:
@@ -48,30 +49,30 @@ public:
         const auto descriptors =
             QDir("/proc/self/fd"_s).entryList(QDir::System | QDir::AllEntries).size();
         if (done * 10 <= all) {
-            _memory = _most = memory;
+            _memory = _peak = memory;
             _descriptors = descriptors;
         }
-        _most = std::max(_most, memory);
-        require(_most - _memory <= mostGrowth, "memory grows");
+        _peak = std::max(_peak, memory);
+        require(_peak - _memory <= maxGrowth, "memory grows");
         require(descriptors == _descriptors, "descriptors are left open");
     }
-    QString words() const
+    QString summary() const
     {
         return "%1 KiB of memory after the first tenth, at most %2 KiB more later, %3 descriptors"_s
             .arg(_memory)
-            .arg(_most - _memory)
+            .arg(_peak - _memory)
             .arg(_descriptors);
     }
 
 private:
-    static constexpr qint64 mostGrowth = 1024; // KiB
+    static constexpr qint64 maxGrowth = 1024; // KiB
 
     qint64 _memory = 0; // KiB
-    qint64 _most = 0;   // KiB
+    qint64 _peak = 0;   // KiB
     decltype(QStringList().size()) _descriptors = 0;
 };
 
-/// Keeps a document that was closed until the next one is, and the events that are delivered.
+/// Keeps a closed document until the next one is closed, and counts the events that are delivered.
 struct Keeper : QObject, App::CloseDocumentListener
 {
     void updateCloseDocumentListener(Doc::Document* document) override { closed.reset(document); }
@@ -99,26 +100,26 @@ void setCounts(const Doc::Document& document, int count)
     document.storage()->queryDocObjectDirect()->setPrintCountData(counts);
 }
 
-/// The count that a document holds, which is all of it or nothing.
+/// Returns the count in a document; fails if a save was only partly written.
 int countIn(const QString& path)
 {
     Doc::Document document(new Doc::Storage);
     require(document.open(path), "a document can no longer be opened");
     const Laser::PrintCountParams counts = countsOf(document);
-    require(counts.finishedCount() == counts.targetCount(), "a document holds half of a change");
+    require(counts.finishedCount() == counts.targetCount(), "a document is partly saved");
     return counts.finishedCount();
 }
 
-/// From a new document to a closed one, with everything that is told meanwhile.
-void goThroughDocuments(const Session& session, Keeper& keeper, int count)
+/// Creates, saves, opens and closes documents, with all notifications and events.
+void runDocumentCycle(const Session& session, Keeper& keeper, int count)
 {
     App::Application& application = session.application();
-    int told = 0;
-    Listener listener([&told](const QString&) { ++told; });
+    int calls = 0;
+    Listener listener([&calls](const QString&) { ++calls; });
     add(application, &listener);
     const QString path = session.path("%1.ovdoc"_s.arg(count % 7));
     const Doc::Document* document = application.newDocument(path);
-    require(document, "a document cannot be made");
+    require(document, "a document cannot be created");
     setCounts(*document, count);
     Doc::Transaction transaction("mark"_s);
     application.notifyTransactionListeners(nullptr, &transaction);
@@ -137,7 +138,7 @@ void goThroughDocuments(const Session& session, Keeper& keeper, int count)
     activated->setFilePath(path);
     application.setActivateDocument(activated.release());
     require(application.closeDocument(), "a document cannot be closed");
-    require(told == 9, "a listener is not told");
+    require(calls == 9, "a listener is not called");
     remove(application, &listener);
 }
 
@@ -155,7 +156,7 @@ QString cycles(int all)
             session.application().addCloseDocumentListener(&keeper);
             require(session.startChannels() != 0, "a channel does not start");
             for (int i = 0; i < perSession && done < all; ++i)
-                goThroughDocuments(session, keeper, ++done);
+                runDocumentCycle(session, keeper, ++done);
             App::CommInfoRegistry::instance()->stop();
             session.application().removeCloseDocumentListener(&keeper);
             ++sessions;
@@ -163,7 +164,7 @@ QString cycles(int all)
         growth.measure(done, all);
     }
     return "%1 document cycles in %2 sessions with plug-ins: "_s.arg(all).arg(sessions) +
-           growth.words();
+           growth.summary();
 }
 
 const QByteArray& ballast()
@@ -288,18 +289,18 @@ QString fullDisks()
     return "%1 full disks, %2 of them for a document, %3 for settings: "_s.arg(all)
                .arg(all - saved)
                .arg(all - stored) +
-           growth.words();
+           growth.summary();
 }
 
-/// What a client is told until it has a line, or is sent away; it hangs up without one where it
-/// asks for nothing.
+/// Sends a request and returns the data received until a line is complete or the connection is
+/// closed. If the request is empty, disconnects at once.
 QByteArray answerTo(const QByteArray& request, quint16 port)
 {
     QTcpSocket client;
     QEventLoop loop;
-    QTimer patience;
-    QObject::connect(&patience, &QTimer::timeout, &loop, &QEventLoop::quit);
-    patience.start(10000);
+    QTimer timeout;
+    QObject::connect(&timeout, &QTimer::timeout, &loop, &QEventLoop::quit);
+    timeout.start(10000);
     QObject::connect(&client, &QTcpSocket::disconnected, &loop, &QEventLoop::quit);
     QObject::connect(&client, &QTcpSocket::connected, &loop, [&] {
         if (client.write(request) <= 0)
@@ -332,14 +333,14 @@ QString connections(int all)
         require(answerTo(request, port).trimmed() == answer, "a client is not answered");
         if (done % 10 != 0)
             continue;
-        // Until the other side has heard that the client is gone.
+        // Lets the server handle the disconnection.
         QEventLoop loop;
         QTimer::singleShot(5, &loop, &QEventLoop::quit);
         loop.exec();
         growth.measure(done, all);
     }
     App::CommInfoRegistry::instance()->stop();
-    return "%1 connections: "_s.arg(all) + growth.words();
+    return "%1 connections: "_s.arg(all) + growth.summary();
 }
 
 /// Ends the process with `exit` on another thread, while the main thread's event loop requests the
@@ -358,7 +359,7 @@ QString exits(int all)
 {
     QProcess bus;
     bus.start("dbus-daemon"_s, words("--session --nofork --nopidfile --print-address"));
-    require(bus.waitForReadyRead(), "needs dbus-daemon: scripts/setup soak");
+    require(bus.waitForReadyRead(), "dbus-daemon cannot be started; run scripts/setup soak");
     qputenv("DBUS_SYSTEM_BUS_ADDRESS", bus.readLine().trimmed());
     const QTemporaryDir directory;
     for (int done = 0; done < all; ++done) {
@@ -368,12 +369,12 @@ QString exits(int all)
                     {"--exit"_s, QString::number(done * 10)});
         require(child.waitForFinished(), "a program does not end");
         require(child.exitStatus() == QProcess::NormalExit && child.exitCode() == 0,
-                "a program crashes at its end");
-        require(child.readAllStandardError().isEmpty(), "a program prints something at its end");
+                "a program crashes at exit");
+        require(child.readAllStandardError().isEmpty(), "a program prints errors at exit");
     }
     bus.kill();
     bus.waitForFinished();
-    return "%1 programs that end while they ask for the sleep inhibitor"_s.arg(all);
+    return "%1 programs that exit while they request the sleep inhibitor"_s.arg(all);
 }
 
 } // namespace
@@ -396,8 +397,8 @@ int main(int argc, char** argv)
     const auto run = [&status](const char* name, const auto& kind) {
         try {
             std::printf("%s: %s\n", name, qPrintable(kind()));
-        } catch (const std::exception& loss) {
-            std::printf("%s: LOST: %s\n", name, loss.what());
+        } catch (const std::exception& failure) {
+            std::printf("%s: FAILED: %s\n", name, failure.what());
             status = 1;
         }
         std::fflush(stdout);
