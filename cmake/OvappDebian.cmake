@@ -1,4 +1,4 @@
-# What `cpack` makes of the preset debian: three packages, a component each.
+# The Debian packages that `cpack` builds with the preset debian, one per component.
 find_program(GZIP gzip REQUIRED)
 set(debian_dir ${PROJECT_SOURCE_DIR}/cmake/debian)
 
@@ -23,8 +23,8 @@ set(CPACK_DEBIAN_PACKAGE_SOURCE ovapp)
 set(CPACK_DEBIAN_PACKAGE_MAINTAINER "ovapp maintainers <ovapp@ovapp.invalid>")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 
-# What others need of these libraries; dpkg-shlibdeps finds out what these need of others, and finds
-# these where they were built.
+# The shlibs file says which package the users of these libraries depend on. dpkg-shlibdeps determines
+# the dependencies of the libraries themselves, and finds them in the build tree.
 set(libraries ovapp ovcore ovdatabase ovdoc ovshape ovsystem)
 set(shlibs "")
 foreach(library IN LISTS libraries)
@@ -46,17 +46,16 @@ set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_HOST_PACKAGE_SECTION misc)
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "application layer of a laser-marking program")
-set(about "It stands between the program and the plug-ins that make up its features.\n\n")
-set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "${about}This package holds the shared libraries.")
+set(about "It connects the program with the plug-ins that provide its features.\n\n")
+set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "${about}This package contains the shared libraries.")
 set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION "${about}\
-This package holds what a program or a plug-in is built with: headers, the
-package for CMake, the file for pkg-config, and a plug-in to begin with.")
+This package contains the files for building programs and plug-ins: headers,
+the CMake package, the pkg-config file, and a plug-in template.")
 set(CPACK_DEBIAN_HOST_DESCRIPTION "${about}\
-This package holds an executable without a user interface, which runs a whole
-session and says of plug-ins why they are refused, with sample documents and
-sample plug-ins.")
+This package contains an executable without a user interface, which runs a
+session and checks plug-ins, with sample documents and sample plug-ins.")
 
-# ovapp_add_compressed(<source> <file name> <component> <directory>): installs a text as <file name>.gz.
+# ovapp_add_compressed(<source> <file name> <component> <directory>): installs a file as <file name>.gz.
 function(ovapp_add_compressed source name component directory)
     set(compressed ${PROJECT_BINARY_DIR}/debian/${component}/${name}.gz)
     file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/debian/${component})

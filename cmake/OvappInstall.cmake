@@ -1,10 +1,9 @@
-# What others build against: find_package(ovapp CONFIG) gives ovapp::ovapp and ovapp_add_plugin, and
-# `pkg-config ovapp` the options of a compiler.
+# The CMake package, which provides ovapp::ovapp and ovapp_add_plugin, and the pkg-config file.
 include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/ovapp${ovapp_qt_suffix})
 
-# Programs that were built with a Qt do not run with an older one.
+# A program does not run with an older Qt than the one with which it was built.
 string(REGEX MATCH "^[0-9]+\\.[0-9]+" qt_version ${Qt${QT_MAJOR_VERSION}_VERSION})
 configure_package_config_file(cmake/ovappConfig.cmake.in ${PROJECT_BINARY_DIR}/ovappConfig.cmake
     INSTALL_DESTINATION ${package_dir})
@@ -29,9 +28,9 @@ configure_file(cmake/ovapp.pc.in ${PROJECT_BINARY_DIR}/ovapp${ovapp_qt_suffix}.p
 install(FILES ${PROJECT_BINARY_DIR}/ovapp${ovapp_qt_suffix}.pc
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 
-# What `cpack` makes: by default, of what is needed to run the host and not of what is needed to build
-# against the library, an archive of one folder.
-set(CPACK_GENERATOR ZIP CACHE STRING "ZIP, or DEB as the preset debian has it")
+# By default, `cpack` creates an archive of one folder with the files for running the host, without the
+# development files.
+set(CPACK_GENERATOR ZIP CACHE STRING "ZIP, or DEB as in the preset debian")
 if(CPACK_GENERATOR STREQUAL "DEB")
     include(cmake/OvappDebian.cmake)
 else()

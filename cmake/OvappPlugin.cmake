@@ -1,23 +1,23 @@
 # ovapp_add_plugin(<target> SOURCES <file>... [LINK <target>...] [OUTPUT_DIRECTORY <directory>])
 #
-# A plug-in for ovapp: the file <target>.dll, so named on every system, with hidden symbols, linked
-# to ovapp::ovapp and the LINK targets, its Q_OBJECT classes taken care of. OUTPUT_DIRECTORY is
-# where the file is built, for a place of its own.
+# Adds a plug-in for ovapp: the file <target>.dll on every system, with hidden symbols and AUTOMOC,
+# linked to ovapp::ovapp and the LINK targets. OUTPUT_DIRECTORY is the directory in which it is built.
 function(ovapp_add_plugin target)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "OUTPUT_DIRECTORY" "SOURCES;LINK")
     if(arg_UNPARSED_ARGUMENTS)
-        message(FATAL_ERROR "ovapp_add_plugin(${target}): unknown: ${arg_UNPARSED_ARGUMENTS}")
+        message(FATAL_ERROR
+            "ovapp_add_plugin(${target}): unexpected arguments: ${arg_UNPARSED_ARGUMENTS}")
     endif()
     if(NOT arg_SOURCES)
         message(FATAL_ERROR "ovapp_add_plugin(${target}): SOURCES is missing")
     endif()
 
-    # Without Qt's version in the directory of the target, CMake would build it without moc. The
-    # directory need not be one that has found Qt itself.
+    # AUTOMOC reads the version of Qt from properties of the target's directory, which are not set if
+    # find_package was called elsewhere.
     get_target_property(qt ovapp::ovapp INTERFACE_QT_MAJOR_VERSION)
     find_package(Qt${qt} REQUIRED COMPONENTS Core)
     if(NOT TARGET Qt${qt}::moc)
-        message(FATAL_ERROR "ovapp_add_plugin(${target}): Qt ${qt} has no moc")
+        message(FATAL_ERROR "ovapp_add_plugin(${target}): the moc of Qt ${qt} was not found")
     endif()
     string(REGEX MATCH "^([0-9]+)\\.([0-9]+)" version ${Qt${qt}_VERSION})
     set_directory_properties(PROPERTIES

@@ -1,13 +1,13 @@
-# How the libraries of this tree are made: one function, so that warnings, exports and install
-# rules are the same for all of them.
+# Functions for the targets of this tree. All libraries have the same warnings, exports and install
+# rules.
 include(GenerateExportHeader)
 
-# ovapp_set_warnings(<target>): the warnings that this tree is free of.
+# ovapp_set_warnings(<target>): enables the compiler warnings of this tree.
 function(ovapp_set_warnings target)
     if(MSVC)
         target_compile_options(${target} PRIVATE /W4 /utf-8)
     else()
-        # A class whose virtual functions are all inline has its table in every file that uses it.
+        # A class with a weak virtual table has a copy of the table in every file that uses the class.
         target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
             $<$<CXX_COMPILER_ID:Clang>:-Wweak-vtables>)
     endif()
@@ -17,9 +17,9 @@ endfunction()
 
 # ovapp_add_library(<target> HEADERS <header>... SOURCES <file>... [LINK <target>...])
 #
-# A shared library with Qt's Core and the generated export header <target>_export.h. HEADERS are
-# the public ones, named as they are included, relative to the current source directory; they keep
-# that name below the install prefix.
+# Adds a shared library that links Qt Core, with the generated export header <target>_export.h.
+# HEADERS are the public headers, relative to the current source directory. Users include them by the
+# same paths.
 function(ovapp_add_library target)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "HEADERS;SOURCES;LINK")
     set(generated ${CMAKE_CURRENT_BINARY_DIR}/generated)
@@ -38,7 +38,7 @@ function(ovapp_add_library target)
         set_property(TARGET ${target} PROPERTY PREFIX "")
     endif()
     ovapp_set_warnings(${target})
-    # What is exported depends neither on the build type nor on the compiler.
+    # The exported symbols depend neither on the build type nor on the compiler.
     if(UNIX AND NOT APPLE)
         set(exports ${CMAKE_CURRENT_FUNCTION_LIST_DIR}/exports.map)
         target_link_options(${target} PRIVATE LINKER:--version-script=${exports})

@@ -1,14 +1,14 @@
-# On Windows the executables find DLLs in their own directory: those of Qt and of the compiler go
-# there too, in the build tree and in what is installed.
+# On Windows, executables find DLLs in their own directory. The DLLs of Qt and of the compiler are
+# copied to that directory, in the build tree and in the install prefix.
 
 set(runtime_dlls $<TARGET_FILE:Qt${QT_MAJOR_VERSION}::Core>)
 if(OVAPP_BUILD_HOST)
-    # A sample plug-in needs it.
+    # A sample plug-in uses Qt Network.
     find_package(Qt${QT_MAJOR_VERSION} REQUIRED COMPONENTS Network)
     list(APPEND runtime_dlls $<TARGET_FILE:Qt${QT_MAJOR_VERSION}::Network>)
 endif()
 if(MINGW)
-    # They lie in the compiler's library directories or beside the compiler.
+    # The DLLs are in the compiler's library directories or next to the compiler.
     cmake_path(GET CMAKE_CXX_COMPILER PARENT_PATH compiler_dir)
     file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/compiler-dlls)
     foreach(name libgcc_s_seh-1.dll libstdc++-6.dll libwinpthread-1.dll)
@@ -18,9 +18,9 @@ if(MINGW)
             set(dll ${compiler_dir}/${name})
         endif()
         if(NOT EXISTS ${dll})
-            message(FATAL_ERROR "The compiler has no ${name}")
+            message(FATAL_ERROR "${name} was not found in the directories of the compiler")
         endif()
-        # Of some, nearly all is for debuggers.
+        # Most of the size of some of them is debug information.
         set(stripped_dll ${PROJECT_BINARY_DIR}/compiler-dlls/${name})
         execute_process(COMMAND ${CMAKE_STRIP} -o ${stripped_dll} ${dll}
             COMMAND_ERROR_IS_FATAL ANY)

@@ -1,13 +1,13 @@
-# Builds for 64-bit Windows with Debian's mingw-w64. Where Qt for Windows is, is for
-# CMAKE_PREFIX_PATH to say.
+# Builds for 64-bit Windows with Debian's mingw-w64. CMAKE_PREFIX_PATH must contain the directory of
+# Qt for Windows.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR AMD64)
 
-# The compiler whose standard library has threads.
+# The variant of the compiler that supports std::thread.
 set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
 set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
 
-# Symbols that are not exported are for debuggers alone, and most of a file's size.
+# Strips the symbols that only debuggers need, which are most of a file's size.
 foreach(kind EXE MODULE SHARED)
     set(CMAKE_${kind}_LINKER_FLAGS_RELEASE_INIT -s)
 endforeach()

@@ -10,11 +10,11 @@ file(ARCHIVE_EXTRACT INPUT ${archive} DESTINATION ${dir}/unpacked)
 file(GLOB folder ${dir}/unpacked/*)
 list(LENGTH folder count)
 if(NOT count EQUAL 1)
-    message(FATAL_ERROR "no folder of its own: ${folder}")
+    message(FATAL_ERROR "expected one top-level folder, got: ${folder}")
 endif()
 file(GLOB_RECURSE files RELATIVE ${folder} ${folder}/*)
 if(files MATCHES "\\.(h|a|cmake)(;|$)")
-    message(FATAL_ERROR "packed is what only developers need: ${CMAKE_MATCH_0}")
+    message(FATAL_ERROR "the archive contains development files: ${CMAKE_MATCH_0}")
 endif()
 
 execute_process(COMMAND ${emulator} ${folder}/${host} plugins --app-dir .

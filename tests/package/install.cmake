@@ -1,4 +1,4 @@
-# Installs a build into a prefix with nothing in it from before, and runs the host from there.
+# Installs a build into an empty prefix, and runs the host there.
 file(REMOVE_RECURSE ${prefix})
 execute_process(COMMAND ${CMAKE_COMMAND} --install ${build} --config ${config} --prefix ${prefix}
     COMMAND_ERROR_IS_FATAL ANY)

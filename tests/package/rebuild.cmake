@@ -25,13 +25,13 @@ foreach(file ${files})
     file(SHA256 ${one}/prefix/${file} hash)
     file(SHA256 ${other}/prefix/${file} other_hash)
     if(NOT hash STREQUAL other_hash)
-        message(SEND_ERROR "differs by where it was built: ${file}")
+        message(SEND_ERROR "depends on the build directory: ${file}")
     endif()
 endforeach()
 
-# The host finds samples where the build has put them.
+# The host finds the samples in the build tree.
 execute_process(COMMAND ${other}/build/RelWithDebInfo/${host} run --app-dir ${dir}
     OUTPUT_VARIABLE session ECHO_OUTPUT_VARIABLE COMMAND_ERROR_IS_FATAL ANY)
 if(NOT session MATCHES "tcp-trigger\\.dll is accepted")
-    message(FATAL_ERROR "the sample plug-ins are not where the host looks")
+    message(FATAL_ERROR "the host did not find the sample plug-ins")
 endif()
