@@ -38,7 +38,7 @@ RecordingLayer& RecordingLayer::instance()
     return layer;
 }
 
-void RecordingLayer::note(const QString& call)
+void RecordingLayer::record(const QString& call)
 {
     if (instance().onCall)
         instance().onCall(call);
@@ -57,7 +57,7 @@ QString text(const QVariant& value)
 #define RECORDED(call)                                                                             \
     void call()                                                                                    \
     {                                                                                              \
-        RecordingLayer::note(QStringLiteral(#call));                                               \
+        RecordingLayer::record(QStringLiteral(#call));                                             \
     }
 #define RECORDED_SERVICE(name) RECORDED(name::init) RECORDED(name::destruct)
 
@@ -82,7 +82,7 @@ RECORDED(Doc::ObjectGroupEntity::initPropertyType)
 
 quint32 System::setThreadExecutionState(quint32 flags)
 {
-    RecordingLayer::note("System::setThreadExecutionState(%1)"_s.arg(flags, 0, 16));
+    RecordingLayer::record("System::setThreadExecutionState(%1)"_s.arg(flags, 0, 16));
     return 0;
 }
 
@@ -107,18 +107,18 @@ Settings& Settings::instance()
 
 QVariant Settings::value(const QString& key, const QVariant& defaultValue) const
 {
-    RecordingLayer::note("Core::Settings::value(%1, %2)"_s.arg(key, text(defaultValue)));
+    RecordingLayer::record("Core::Settings::value(%1, %2)"_s.arg(key, text(defaultValue)));
     return RecordingLayer::instance().settings.value(key, defaultValue);
 }
 
 void Settings::setValue(const QString& key, const QVariant& value)
 {
-    RecordingLayer::note("Core::Settings::setValue(%1, %2)"_s.arg(key, text(value)));
+    RecordingLayer::record("Core::Settings::setValue(%1, %2)"_s.arg(key, text(value)));
 }
 
 void Settings::setRunValue(const QString& key, const QVariant& value)
 {
-    RecordingLayer::note("Core::Settings::setRunValue(%1, %2)"_s.arg(key, text(value)));
+    RecordingLayer::record("Core::Settings::setRunValue(%1, %2)"_s.arg(key, text(value)));
 }
 
 QString Settings::sysFontDirPath() const
@@ -144,31 +144,31 @@ ConsoleSingleton& ConsoleSingleton::instance()
 
 void ConsoleSingleton::attachObserver(ConsoleObserver*)
 {
-    RecordingLayer::note("Core::ConsoleSingleton::attachObserver"_s);
+    RecordingLayer::record("Core::ConsoleSingleton::attachObserver"_s);
 }
 
 void ConsoleSingleton::detachObserver(ConsoleObserver*)
 {
-    RecordingLayer::note("Core::ConsoleSingleton::detachObserver"_s);
+    RecordingLayer::record("Core::ConsoleSingleton::detachObserver"_s);
 }
 
 void ConsoleSingleton::log(const char* format, ...)
 {
     va_list arguments;
     va_start(arguments, format);
-    RecordingLayer::note("Core::ConsoleSingleton::log("_s + QString::vasprintf(format, arguments) +
-                         u')');
+    RecordingLayer::record("Core::ConsoleSingleton::log("_s +
+                           QString::vasprintf(format, arguments) + u')');
     va_end(arguments);
 }
 
 ConsoleObserverFile::ConsoleObserverFile(const QString& fileName)
 {
-    RecordingLayer::note("Core::ConsoleObserverFile(%1)"_s.arg(fileName));
+    RecordingLayer::record("Core::ConsoleObserverFile(%1)"_s.arg(fileName));
 }
 
 ConsoleObserverFile::~ConsoleObserverFile()
 {
-    RecordingLayer::note("Core::~ConsoleObserverFile"_s);
+    RecordingLayer::record("Core::~ConsoleObserverFile"_s);
 }
 
 void ConsoleObserverFile::write(Severity, const QByteArray&)
@@ -185,7 +185,7 @@ FontLibrary::FontDatabase& FontLibrary::FontDatabase::instance()
 
 void FontLibrary::FontDatabase::addFontsFromDirectory(const QString& directory, bool flag)
 {
-    RecordingLayer::note("FontLibrary::FontDatabase::addFontsFromDirectory(%1, %2)"_s.arg(
+    RecordingLayer::record("FontLibrary::FontDatabase::addFontsFromDirectory(%1, %2)"_s.arg(
         directory, flag ? "true"_s : "false"_s));
 }
 
@@ -199,18 +199,18 @@ struct Document::Private
 
 Document::Document(Storage* storage) : d(std::make_unique<Private>())
 {
-    RecordingLayer::note(storage ? "Doc::Document"_s : "Doc::Document without storage"_s);
+    RecordingLayer::record(storage ? "Doc::Document"_s : "Doc::Document without storage"_s);
     d->storage.reset(storage);
 }
 
 Document::~Document()
 {
-    RecordingLayer::note("Doc::~Document(%1)"_s.arg(d->filePath));
+    RecordingLayer::record("Doc::~Document(%1)"_s.arg(d->filePath));
 }
 
 bool Document::open(const QString& path)
 {
-    RecordingLayer::note("Doc::Document::open(%1)"_s.arg(path));
+    RecordingLayer::record("Doc::Document::open(%1)"_s.arg(path));
     d->filePath = path;
     return RecordingLayer::instance().documentOpens;
 }
@@ -222,7 +222,7 @@ QString Document::filePath() const
 
 void Document::setFilePath(const QString& path)
 {
-    RecordingLayer::note("Doc::Document::setFilePath(%1)"_s.arg(path));
+    RecordingLayer::record("Doc::Document::setFilePath(%1)"_s.arg(path));
     d->filePath = path;
 }
 
@@ -241,7 +241,7 @@ Laser::PrintCountParams DocObject::printCountData() const
 
 void DocObject::setPrintCountData(const Laser::PrintCountParams& printCount)
 {
-    RecordingLayer::note(
+    RecordingLayer::record(
         "Doc::DocObject::setPrintCountData(%1 of %2)"_s.arg(printCount.finishedCount())
             .arg(printCount.targetCount()));
 }

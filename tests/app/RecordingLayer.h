@@ -5,12 +5,12 @@
 
 #include <functional>
 
-/// A second implementation of the registries and the layer below the library: it writes down every
-/// call that reaches it, with the arguments that matter, and answers as the fields say.
+/// A substitute for the registries and the layer below. It records every call with its relevant
+/// arguments, and returns the values of the fields.
 struct RecordingLayer
 {
     QStringList calls;
-    /// Called with each call, before it is written down.
+    /// Called before each call is recorded.
     std::function<void(const QString&)> onCall;
 
     QVariantMap settings;
@@ -18,5 +18,5 @@ struct RecordingLayer
     bool documentOpens = true;
 
     static RecordingLayer& instance();
-    static void note(const QString& call);
+    static void record(const QString& call);
 };

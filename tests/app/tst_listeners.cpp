@@ -31,19 +31,20 @@ void notify(Application& application, Doc::Document* document)
     application.notifyStartFinishListener();
 }
 
-/// What the listeners of these names note of all that when "given" is the document given.
-QStringList notesOf(const QString& names, const QString& active)
+/// Returns the calls that listeners with these names receive from `notify` with the document
+/// "given".
+QStringList expectedCalls(const QString& names, const QString& active)
 {
-    QStringList notes;
-    for (const QString& told : "new given;close given;active given;objects %1;transaction %1 move;"
+    QStringList calls;
+    for (const QString& call : "new given;close given;active given;objects %1;transaction %1 move;"
                                "selection %1;property given 1 5;state -3;started"_s.split(u';')) {
         for (const QChar name : names)
-            notes.append(name + ": "_s + QString(told).replace("%1"_s, active));
+            calls.append(name + ": "_s + QString(call).replace("%1"_s, active));
     }
-    return notes;
+    return calls;
 }
 
-/// Keeps the events that reach an object of this thread.
+/// Records the events that an object of this thread receives.
 struct Receiver : QObject
 {
     explicit Receiver(QObject* watched) : _watched(watched)
@@ -81,7 +82,7 @@ class tst_listeners : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void kinds()
+    void everyKindInOrderOfRegistration()
     {
         const Session session;
         Application& application = session.application();
@@ -92,10 +93,10 @@ private Q_SLOTS:
         application.setActivateDocument(&active);
         notify(application, &given);
 
-        QStringList notes;
-        const auto listener = [&notes](const QString& name) {
+        QStringList calls;
+        const auto listener = [&calls](const QString& name) {
             return Listener(
-                [&notes, name](const QString& told) { notes.append(name + ": "_s + told); });
+                [&calls, name](const QString& call) { calls.append(name + ": "_s + call); });
         };
         Listener a = listener("A"_s);
         Listener b = listener("B"_s);
@@ -103,29 +104,28 @@ private Q_SLOTS:
         for (Listener* added : {&a, &b, &a, static_cast<Listener*>(nullptr), &c, &b})
             add(application, added);
         notify(application, &given);
-        QCOMPARE(notes, notesOf("ABC"_s, "active"_s));
+        QCOMPARE(calls, expectedCalls("ABC"_s, "active"_s));
 
         for (Listener* removed : {&b, &b, static_cast<Listener*>(nullptr)})
             remove(application, removed);
-        notes.clear();
+        calls.clear();
         notify(application, &given);
-        QCOMPARE(notes, notesOf("AC"_s, "active"_s));
+        QCOMPARE(calls, expectedCalls("AC"_s, "active"_s));
 
         add(application, &b);
         QVERIFY(application.closeDocument());
-        notes.clear();
+        calls.clear();
         notify(application, &given);
-        QCOMPARE(notes, notesOf("ACB"_s, "none"_s));
+        QCOMPARE(calls, expectedCalls("ACB"_s, "none"_s));
     }
 
-    void randomChanges()
+    void randomChangesDuringNotifications()
     {
         std::mt19937 random(20210);
         ListenerModel model(
             [&random](unsigned end) { return static_cast<unsigned>(random() % end); });
-        // A list that has grown once stays where it is in memory: each session begins with new
-        // ones.
-        for (int start = 0; start < 500; ++start) {
+        // A list that has grown is not reallocated soon, so each session begins with new lists.
+        for (int sessions = 0; sessions < 500; ++sessions) {
             const Session session;
             for (int round = 0; round < 10; ++round) {
                 model.play();
@@ -136,23 +136,24 @@ private Q_SLOTS:
         QVERIFY(model.calls() > 50000);
     }
 
-    void activeDocumentChangesMeanwhile()
+    void activeDocumentIsReadForEachListener()
     {
         const Session session;
-        QStringList notes;
+        QStringList calls;
         Actor closer;
         closer.act = [] { Application::instance().setActivateDocument(nullptr); };
-        Listener after([&notes](const QString& told) { notes.append(told); });
+        Listener after([&calls](const QString& call) { calls.append(call); });
         session.application().addSelectionListener(&closer);
         session.application().addSelectionListener(&after);
         session.application().setActivateDocument(new Doc::Document(new Doc::Storage));
         session.application().notifySelectionListeners(nullptr);
-        QCOMPARE(notes, QStringList({"selection none"_s}));
+        QCOMPARE(calls, QStringList({"selection none"_s}));
     }
 
-    void walksOnTwoThreads()
+    void overlappingIterationsOnTwoThreads()
     {
-        // The other thread's walk begins before this one's and ends within it.
+        // The iteration of the other thread begins before the one of this thread, and ends during
+        // it.
         const Session session;
         Application& application = session.application();
         QSemaphore begun;
@@ -166,10 +167,10 @@ private Q_SLOTS:
         std::thread other([&application] { application.notifyStartFinishListener(); });
         begun.acquire();
 
-        QStringList notes;
+        QStringList calls;
         Actor remover;
-        Listener removed([&notes](const QString&) { notes.append("removed"_s); });
-        Listener last([&notes](const QString&) { notes.append("last"_s); });
+        Listener removed([&calls](const QString&) { calls.append("removed"_s); });
+        Listener last([&calls](const QString&) { calls.append("last"_s); });
         remover.act = [&] {
             mayEnd.release();
             other.join();
@@ -179,17 +180,17 @@ private Q_SLOTS:
         application.addSelectionListener(&removed);
         application.addSelectionListener(&last);
         application.notifySelectionListeners(nullptr);
-        QCOMPARE(notes, QStringList({"last"_s}));
+        QCOMPARE(calls, QStringList({"last"_s}));
     }
 
-    void posting()
+    void postedEventsArriveInOrder()
     {
         const Session session;
         QObject receiver;
         for (QObject* const target : {&receiver, static_cast<QObject*>(nullptr)}) {
             QObject* const posted = target ? target : QCoreApplication::instance();
             const Receiver recorder(posted);
-            // Priorities above and below show that ours is 0.
+            // Events with the priorities -1 and 1 show that the library posts with priority 0.
             QCoreApplication::postEvent(posted, new Core::SwitchScreenLayoutEvent(-1), -1);
             std::thread([&] {
                 Doc::Transaction transaction("move"_s);

@@ -9,11 +9,11 @@ using App::Application;
 
 namespace {
 
-/// Notes what a listener is told, and which document is active meanwhile.
-void noteTold(const QString& told)
+/// Records a notification, and the document that is active during it.
+void recordNotification(const QString& notification)
 {
-    RecordingLayer::note(
-        "%1 while %2"_s.arg(told, nameOf(Application::instance().activateDocument())));
+    RecordingLayer::record(
+        "%1 while %2"_s.arg(notification, nameOf(Application::instance().activateDocument())));
 }
 
 QStringList parts(QChar separator, const QString& text)
@@ -24,7 +24,7 @@ QStringList parts(QChar separator, const QString& text)
     return result;
 }
 
-/// The calls that the steps of the work on documents come to, "%1" being a path.
+/// The calls in each step of a document function; "%1" is the path.
 const QMap<QString, QString> documentCalls{
     {"create"_s, "Doc::Document"_s},
     {"name"_s, "Doc::Document::setFilePath(%1)"_s},
@@ -90,7 +90,7 @@ private Q_SLOTS:
 
     void startUpAndShutdown()
     {
-        const QStringList up = parts(u'\n', R"(
+        const QStringList startUp = parts(u'\n', R"(
         System::setThreadExecutionState(80000041)
         Core::Settings::init
         Core::Settings::value(Debug/file, bool false)
@@ -116,7 +116,7 @@ private Q_SLOTS:
         App::ExtendPluginRegistry::init
         Core::SystemBackupManager::init
         Doc::EntityClipboard::init)"_s);
-        const QStringList down = parts(u'\n', R"(
+        const QStringList shutdown = parts(u'\n', R"(
         Doc::EntityClipboard::destruct
         Core::SystemBackupManager::destruct
         App::ExtendPluginRegistry::destruct
@@ -133,7 +133,7 @@ private Q_SLOTS:
         Core::Settings::destruct
         System::setThreadExecutionState(80000000)
         Core::ConsoleSingleton::log(destruct application.))"_s);
-        const QStringList ofTheFile{
+        const QStringList logFile{
             "Core::ConsoleObserverFile(log.txt)"_s, "Core::ConsoleSingleton::attachObserver"_s,
             "Core::ConsoleSingleton::detachObserver"_s, "Core::~ConsoleObserverFile"_s};
         QFETCH(bool, toFile);
@@ -145,21 +145,21 @@ private Q_SLOTS:
                 QVERIFY(!Application::instance().activateDocument());
         };
         Application::init();
-        QCOMPARE(layer.calls, toFile ? up : without(up, ofTheFile));
+        QCOMPARE(layer.calls, toFile ? startUp : without(startUp, logFile));
         layer.calls.clear();
         Application::destruct();
-        QCOMPARE(layer.calls, toFile ? down : without(down, ofTheFile));
+        QCOMPARE(layer.calls, toFile ? shutdown : without(shutdown, logFile));
 
-        // Whoever has not started up can yet shut down.
+        // A shutdown without a start-up is allowed.
         layer.calls.clear();
         Application::destruct();
-        QCOMPARE(layer.calls, without(down, ofTheFile + QStringList{down.last()}));
+        QCOMPARE(layer.calls, without(shutdown, logFile + QStringList{shutdown.last()}));
     }
 
     void startFinished()
     {
         Application::init();
-        Listener listener(noteTold);
+        Listener listener(recordNotification);
         add(Application::instance(), &listener);
         for (const char* version : {"4.5.6", static_cast<const char*>(nullptr)}) {
             layer.version = version;
@@ -176,7 +176,7 @@ private Q_SLOTS:
 
     void documents_data()
     {
-        for (const char* column : {"active", "operation", "result", "activeAfter", "steps"})
+        for (const char* column : {"active", "action", "result", "activeAfter", "steps"})
             QTest::addColumn<QString>(column);
         const char* const rows[][5] = {
             {"none", "new n", "n", "n", "create, name n, remember n, new n"},
@@ -218,17 +218,17 @@ private Q_SLOTS:
     void documents()
     {
         QFETCH(QString, active);
-        QFETCH(QString, operation);
+        QFETCH(QString, action);
         QFETCH(QString, steps);
 #ifndef Q_OS_UNIX
-        if (operation.endsWith("link.lnk"_s))
-            QSKIP("Qt makes shortcuts here instead of links");
+        if (action.endsWith("link.lnk"_s))
+            QSKIP("Qt creates shortcuts instead of links on this system");
 #endif
         layer.documentOpens = !steps.contains("fail"_s);
         layer.settings.insert("Print/resetCountAfterOpened"_s, steps.contains("reset"_s));
         Application::init();
         Application& application = Application::instance();
-        Listener listener(noteTold);
+        Listener listener(recordNotification);
         add(application, &listener);
         const auto documentAt = [this](const QString& path) -> Doc::Document* {
             if (path == "none"_s)
@@ -238,20 +238,20 @@ private Q_SLOTS:
             layer.calls.clear();
             return document;
         };
-        Doc::Document* const former = documentAt(active);
-        application.setActivateDocument(former);
+        Doc::Document* const previous = documentAt(active);
+        application.setActivateDocument(previous);
         layer.calls.clear();
 
-        const QString path = operation.section(u' ', 1);
+        const QString path = action.section(u' ', 1);
         QString result;
-        if (operation.startsWith("new"_s)) {
+        if (action.startsWith("new"_s)) {
             result = nameOf(application.newDocument(path));
-        } else if (operation.startsWith("open"_s)) {
+        } else if (action.startsWith("open"_s)) {
             result = nameOf(application.openDocument(path));
-        } else if (operation == "close"_s) {
+        } else if (action == "close"_s) {
             result = application.closeDocument() ? "true"_s : "false"_s;
         } else {
-            application.setActivateDocument(path == active ? former : documentAt(path));
+            application.setActivateDocument(path == active ? previous : documentAt(path));
             result = nameOf(application.activateDocument());
         }
         QTEST(result, "result");
@@ -259,8 +259,8 @@ private Q_SLOTS:
         QTEST(nameOf(application.activateDocument()), "activeAfter");
         QVERIFY(!QFile::exists("n"_s));
 
-        if (!steps.startsWith("delete"_s) && former != application.activateDocument())
-            delete former;
+        if (!steps.startsWith("delete"_s) && previous != application.activateDocument())
+            delete previous;
         delete application.activateDocument();
     }
 

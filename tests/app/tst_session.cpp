@@ -19,8 +19,8 @@ using App::Application;
 
 namespace {
 
-// Not in the class, whose reader, moc, stumbles over such raw strings.
-const QByteArray noDocuments[] = {
+// Outside the class, since moc does not parse these raw strings correctly.
+const QByteArray invalidDocuments[] = {
     "",
     "to be marked",
     R"({"format": "ovdoc", "version": 1)",
@@ -60,8 +60,8 @@ struct Description : App::ExtendPluginInfo
 
 } // namespace
 
-/// The library on the real layer below: what sessions leave on disk, in the system and to the next
-/// one, and which files are documents.
+/// The library with the layer below: the log file, the state after a shutdown, and invalid
+/// documents.
 class tst_session : public QObject
 {
     Q_OBJECT
@@ -91,9 +91,9 @@ private Q_SLOTS:
         QCOMPARE(linesOf(log).size(), written.size() + 2);
     }
 
-    void startsAgainAfresh()
+    void secondSessionStartsFresh()
     {
-        // None of them is the library's to delete; they could not be, either.
+        // The library must not delete any of these; they are not on the heap.
         Listener listener([](const QString&) {});
         Description description;
         Doc::Document document(new Doc::Storage);
@@ -118,10 +118,10 @@ private Q_SLOTS:
         QVERIFY(!Core::Settings::instance().runValue("File/Document"_s).isValid());
     }
 
-    void noDocument()
+    void invalidDocumentsAreRejected()
     {
         const Session session;
-        for (const QByteArray& content : noDocuments) {
+        for (const QByteArray& content : invalidDocuments) {
             const QString path = session.write("piece.ovdoc"_s, content);
             QVERIFY2(!session.application().openDocument(path), content.left(80).constData());
             QVERIFY2(!session.application().newDocument(path), content.left(80).constData());

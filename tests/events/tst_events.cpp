@@ -28,7 +28,7 @@ PropertyEvent someEvent()
     return PropertyEvent(Core::PropertyTypeID(1), "two"_s, 3, {4, 5, 6}, 7);
 }
 
-/// The fields in their order, the IDs as one text.
+/// Returns the fields in order, with the IDs in one string.
 QVariantList fields(const PropertyEvent& event)
 {
     QStringList ids;
@@ -42,15 +42,15 @@ const QVariantList someFields{1, "two"_s, 3, "4 5 6"_s, 7};
 
 } // namespace
 
-/// What the posted events, property events and operations carry, from copy to copy too.
+/// The values of posted events, property events and operations, and of their copies.
 class tst_events : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void postedEvents()
+    void postedEventsKeepTypeAndData()
     {
-        // Receivers that were built against other versions know the events by number.
+        // Receivers built with other versions of the library identify the events by these numbers.
         QCOMPARE(static_cast<int>(App::SelectionChangeEvent().type()), 1101);
 
         Doc::Transaction transaction("cut"_s);
@@ -72,7 +72,7 @@ private Q_SLOTS:
         }
     }
 
-    void propertyEvents()
+    void propertyEventsAreValues()
     {
         QCOMPARE(fields(PropertyEvent(Core::PropertyTypeID(1), 2.5, 3, 7)),
                  QVariantList({1, 2.5, 3, QString(), 7}));
@@ -96,20 +96,20 @@ private Q_SLOTS:
         PropertyEvent target(Core::PropertyTypeID(9), 9, 9, {9, 9}, 9);
         target = std::move(source);
         QCOMPARE(fields(target), someFields);
-        // The value is the one thing that the two may have exchanged.
+        // The value of the source is unspecified.
         QCOMPARE(fields(source), QVariantList({1, source.value(), 3, QString(), 7}));
     }
 
-    void groupNumbers()
+    void groupNumbersWrapAround()
     {
-        // The numbers are the process's own, so nothing else here may draw one.
+        // The numbers are unique in the process: no other test may generate one.
         for (int expected = 1; expected <= 65536; ++expected)
             QCOMPARE(Operation::generateTransactionGroup(), expected);
         for (int expected = 0; expected <= 2; ++expected)
             QCOMPARE(Operation::generateTransactionGroup(), expected);
     }
 
-    void operations()
+    void operationsCopyFilterAndGroup()
     {
         QCOMPARE(Engraving().typeFilter(), -1);
         Engraving operation(5);

@@ -39,7 +39,7 @@ struct Description : App::ExtendPluginInfo
     int supportedBoardTypes() const override { return 1; }
 };
 
-/// Leaves `b` and `a` in an empty registry, in this order.
+/// Checks adding and removing; leaves `b` and `a` in the registry, in this order.
 template <typename Registry, typename Info>
 void checkList(Registry& registry, void (Registry::*add)(Info*), void (Registry::*remove)(Info*),
                Info* a, Info* b)
@@ -67,7 +67,7 @@ class tst_registries : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void extensions()
+    void extensionsStayInOrder()
     {
         ExtendPluginRegistry::destruct();
         ExtendPluginRegistry::init();
@@ -86,7 +86,7 @@ private Q_SLOTS:
         ExtendPluginRegistry::destruct();
     }
 
-    void channels()
+    void channelsStayInOrderAndAreLogged()
     {
         QVERIFY(!CommInfoRegistry::instance());
         CommInfoRegistry::init();
@@ -111,7 +111,7 @@ private Q_SLOTS:
                                                 "CommInfoRegistry::registerCommInfo: " + name}));
     }
 
-    void channelsThatChangeTheRegistry()
+    void channelsMayChangeTheRegistry()
     {
         CommInfoRegistry::init();
         CommInfoRegistry* const registry = CommInfoRegistry::instance();

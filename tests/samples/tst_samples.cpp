@@ -24,7 +24,8 @@ using App::PluginLoader;
 
 namespace {
 
-/// What a client of the TCP trigger reads until it has `lines` lines or is sent away.
+/// Sends a request to the TCP trigger and returns the data received until there are `lines` lines
+/// or the connection is closed.
 QByteArrayList answers(QTcpSocket& client, const QByteArray& request, int lines)
 {
     client.write(request);
@@ -45,7 +46,7 @@ class tst_samples : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void startedAndStopped()
+    void pluginsCanBeRestarted()
     {
         const SampleSession samples;
         App::Application& application = samples.application();
@@ -71,7 +72,7 @@ private Q_SLOTS:
                  words("ovapp.ini ProductionCounter TcpTrigger"));
     }
 
-    void tcpTrigger()
+    void tcpTriggerAnswersClients()
     {
         const SampleSession samples;
         const quint16 port = samples.startChannels();
@@ -84,7 +85,7 @@ private Q_SLOTS:
         };
 
 #ifdef Q_OS_UNIX
-        // Without a descriptor for it a client waits, and costs nothing meanwhile.
+        // If no descriptor is free, a client waits without using processor time.
         const auto waiting = connected();
         QFile lowestFree("/dev/null"_s);
         QVERIFY(lowestFree.open(QIODevice::ReadOnly));
@@ -100,7 +101,7 @@ private Q_SLOTS:
         QVERIFY(spent < CLOCKS_PER_SEC / 20);
         QVERIFY(samples.console.lines.last().startsWith("warning: TriggerChannel::acceptConn"));
         QCOMPARE(answers(*waiting, "status\n", 1).size(), 1);
-        // One that has no more to ask is sent away.
+        // The connection is closed when the client shuts down its sending side.
         QCOMPARE(::shutdown(static_cast<int>(waiting->socketDescriptor()), SHUT_WR), 0);
         QTRY_COMPARE(waiting->state(), QTcpSocket::UnconnectedState);
 #endif
@@ -137,9 +138,8 @@ private Q_SLOTS:
         samples.application().closeDocument();
     }
 
-    void verdicts()
+    void explanationOfEachVerdict()
     {
-        // One of each kind in a directory, with words that tell its author what to do.
         const QTemporaryDir parent;
         const QDir directory(parent.filePath("\u00c4 \u65e5\u672c"_s));
         const QString samples = QStringLiteral(SAMPLE_PLUGIN_DIR "/");
@@ -149,21 +149,20 @@ private Q_SLOTS:
             QString file;
             QString from;
             const char* verdict;
-            const char* words;
+            const char* explanation;
         } rows[] = {
             {"accepted.dll"_s, samples + "rotary-axis.dll"_s, "accepted", "accepted"},
             {"board.dll"_s, samples + "relief-engraving.dll"_s, "other-board",
              "supportedBoardTypes() is 0x5"},
-            {"cut.dll"_s, samples + "rotary-axis.dll"_s, "no-plugin", "truncated"},
+            {"damaged.dll"_s, samples + "rotary-axis.dll"_s, "no-plugin", "truncated"},
             {"interface.dll"_s, others + "OtherInterface.dll"_s, "no-interface", "Q_INTERFACES"},
-            {"nobody.dll"_s, others + "PluginWithoutIdentifier.dll"_s, "no-identifier",
+            {"no-id.dll"_s, others + "PluginWithoutIdentifier.dll"_s, "no-identifier",
              "pluginID() is 0"},
             {"program.dll"_s, QStringLiteral(OVAPP_HOST), "no-plugin", "Qt cannot load it"}};
         for (const auto& row : rows)
             writeFile(directory.filePath(row.file), contentOf(row.from));
-        const QString cut = directory.filePath("cut.dll"_s);
-        // What is behind the code and the data, Qt 6 does without.
-        QVERIFY(QFile::resize(cut, 4096));
+        // Short enough for Qt 6 too, which does not need the sections after the code and the data.
+        QVERIFY(QFile::resize(directory.filePath("damaged.dll"_s), 4096));
 
         const QStringList command = words("plugins --json --board 2 --app-dir %1 --plugins %1")
                                         .replaceInStrings("%1"_s, directory.path());
@@ -178,11 +177,12 @@ private Q_SLOTS:
             QCOMPARE(plugin.value("file"_s).toString(), file);
             QCOMPARE(plugin.value("verdict"_s).toString(), QLatin1String(rows[i].verdict));
             const QString explanation = plugin.value("explanation"_s).toString();
-            QVERIFY2(explanation.contains(QLatin1String(rows[i].words)), qPrintable(explanation));
+            QVERIFY2(explanation.contains(QLatin1String(rows[i].explanation)),
+                     qPrintable(explanation));
             QCOMPARE(plugin.value("accepted"_s).toBool(), i == 0);
             QVERIFY(i < 2 || QFile::remove(file));
         }
-        // None is broken now.
+        // The files that cannot be used have been removed.
         QCOMPARE(runHost(command).status, 0);
     }
 
@@ -200,11 +200,11 @@ private Q_SLOTS:
             QVERIFY2(output.contains(QLatin1String(event)), event);
         QVERIFY(QFile::exists(data.filePath("ovapp-host/ovapp.ini"_s)));
 #else
-        QSKIP("It would write to the user's own data directory");
+        QSKIP("The session would write to the user's data directory");
 #endif
     }
 
-    void profile()
+    void profileOfEachPlugin()
     {
         const QTemporaryDir directory;
         const Outcome outcome =
@@ -216,7 +216,7 @@ private Q_SLOTS:
         QCOMPARE(outcome.status, 0);
         QCOMPARE(outcome.output.size(), 5);
         QVERIFY(outcome.output.first().contains("LOAD/MS  START/MS  STOP/MS  VERDICT"_s));
-        // It was started, so it has its settings; the refused one was not.
+        // This plug-in was started, so it has settings; the refused one was not.
         QVERIFY(QFile::exists(directory.filePath("made/ProductionCounter"_s)));
         const QRegularExpression accepted("^production-counter.dll +production counter +0x"_s);
         QVERIFY2(outcome.output.at(1).contains(accepted), qPrintable(outcome.output.at(1)));

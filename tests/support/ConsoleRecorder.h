@@ -5,7 +5,7 @@
 
 #include <QByteArrayList>
 
-/// Keeps what is logged for as long as it lives.
+/// Records the lines that are logged during its lifetime.
 class ConsoleRecorder : public Core::ConsoleObserver
 {
 public:

@@ -6,14 +6,14 @@
 #include <QFileInfo>
 #include <QString>
 
-/// What a file holds; nothing when it cannot be read.
+/// Returns the content of a file; empty if it cannot be read.
 inline QByteArray contentOf(const QString& path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-/// Writes a file, and makes the directories that it lies in.
+/// Writes a file, and creates its directory if necessary.
 inline void writeFile(const QString& path, const QByteArray& content = QByteArray())
 {
     QFile file(path);

@@ -5,7 +5,7 @@
 
 #include <QProcess>
 
-/// What a run of ovapp-host came to, in lines; the status is -1 unless it ended by itself.
+/// The result of a run of ovapp-host. `status` is the exit code, or -1 if it did not exit normally.
 struct Outcome
 {
     int status = -1;
@@ -16,7 +16,7 @@ struct Outcome
 inline QStringList linesOf(const QByteArray& text)
 {
     QStringList lines = QString::fromUtf8(Tools::textOf(text)).split(u'\n');
-    lines.removeLast(); // what follows the last line's end
+    lines.removeLast(); // the empty string after the last line feed
     return lines;
 }
 

@@ -22,7 +22,7 @@ inline QString nameOf(const Doc::Document* document)
     return document ? document->filePath() : "none"_s;
 }
 
-/// A listener of every kind, which hands on in words what it is told.
+/// A listener of every kind. Passes a description of each notification to a function.
 struct Listener : App::ActiveDocumentListener,
                   App::AppStartFinishListener,
                   App::CloseDocumentListener,
@@ -33,37 +33,43 @@ struct Listener : App::ActiveDocumentListener,
                   App::SelectionListener,
                   App::TransactionListener
 {
-    explicit Listener(const std::function<void(const QString&)>& note) : _note(note) {}
+    explicit Listener(const std::function<void(const QString&)>& onCall) : _onCall(onCall) {}
 
     void updateActiveDocumentListener(Doc::Document* document) override
     {
-        tell("active", document);
+        called("active", document);
     }
-    void updateAppStartFinishListener() override { _note("started"_s); }
-    void updateCloseDocumentListener(Doc::Document* document) override { tell("close", document); }
-    void updateNewDocumentListener(Doc::Document* document) override { tell("new", document); }
-    void updateObjectListListener(Doc::Document* document) override { tell("objects", document); }
-    void updatePluginStateListener(int state) override { _note("state %1"_s.arg(state)); }
+    void updateAppStartFinishListener() override { _onCall("started"_s); }
+    void updateCloseDocumentListener(Doc::Document* document) override
+    {
+        called("close", document);
+    }
+    void updateNewDocumentListener(Doc::Document* document) override { called("new", document); }
+    void updateObjectListListener(Doc::Document* document) override { called("objects", document); }
+    void updatePluginStateListener(int state) override { _onCall("state %1"_s.arg(state)); }
     void updatePropertyListener(Doc::Document* document, bool flag, int value) override
     {
-        _note("property %1 %2 %3"_s.arg(nameOf(document)).arg(flag).arg(value));
+        _onCall("property %1 %2 %3"_s.arg(nameOf(document)).arg(flag).arg(value));
     }
-    void updateSelectionListener(Doc::Document* document) override { tell("selection", document); }
+    void updateSelectionListener(Doc::Document* document) override
+    {
+        called("selection", document);
+    }
     void updateTransactionListener(Doc::Document* document, Doc::Transaction* transaction) override
     {
-        _note("transaction %1 %2"_s.arg(nameOf(document), transaction->name()));
+        _onCall("transaction %1 %2"_s.arg(nameOf(document), transaction->name()));
     }
 
 private:
-    void tell(const char* what, const Doc::Document* document)
+    void called(const char* kind, const Doc::Document* document)
     {
-        _note(QLatin1String(what) + u' ' + nameOf(document));
+        _onCall(QLatin1String(kind) + u' ' + nameOf(document));
     }
 
-    const std::function<void(const QString&)> _note;
+    const std::function<void(const QString&)> _onCall;
 };
 
-/// Adds `listener` to the listeners of every kind.
+/// Adds `listener` to the lists of every kind.
 inline void add(App::Application& application, Listener* listener)
 {
     application.addNewDocumentListener(listener);
@@ -77,7 +83,7 @@ inline void add(App::Application& application, Listener* listener)
     application.addStartFinishListener(listener);
 }
 
-/// Removes it from all of them.
+/// Removes `listener` from the lists of every kind.
 inline void remove(App::Application& application, Listener* listener)
 {
     application.removeNewDocumentListener(listener);

@@ -9,35 +9,35 @@
 #include <utility>
 #include <vector>
 
-/// Acts on the lists that it is called from.
+/// A listener that changes the lists when it is called.
 struct Actor : App::SelectionListener, App::AppStartFinishListener
 {
     void updateSelectionListener(Doc::Document*) override { act(); }
     void updateAppStartFinishListener() override { act(); }
     std::function<void()> act;
-    /// Its place among all registrations, or 0 without one.
+    /// The number of the registration; 0 if it is not registered.
     int number = 0;
 };
 
-/// Listeners that are added, removed and told by one another, and who has to be told when.
+/// Listeners that add, remove and notify one another, and a model of the expected calls.
 class ListenerModel
 {
 public:
-    /// `below` draws each next number below its argument.
+    /// `below` returns a random number below its argument.
     explicit ListenerModel(const std::function<unsigned(unsigned)>& below) : _below(below)
     {
         for (Actor& actor : _actors)
             actor.act = [this, &actor] { called(&actor); };
     }
 
-    /// Changes the lists of a session, then tells them, while they go on changing.
+    /// Changes the lists of a session, then notifies them while their listeners change them.
     void play()
     {
         _budget = 60;
         change();
         notify();
     }
-    /// Takes all listeners off the lists.
+    /// Removes all listeners.
     void clear()
     {
         for (Actor& actor : _actors)
@@ -45,31 +45,31 @@ public:
     }
 
     int calls() const { return _calls; }
-    /// What went wrong first, or null.
+    /// Returns the first violation of the guarantees; null if there is none.
     const char* problem() const { return _problem; }
 
 private:
-    void require(bool holds, const char* problem)
+    void require(bool condition, const char* problem)
     {
-        if (!holds && !_problem)
+        if (!condition && !_problem)
             _problem = problem;
     }
 
     void called(const Actor* actor)
     {
         ++_calls;
-        const auto expected = _registered.upper_bound(_walks.back());
+        const auto expected = _registered.upper_bound(_iterations.back());
         require(expected != _registered.end(), "called after the end");
         if (_problem)
             return;
-        require(actor == expected->second, "another listener's turn");
-        _walks.back() = expected->first;
+        require(actor == expected->second, "called the wrong listener");
+        _iterations.back() = expected->first;
         change();
     }
 
     void change()
     {
-        // What happens to another list is none of the walks' business.
+        // Changes of another list must not affect the iterations.
         App::Application::instance().addSelectionListener(&_other);
         App::Application::instance().removeSelectionListener(&_other);
         for (unsigned left = _below(4); left > 0 && _budget > 0; --left, --_budget) {
@@ -79,7 +79,7 @@ private:
                 add(actor);
             else if (action < 8)
                 remove(actor);
-            else if (_walks.size() < 4)
+            else if (_iterations.size() < 4)
                 notify();
         }
     }
@@ -101,20 +101,20 @@ private:
 
     void notify()
     {
-        _walks.push_back(0);
+        _iterations.push_back(0);
         App::Application::instance().notifyStartFinishListener();
-        require(_registered.upper_bound(_walks.back()) == _registered.end(),
-                "a walk ended too early");
-        _walks.pop_back();
+        require(_registered.upper_bound(_iterations.back()) == _registered.end(),
+                "an iteration ended too early");
+        _iterations.pop_back();
     }
 
     const std::function<unsigned(unsigned)> _below;
     std::vector<Actor> _actors = std::vector<Actor>(20);
     Actor _other;
-    /// Registrations with rising numbers. The next one that a walk calls is the one with the
-    /// smallest number above that of the last one it called.
+    /// The registered listeners, by the number of their registration. An iteration next calls the
+    /// listener with the smallest number above the number last called.
     std::map<int, Actor*> _registered;
-    std::vector<int> _walks; ///< the number last called, innermost walk last
+    std::vector<int> _iterations; ///< the number last called, innermost iteration last
     int _lastNumber = 0;
     int _budget = 0;
     int _calls = 0;

@@ -3,7 +3,7 @@
 #include <QString>
 #include <QStringList>
 
-/// "text"_s is a QString; the text is in UTF-8.
+/// "text"_s is a QString of the UTF-8 text.
 inline QString operator""_s(const char* text, std::size_t size)
 {
     return QString::fromUtf8(text, static_cast<int>(size));

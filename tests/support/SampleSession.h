@@ -6,7 +6,7 @@
 #include <plugins/PluginLoader.h>
 #include <registries/CommInfoRegistry.h>
 
-/// A session with the sample plug-ins loaded and started, where the TCP trigger takes a free port.
+/// A session with the sample plug-ins loaded and started. The TCP trigger uses any free port.
 struct SampleSession : Session
 {
     explicit SampleSession(const QByteArray& settings = QByteArray()) : Session(settings)
@@ -17,7 +17,7 @@ struct SampleSession : Session
     }
     ~SampleSession() { App::PluginLoader::unloadPlugins(); }
 
-    /// Starts the channels; the port that the TCP trigger listens on, or 0.
+    /// Starts the channels. Returns the port of the TCP trigger; 0 if it does not listen.
     quint16 startChannels() const
     {
         App::CommInfoRegistry::instance()->start();

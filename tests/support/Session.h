@@ -8,11 +8,11 @@
 
 #include <QTemporaryDir>
 
-/// The program up for as long as this lives, on an application directory of its own.
+/// Initialises the library with a temporary application directory; shuts it down in the destructor.
 class Session
 {
 public:
-    /// `settings` is what "ovapp.ini" holds at start-up.
+    /// `settings` is the content of "ovapp.ini" at start-up.
     explicit Session(const QByteArray& settings = QByteArray())
     {
         write("ovapp.ini"_s, settings);
@@ -25,10 +25,10 @@ public:
 
     App::Application& application() const { return App::Application::instance(); }
 
-    /// The path of a file in the application directory.
+    /// Returns the path of a file in the application directory.
     QString path(const QString& name) const { return _directory.filePath(name); }
 
-    /// Writes a file into the application directory and returns its path.
+    /// Writes a file in the application directory and returns its path.
     QString write(const QString& name, const QByteArray& content) const
     {
         writeFile(path(name), content);

@@ -9,31 +9,32 @@
 #include <QStandardPaths>
 #include <QString>
 
-/// Where this process and its children find the tools that they start by name.
+/// The tools that this process and its children start by name.
 namespace Tools {
 
-/// Has them found in `directory`, and on no search path. What `isAlwaysFound` is found yet.
+/// Makes `directory` the only place where tools are found, apart from the tools for which
+/// `isAlwaysFound` returns true.
 inline void findIn(const QString& directory)
 {
     qputenv("PATH", QFile::encodeName(directory));
-    // Windows looks into the current directory before it looks into its own.
+    // Windows searches the current directory before the system directory.
     QDir::setCurrent(directory);
 }
 
-/// Whether it is a tool of Windows, which no search path hides.
+/// Returns true for a tool in the system directory of Windows, which is always searched.
 inline bool isAlwaysFound(const QString& tool)
 {
     const QString systemDirectory = qEnvironmentVariable("SystemRoot") + "/System32"_s;
     return !QStandardPaths::findExecutable(tool, {systemDirectory}).isEmpty();
 }
 
-/// Whether Windows is Wine, which loads a library whose functions are not all there.
+/// Returns true under Wine, which loads libraries even if imported functions are missing.
 inline bool isWine()
 {
     return QLibrary::resolve("ntdll"_s, "wine_get_version") != nullptr;
 }
 
-/// What a program has printed, with the line ends that it meant.
+/// Returns the output of a program with line feeds as line ends.
 inline QByteArray textOf(QByteArray output)
 {
 #ifdef Q_OS_WIN
