@@ -1,6 +1,6 @@
 // Repeats the life cycle of a program, and injects failures.
 
-#include <support/FullDisk.h>
+#include <support/FileSizeLimit.h>
 #include <support/Listener.h>
 #include <support/SampleSession.h>
 
@@ -262,7 +262,7 @@ QString fullDisks()
         bool isSaved = false;
         QByteArray limited;
         {
-            const FullDisk full(static_cast<rlim_t>(size));
+            const FileSizeLimit limit(static_cast<rlim_t>(size));
             isSaved = document.save();
             settings.setValue("Soak/more"_s, more);
             limited = contentOf(iniPath);

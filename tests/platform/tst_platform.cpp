@@ -20,7 +20,7 @@
 #include <vector>
 
 #ifdef Q_OS_UNIX
-#include <support/FullDisk.h>
+#include <support/FileSizeLimit.h>
 
 #include <csignal>
 #include <unistd.h>
@@ -136,7 +136,7 @@ private Q_SLOTS:
                     return Settings::instance();
                 };
                 {
-                    const FullDisk full(size);
+                    const FileSizeLimit limit(size);
                     start().setValue("Group/c"_s, longValue);
                     Settings::instance().setValue("Group/a"_s, longValue);
                     QCoreApplication::processEvents();
@@ -157,7 +157,7 @@ private Q_SLOTS:
         }
         QCOMPARE(QDir(directory.path()).entryList(QDir::Files), words("ovapp.ini"));
 #else
-        QSKIP("This system has no limit on the size of files");
+        QSKIP("This system does not limit file sizes");
 #endif
     }
 
@@ -211,7 +211,7 @@ private Q_SLOTS:
         const auto severity = Core::ConsoleObserver::Severity::Log;
         {
             Core::ConsoleObserverFile log(path);
-            const FullDisk full(6);
+            const FileSizeLimit limit(6);
             for (const char* line : {"one", "two", "three"})
                 log.write(severity, line);
             QCOMPARE(contentOf(path), QByteArray("one\ntw"));
@@ -219,14 +219,14 @@ private Q_SLOTS:
         Core::ConsoleObserverFile(path).write(severity, "four");
         Core::ConsoleObserverFile log(path);
         {
-            const FullDisk full(13);
+            const FileSizeLimit limit(13);
             log.write(severity, "five");
         }
         log.write(severity, "six");
         log.write(severity, "seven");
         QCOMPARE(contentOf(path), QByteArray("one\ntw\nfour\nf\nsix\nseven\n"));
 #else
-        QSKIP("This system has no limit on the size of files");
+        QSKIP("This system does not limit file sizes");
 #endif
     }
 
@@ -284,14 +284,14 @@ private Q_SLOTS:
         QVERIFY(document.open(path));
 
         {
-            const FullDisk full(16);
+            const FileSizeLimit limit(16);
             QVERIFY(!document.save());
         }
         QCOMPARE(contentOf(path), before);
         QCOMPARE(QDir(directory.path()).entryList(QDir::Files), words("document"));
         QVERIFY(document.save());
 #else
-        QSKIP("This system has no limit on the size of files");
+        QSKIP("This system does not limit file sizes");
 #endif
     }
 

@@ -12,7 +12,7 @@
 #include <optional>
 
 #ifdef Q_OS_UNIX
-#include <support/FullDisk.h>
+#include <support/FileSizeLimit.h>
 #endif
 
 using App::PluginBaseSettings;
@@ -131,12 +131,12 @@ private Q_SLOTS:
         PluginBaseSettings(marker).setValue(key, 1);
         const QByteArray before = store();
         {
-            const FullDisk full(static_cast<rlim_t>(before.size()) + 10);
+            const FileSizeLimit limit(static_cast<rlim_t>(before.size()) + 10);
             PluginBaseSettings(marker).setValue("bulk"_s, QByteArray(100, 'x'));
         }
         QCOMPARE(store(), before);
 #else
-        QSKIP("This system has no limit on the size of files");
+        QSKIP("This system does not limit file sizes");
 #endif
     }
 
