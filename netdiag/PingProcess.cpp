@@ -11,7 +11,7 @@ namespace {
 
 // In milliseconds.
 constexpr qint64 requestInterval = 1000;
-/// What a tool has until its first output. Looking up a name is given up sooner as a rule.
+// The lookup of a host name usually fails earlier.
 constexpr int firstOutputTimeout = 30000;
 
 } // namespace
@@ -23,8 +23,8 @@ PingProcess::PingProcess(QObject* parent)
     _limitTimer.setTimerType(Qt::PreciseTimer);
     connect(&_limitTimer, &QTimer::timeout, this,
             [this] { System::interruptProcess(processId()); });
-    // The timer is the context, since the base class still changes its state while it is being
-    // destroyed, when the timer is gone.
+    // The timer is the context: the destructor of the base class still changes the state, when the
+    // timer has been destroyed.
     connect(this, &QProcess::stateChanged, &_limitTimer, [this](ProcessState state) {
         if (state == NotRunning) {
             _limitFromOutput = 0;
@@ -39,7 +39,7 @@ PingProcess::PingProcess(QObject* parent)
 
 PingProcess::~PingProcess()
 {
-    // The base class would print a warning first.
+    // The destructor of the base class would print a warning.
     if (state() != NotRunning) {
         kill();
         waitForFinished();
@@ -65,10 +65,10 @@ void PingProcess::doPing(const QString& host)
 
 void PingProcess::limitRun()
 {
-    // The first request goes out at once, so that the last one does an interval short of the
-    // count; half an interval more leaves time for its answer.
+    // The first request is sent at once, so the last one is sent after one interval less than the
+    // count. Half an interval more leaves time for its reply.
     const qint64 duration = _count * requestInterval - requestInterval / 2;
-    // What no timer can hold, some 24 days, is as good as no limit.
+    // A timer cannot count more than 24 days, which is as good as no limit.
     if (_count <= 0 || duration > std::numeric_limits<int>::max() - firstOutputTimeout)
         return;
     _limitFromOutput = static_cast<int>(duration);

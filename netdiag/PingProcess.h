@@ -5,39 +5,40 @@
 #include <QProcess>
 #include <QTimer>
 
-/// Runs the system's ping tool against one host. Everything that a run has to tell comes through
-/// the base class:
+/// Runs the system's ping tool for one host. The base class provides the output and the signals:
 ///
 ///     PingProcess ping;
 ///     QObject::connect(&ping, &QProcess::readyReadStandardOutput, &ping,
 ///                      [&ping] { show(ping.readAllStandardOutput()); });
 ///     ping.doPing(QStringLiteral("192.168.0.1"));
 ///
-/// A tool that cannot be started shows in `errorOccurred`, a host that doesn't answer only in the
-/// tool's report and exit code. An object serves one run after the other; destroying it ends the
-/// run in progress. It belongs to the thread that made it and needs that thread's event loop.
+/// If the tool cannot be started, `errorOccurred` is emitted; if the host does not answer, only the
+/// output and the exit code show it. An object can be used for several runs, one after the other;
+/// its destructor ends a run in progress. It belongs to the thread that created it and needs the
+/// event loop of that thread.
 class OVAPP_EXPORT PingProcess : public QProcess
 {
     Q_OBJECT
 
 public:
-    /// Starts nothing yet.
+    /// Creates an object without starting the tool.
     explicit PingProcess(QObject* parent = nullptr);
     ~PingProcess() override;
 
-    /// How many requests a run may send, one a second; 4 by default, no limit when it is 0 or
-    /// less. It does not reach the tool's command line: where the tool runs until it is stopped,
-    /// the run is interrupted half a second after the last of them, so that the tool still prints
-    /// its summary, and where it ends by itself (Windows) the tool's own number holds. The seconds
-    /// count from the tool's first output, since it looks up the host's name before; a tool that
-    /// prints nothing has half a minute more. The next `doPing` uses it.
+    /// Sets the number of requests of the next run, one per second: 4 by default, no limit if it is
+    /// 0 or less. It is not an argument of the tool: on systems on which the tool runs until it is
+    /// stopped, it is interrupted half a second after the last request, and prints its summary. On
+    /// Windows, where the tool ends by itself, it sends its own number of requests. The time counts
+    /// from the first output of the tool, which looks up the host name first; a tool without output
+    /// is interrupted half a minute later.
     void setCount(int count);
-    /// The size of a request in bytes, 64 by default. No run uses it: requests have the tool's
-    /// own size.
+    /// Sets the size of a request in bytes, 64 by default. It is not used: requests have the
+    /// tool's own size.
     void setPackageSize(int packageSize);
 
-    /// Starts the tool with `host`, unchanged, as its only argument, and returns at once. During
-    /// a run it does nothing but have the base class print a warning.
+    /// Starts the tool with `host`, unchanged, as its only argument, and returns at once. During a
+    /// run it does nothing, and the base class prints a warning. Check a text that a user entered
+    /// first: the tool reads a host that begins with a hyphen as an option.
     void doPing(const QString& host);
 
 private:
@@ -45,8 +46,8 @@ private:
 
     int _count;
     int _packageSize;
-    /// How long the run may take from the tool's first output, in milliseconds; 0 from then on,
-    /// and when there is no limit.
+    /// The duration of the run from the first output of the tool, in milliseconds; 0 after that
+    /// output, and if there is no limit.
     int _limitFromOutput;
     QTimer _limitTimer;
 };

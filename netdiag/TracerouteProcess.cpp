@@ -30,7 +30,7 @@ TracerouteProcess::TracerouteProcess(QObject* parent)
 
     _quietTimer.setInterval(quietPeriod);
     _quietTimer.setSingleShot(true);
-    // A coarse timer may be a twentieth early.
+    // A coarse timer may be 5 % early.
     _quietTimer.setTimerType(Qt::PreciseTimer);
     connect(&_quietTimer, &QTimer::timeout, this, &TracerouteProcess::finished);
 }
@@ -51,8 +51,8 @@ void TracerouteProcess::doTraceroute(const QString& host)
 {
     prepare();
 
-    // Appending keeps the tool's two channels, and a tool of an earlier run, from writing over each
-    // other.
+    // The output is appended, so that standard output, standard error, and a tool of an earlier run
+    // do not overwrite each other.
     _toolProcessId = System::startDetached(
         QLatin1String(SystemTools::traceroute),
         {QLatin1String(SystemTools::tracerouteMaxHops), QString::number(_maxHops), host},
@@ -75,7 +75,7 @@ QByteArray TracerouteProcess::readAllStandardOutput() const
 
 void TracerouteProcess::slotOnChanged()
 {
-    // Starting over, so that the quiet period counts from this change.
+    // Restarts the quiet period.
     _quietTimer.start();
     Q_EMIT readyReadStandardOutput();
 }
@@ -85,13 +85,12 @@ void TracerouteProcess::prepare()
     if (_watcher) {
         disconnect(_watcher, &QFileSystemWatcher::fileChanged, this,
                    &TracerouteProcess::slotOnChanged);
-        // News of the earlier report goes with the path. On Windows, where a thread of the
-        // watcher's brings it, some is on its way already, to an object that belongs to the
-        // watcher.
+        // Discards notifications about the earlier report. On Windows a thread posts them to
+        // children of the watcher.
         _watcher->removePath(_outputFilePath);
-        const QList<QObject*> messengers = _watcher->findChildren<QObject*>();
-        for (QObject* messenger : messengers)
-            QCoreApplication::removePostedEvents(messenger, QEvent::MetaCall);
+        const QList<QObject*> children = _watcher->findChildren<QObject*>();
+        for (QObject* child : children)
+            QCoreApplication::removePostedEvents(child, QEvent::MetaCall);
     }
 
     QFile file(_outputFilePath);
@@ -99,7 +98,7 @@ void TracerouteProcess::prepare()
         file.close();
 
     if (_watcher) {
-        // Added anew, since the watcher drops a file that was removed.
+        // Added again, since the watcher drops a file that was removed.
         _watcher->addPath(_outputFilePath);
         connect(_watcher, &QFileSystemWatcher::fileChanged, this,
                 &TracerouteProcess::slotOnChanged);

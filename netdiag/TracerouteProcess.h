@@ -9,59 +9,62 @@
 
 class QFileSystemWatcher;
 
-/// Runs the system's trace-route tool against one host and follows its report. The tool is a
-/// process of its own, which writes the report, complaints included, into the file
-/// `traceroute.out` of the application directory; nothing here stops it, not even the end of the
-/// object, which leaves the file in place too.
+/// Runs the system's traceroute tool for one host and follows its report. The tool is a detached
+/// process that writes the report, including error messages, to the file `traceroute.out` in the
+/// application directory. The object never stops the tool; its destructor leaves both the tool and
+/// the file.
 ///
 ///     TracerouteProcess trace;
 ///     QObject::connect(&trace, &TracerouteProcess::readyReadStandardOutput, &trace,
 ///                      [&trace] { show(trace.readAllStandardOutput()); });
 ///     trace.doTraceroute(QStringLiteral("192.168.0.1"));
 ///
-/// No signal reports an error: without the tool, or where the file cannot be written, a run is
-/// `started` and `finished` with an empty report; `toolProcessId` tells that no tool was launched.
+/// No signal reports an error: if the tool cannot be started or the file cannot be written,
+/// `started` and `finished` are emitted and the report is empty. `toolProcessId` is 0 if the tool
+/// was not started.
 ///
-/// Objects that live at the same time share the file where they share the application directory. An
-/// object belongs to the thread that made it and needs that thread's event loop.
+/// Objects with the same application directory share the file. An object belongs to the thread that
+/// created it and needs the event loop of that thread.
 class OVAPP_EXPORT TracerouteProcess : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Creates or empties the report in what is the application directory now; a later change of
-    /// the directory does not matter to the object.
+    /// Creates or empties the report in the current application directory. A later change of the
+    /// application directory does not affect the object.
     explicit TracerouteProcess(QObject* parent = nullptr);
     ~TracerouteProcess() override;
 
-    /// How many hops the next run may go, 10 by default; it goes to the tool unchecked.
+    /// Sets the maximum number of hops of the next run, 10 by default. It is passed to the tool
+    /// unchecked.
     void setMaxHops(int maxHops);
-    /// The size of a request in bytes, 64 by default. No run uses it: requests have the tool's
-    /// own size.
+    /// Sets the size of a request in bytes, 64 by default. It is not used: requests have the
+    /// tool's own size.
     void setPackageSize(int packageSize);
 
-    /// Empties the report and launches the tool for `host`, which it is given unchanged; returns
-    /// at once. It may be called during a run: a tool that is still at work goes on, and what it
-    /// has yet to say ends up in the new report.
+    /// Empties the report, starts the tool with `host`, unchanged, and returns at once. It may be
+    /// called during a run: the earlier tool continues, and appends its output to the new report.
+    /// Check a text that a user entered first: the tool reads a host that begins with a hyphen as
+    /// an option.
     void doTraceroute(const QString& host);
 
-    /// The process ID of the tool that the last run launched, which may have ended meanwhile; 0
-    /// before the first run and when the tool could not be launched.
+    /// Returns the process ID of the tool that the last run started, which may have ended; 0 before
+    /// the first run and if the tool could not be started.
     qint64 toolProcessId() const;
 
-    /// The whole report so far, from its first byte; empty when the file cannot be read.
+    /// Returns the whole report so far; empty if the file cannot be read.
     QByteArray readAllStandardOutput() const;
 
 Q_SIGNALS:
     /// The report has changed.
     void readyReadStandardOutput();
-    /// The tool has been launched; emitted before `doTraceroute` returns.
+    /// The run has begun; emitted before `doTraceroute` returns.
     void started();
-    /// The report has stayed the same for seven seconds, whether the tool has ended or not.
+    /// The report has not changed for seven seconds, whether or not the tool has ended.
     void finished();
 
 protected Q_SLOTS:
-    /// What the watcher calls when the report changes.
+    /// Called by the watcher when the report has changed.
     void slotOnChanged();
 
 private:

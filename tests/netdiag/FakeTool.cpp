@@ -1,5 +1,5 @@
-// Stands in for ping and trace-route. It prints its arguments, one a line, and "complaint" on
-// standard error; the last argument, the host, says how it goes on.
+// A fake ping and traceroute. It prints its arguments, one per line, and "complaint" on standard
+// error. The last argument, the host, selects how it continues.
 #include <chrono>
 #include <csignal>
 #include <cstdio>
@@ -8,10 +8,10 @@
 
 static volatile std::sig_atomic_t isInterrupted = 0;
 
-static void say(std::FILE* channel, const char* line)
+static void printLine(std::FILE* file, const char* line)
 {
-    std::fprintf(channel, "%s\n", line);
-    std::fflush(channel);
+    std::fprintf(file, "%s\n", line);
+    std::fflush(file);
 }
 
 static void waitForInterrupt(std::chrono::milliseconds limit)
@@ -36,17 +36,17 @@ int main(int argc, char* argv[])
     if (is("late"))
         waitForInterrupt(1s);
     for (int i = 1; i < argc; ++i)
-        say(stdout, argv[i]);
-    say(stderr, "complaint");
+        printLine(stdout, argv[i]);
+    printLine(stderr, "complaint");
 
     if (is("slow")) {
         waitForInterrupt(500ms);
-        say(stdout, " 1  later");
+        printLine(stdout, " 1  later");
     }
     if (is("endless") || is("late") || is("stubborn")) {
-        // Not quite, so that no test leaves one behind.
+        // Not endless, so that no test leaves a process behind.
         waitForInterrupt(30s);
-        say(stdout, "summary");
+        printLine(stdout, "summary");
     }
     return is("unanswered") ? 1 : 0;
 }
