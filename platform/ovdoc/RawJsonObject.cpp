@@ -16,6 +16,12 @@ QByteArray toByteArray(std::string_view text)
     return {text.data(), static_cast<QByteArray::size_type>(text.size())};
 }
 
+/// Returns whether an odd number of backslashes precedes a position.
+bool isEscaped(std::string_view json, std::size_t position)
+{
+    return (position - json.find_last_not_of('\\', position - 1)) % 2 == 0;
+}
+
 /// Returns the position of the character that ends the name or value at `start`.
 std::size_t findEnd(std::string_view json, std::size_t start)
 {
@@ -23,10 +29,11 @@ std::size_t findEnd(std::string_view json, std::size_t start)
     for (auto i = start; i < json.size(); ++i) {
         switch (json[i]) {
         case '"':
-            while (++i < json.size() && json[i] != '"') {
-                if (json[i] == '\\')
-                    ++i;
-            }
+            do {
+                i = json.find('"', i + 1);
+            } while (i != std::string_view::npos && isEscaped(json, i));
+            if (i == std::string_view::npos)
+                return json.size();
             break;
         case '{':
         case '[':

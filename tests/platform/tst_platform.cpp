@@ -326,12 +326,12 @@ private Q_SLOTS:
 const std::pair<QByteArray, QByteArray> tst_platform::changes[] = {
     // No counts, and a mark before.
     {"\xef\xbb\xbf{\"form\\u0061t\":\"ovdoc\",\"version\":1.0,"
-     R"("PrintCount":9007199254740993, "a":[{"b}": "\"]"}, null]})",
+     R"("PrintCount":9007199254740993, "a":[{"b}": "\"]"}, null, "\\", "}"]})",
      R"({
     "form\u0061t": "ovdoc",
     "version": 1.0,
     "PrintCount": 9007199254740993,
-    "a": [{"b}": "\"]"}, null],
+    "a": [{"b}": "\"]"}, null, "\\", "}"],
     "printCount": { "finished": 2, "target": 9 }
 }
 )"},
