@@ -492,29 +492,35 @@ private Q_SLOTS:
         last = withSegmentAtEnd(last);
         for (int cut = 1; cut < 5000; cut += 97)
             write(last.chopped(cut));
+        // Not all versions of Qt notice these.
+        const auto writeDamaged = [&](const QByteArray& content) {
+            const QString path = nextPath();
+            writeFile(path, content);
+            QVERIFY(!System::libraryFileError(path).isEmpty());
+        };
         for (const auto member : {&ElfW(Shdr)::sh_offset, &ElfW(Shdr)::sh_size}) {
             for (const ElfW(Off) value : {0x7fffffffULL, ~0ULL, ~0ULL << 2})
-                write(withMetaData(plugin, member, value));
+                writeDamaged(withMetaData(plugin, member, value));
         }
-        write(withMetaData(plugin, &ElfW(Shdr)::sh_name, ElfW(Word)(0x7fffffff)));
+        writeDamaged(withMetaData(plugin, &ElfW(Shdr)::sh_name, ElfW(Word)(0x7fffffff)));
         QByteArray withoutNames = plugin;
         reinterpret_cast<ElfW(Ehdr)*>(withoutNames.data())->e_shstrndx = 0xfff0;
-        write(withoutNames);
+        writeDamaged(withoutNames);
 #endif
         write(last);
         write(plugin);
 
-        // A QDir caches its entries.
-        const auto countOpenFiles = [] { return QDir("/proc/self/fd"_s).count(); };
-        const auto openCount = countOpenFiles();
+        // A QDir caches its entries. Wine lists the files of another process.
+        const auto countOpenFiles = [] {
+            return Tools::isWine() ? 0 : int(QDir("/proc/self/fd"_s).count());
+        };
+        const int openCount = countOpenFiles();
         PluginLoader::loadPlugins(true);
+        QCOMPARE(countOpenFiles(), openCount);
         // All but the links that lead to no file, and the directory.
         QVERIFY(PluginLoader::pluginCount() >= number - firstNumber - 6);
         QCOMPARE(RecordingPlugin::takeCalls(),
                  calls("PluginB PluginC PluginA", "boards id info start"));
-        // Wine keeps the files of loaded libraries open.
-        PluginLoader::unloadPlugins();
-        QCOMPARE(countOpenFiles(), openCount);
     }
 
     void keepsIDValue()
