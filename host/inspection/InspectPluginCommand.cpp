@@ -2,6 +2,7 @@
 
 #include "CommandLine.h"
 #include "inspection/PluginReport.h"
+#include "inspection/RemainingListeners.h"
 #include "process/FatalSignals.h"
 #include "process/Output.h"
 #include "SessionOptions.h"
@@ -9,6 +10,8 @@
 #include <app/Application.h>
 #include <plugins/PluginInterface.h>
 #include <plugins/PluginLoader.h>
+#include <registries/CommInfoRegistry.h>
+#include <registries/ExtendPluginRegistry.h>
 
 #include <QCommandLineParser>
 #include <QElapsedTimer>
@@ -44,7 +47,7 @@ std::FILE* resultPipe = nullptr;
 
 void sendMessage(const QJsonObject& parts)
 {
-    // Without anyone who listens there is no reason to go on.
+    // If nobody reads the results, nobody needs the rest.
     if (!write(resultPipe, QJsonDocument(parts).toJson(QJsonDocument::Compact) + '\n'))
         std::_Exit(Failure);
 }
@@ -54,8 +57,8 @@ void sendActivity(const char* activity)
     sendMessage({{QLatin1String(InspectionProtocol::activity), QLatin1String(activity)}});
 }
 
-/// Keeps the standard output for what is told, and has what others print there go where errors go.
-bool takeStandardOutput()
+/// Reserves standard output for the results, and redirects other output to standard error.
+bool redirectStandardOutput()
 {
     std::fflush(stdout);
 #ifdef Q_OS_WIN
@@ -67,29 +70,38 @@ bool takeStandardOutput()
 #endif
 }
 
-/// A crash is told by whoever started the process: no other traces are wanted of it. Nor is the
-/// process to be left alone with a plug-in.
-void prepareForTheWorst()
+/// The parent reports a crash; core files and dialogs would only disturb.
+void disableCrashReports()
 {
 #ifdef Q_OS_WIN
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
 #else
-    // One byte is too little for a core, and other than none keeps also those from coming that the
-    // system hands to a program.
+    // A core file does not fit into one byte, and with a limit other than 0 none is piped to a
+    // program either.
     rlimit limit = {};
     ::getrlimit(RLIMIT_CORE, &limit);
     limit.rlim_cur = std::min<rlim_t>(limit.rlim_max, 1);
     ::setrlimit(RLIMIT_CORE, &limit);
 #endif
+}
+
+/// On Windows the parent has a job object for this.
+void endWithParent()
+{
 #ifdef Q_OS_LINUX
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
 #endif
+}
+
+/// Sends the text of an exception that is not caught.
+void installTerminateHandler()
+{
 #ifndef Q_OS_WIN
     static const pid_t process = ::getpid();
 #endif
     std::set_terminate([] {
 #ifndef Q_OS_WIN
-        // A child that the plug-in forks does not decide on the plug-in.
+        // A child that the plug-in has forked does not change the verdict.
         if (::getpid() != process)
             std::abort();
 #endif
@@ -113,7 +125,27 @@ QString hexadecimal(quint64 number)
     return QLatin1String("0x") + QString::number(number, 16);
 }
 
-void examine(const QString& file, bool profiled)
+/// Starts and stops an accepted plug-in.
+void profile(App::PluginInterface& plugin)
+{
+    const App::CommInfoRegistry& channels = *App::CommInfoRegistry::instance();
+    const App::ExtendPluginRegistry& extensions = App::ExtendPluginRegistry::instance();
+    const int channelCount = channels.count();
+    const int extensionCount = extensions.count();
+    sendActivity("it was started");
+    sendMessage(timeOf(QStringLiteral("start_ms"), [&plugin] { plugin.start(); }));
+    sendActivity("it was stopped");
+    sendMessage(timeOf(QStringLiteral("stop_ms"), [&plugin] { plugin.stop(); }));
+    if (channels.count() > channelCount || extensions.count() > extensionCount) {
+        sendMessage(verdictParts(
+            QStringLiteral("incomplete-stop"),
+            QStringLiteral("stop() leaves objects registered (channels: %1, extensions: %2)")
+                .arg(std::max(channels.count() - channelCount, 0))
+                .arg(std::max(extensions.count() - extensionCount, 0))));
+    }
+}
+
+void inspect(const QString& file, bool isProfiled)
 {
     QPluginLoader loader;
     App::PluginRecord record;
@@ -122,9 +154,8 @@ void examine(const QString& file, bool profiled)
         record = PluginLoader::recordOf(file, loader);
     }));
 
-    sendActivity("it was asked what it is");
+    sendActivity("its queries were called");
     PluginLoader::inspect(record);
-    const bool isAccepted = record.verdict == Verdict::Accepted;
     auto* plugin = qobject_cast<App::PluginInterface*>(record.rootObject);
     if (plugin && record.verdict != Verdict::Exception) {
         sendMessage({{QStringLiteral("boards"),
@@ -134,18 +165,18 @@ void examine(const QString& file, bool profiled)
     const QString name = record.info.get(QStringLiteral("Name")).toString();
     if (!name.isEmpty())
         sendMessage({{QStringLiteral("name"), name}});
-    const QString verdict = PluginLoader::verdictName(record.verdict);
-    sendMessage(
-        verdictParts(verdict, isAccepted ? verdict : QLatin1String("refused: ") + record.reason));
+    sendMessage(verdictParts(PluginLoader::verdictName(record.verdict), record.reason));
 
-    if (profiled && isAccepted) {
-        sendActivity("it was started");
-        sendMessage(timeOf(QStringLiteral("start_ms"), [plugin] { plugin->start(); }));
-        sendActivity("it was stopped");
-        sendMessage(timeOf(QStringLiteral("stop_ms"), [plugin] { plugin->stop(); }));
-    }
+    const bool isStarted = isProfiled && record.verdict == Verdict::Accepted;
+    if (isStarted)
+        profile(*plugin);
+    const QMetaObject* metaObject = record.rootObject ? record.rootObject->metaObject() : nullptr;
     sendActivity("it was unloaded");
     loader.unload();
+    if (isStarted) {
+        sendActivity("a listener was called that stop() had left registered");
+        callRemainingListeners(metaObject);
+    }
 }
 
 } // namespace
@@ -154,21 +185,22 @@ int inspectPlugin(const QStringList& arguments)
 {
     QCommandLineParser parser;
     parser.setApplicationDescription(
-        QStringLiteral("Examines one plug-in file, for \"plugins\", and prints what that needs."));
+        QStringLiteral("Inspects one plug-in file and sends the results to \"plugins\"."));
+    parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The file."));
     SessionOptions options(parser);
-    const QCommandLineOption file(QStringLiteral("file"), QStringLiteral("The file."),
-                                  QStringLiteral("FILE"));
     const QCommandLineOption profile(QStringLiteral("profile"),
-                                     QStringLiteral("Start and stop the plug-in, too."));
-    parser.addOptions({file, profile});
-    if (const std::optional<int> status = options.parse(parser, arguments))
-        return *status;
-    if (!takeStandardOutput())
-        return fail(Failure, QStringLiteral("standard output cannot be kept"));
+                                     QStringLiteral("Also start and stop the plug-in."));
+    parser.addOption(profile);
+    if (const std::optional<int> exitCode = options.parse(parser, arguments))
+        return *exitCode;
+    if (!redirectStandardOutput())
+        return fail(Failure, QStringLiteral("cannot redirect standard output"));
 
-    prepareForTheWorst();
+    disableCrashReports();
+    endWithParent();
+    installTerminateHandler();
     options.startLibrary();
-    examine(parser.value(file), parser.isSet(profile));
+    inspect(parser.positionalArguments().value(0), parser.isSet(profile));
     sendActivity(InspectionProtocol::lastActivity);
     App::Application::destruct();
     return Success;

@@ -4,21 +4,21 @@
 
 namespace Host {
 
-/// What a process that examines a plug-in tells the one that started it, a JSON object a line: the
-/// parts of the report as they become known, and these.
+/// The messages that a process which inspects a plug-in sends to its parent: one JSON object per
+/// line, with parts of the report as they become known, and these.
 namespace InspectionProtocol {
-/// What comes next, in words that follow "while".
+/// What the process does next, in words that follow "while".
 constexpr char activity[] = "activity";
-/// What has ended the process, in words that follow "ended by".
+/// What terminates the process, in words that follow "ended by".
 constexpr char terminationReason[] = "terminationReason";
-/// The activity once all is done.
-constexpr char lastActivity[] = "the program came to its end";
+/// The activity after the inspection.
+constexpr char lastActivity[] = "the program ended";
 } // namespace InspectionProtocol
 
-/// `ovapp-host inspect-plugin`, which `ovapp-host plugins` starts for each file: loads one plug-in,
-/// asks it what it is, and unloads it, and with --profile starts and stops it between. What comes
-/// of it goes to standard output, which the plug-in does not get to see: what it prints goes to
-/// standard error.
+/// Executes `ovapp-host inspect-plugin`, which `ovapp-host plugins` starts for each file: loads one
+/// plug-in, calls its queries, and unloads it; with --profile, also starts and stops it, and checks
+/// that it has removed what it registered. Sends the results to standard output; what the plug-in
+/// prints there goes to standard error. Returns the exit code.
 int inspectPlugin(const QStringList& arguments);
 
 } // namespace Host

@@ -9,6 +9,7 @@
 #include <QCoreApplication>
 #include <QJsonDocument>
 #include <QProcess>
+#include <QProcessEnvironment>
 #include <QTimer>
 
 #ifdef Q_OS_WIN
@@ -19,17 +20,17 @@ namespace Host {
 
 namespace {
 
-/// If the system refuses a process, Qt 5 stores the identifier -1 in an object of class `QProcess`,
-/// and `kill` then ends every process of the user. For a derived class Qt uses another system call,
-/// and reports `FailedToStart`.
+/// If the system cannot start a process, Qt 5 stores the identifier -1 in an object of class
+/// `QProcess`, and `kill` then ends all processes of the user. For a derived class Qt uses another
+/// system call and reports `FailedToStart`.
 class InspectionProcess final : public QProcess
 {
 public:
     using QProcess::QProcess;
 };
 
-/// Has the system end what this process starts when this process ends. On Linux a process asks for
-/// that itself.
+/// Makes the system end the children of this process when it ends. On Linux each child does so
+/// itself.
 void killChildrenOnExit()
 {
 #ifdef Q_OS_WIN
@@ -45,50 +46,65 @@ void killChildrenOnExit()
 #endif
 }
 
-/// What ended a process that has not ended by itself, in words that follow "ended by".
-QString endingOf(const QProcess& process)
+/// Returns an environment in which the C library overwrites freed memory, so that a process which
+/// uses it crashes. The C library does not overwrite what it keeps in the caches of its threads.
+QProcessEnvironment inspectionEnvironment()
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+#ifdef Q_OS_LINUX
+    environment.insert(QStringLiteral("MALLOC_PERTURB_"), QStringLiteral("165"));
+    const QString tunables = QStringLiteral("GLIBC_TUNABLES");
+    environment.insert(tunables,
+                       environment.value(tunables) + QLatin1String(":glibc.malloc.tcache_count=0"));
+#endif
+    return environment;
+}
+
+/// Returns what ended a process that has crashed, in words that follow "ended by".
+QString terminationReasonOf(const QProcess& process)
 {
 #ifdef Q_OS_WIN
     return QStringLiteral("exception 0x%1").arg(static_cast<quint32>(process.exitCode()), 0, 16);
 #else
-    for (const FatalSignal* crash = fatalSignals; crash->name; ++crash) {
-        if (crash->number == process.exitCode())
-            return QLatin1String(crash->name);
+    for (const FatalSignal* signal = fatalSignals; signal->name; ++signal) {
+        if (signal->number == process.exitCode())
+            return QLatin1String(signal->name);
     }
     return QStringLiteral("signal %1").arg(process.exitCode());
 #endif
 }
 
-/// Adds to the report what the process has told, and how it ended.
-void conclude(PluginReport& report, QProcess& process, bool isTimeUp, std::chrono::seconds timeout)
+/// Adds the messages of a process that has ended to the report, and a verdict if it failed.
+void addResult(PluginReport& report, QProcess& process, bool isTimedOut,
+               std::chrono::seconds timeout)
 {
     const QString activity = QLatin1String(InspectionProtocol::activity);
-    const QString ending = QLatin1String(InspectionProtocol::terminationReason);
+    const QString terminationReason = QLatin1String(InspectionProtocol::terminationReason);
     report.add({{activity, QStringLiteral("the library was started")}});
     const QList<QByteArray> lines = process.readAllStandardOutput().split('\n');
     for (const QByteArray& line : lines)
         report.add(QJsonDocument::fromJson(line).object());
     const QString lastActivity = report.take(activity);
-    QString endedBy = report.take(ending);
-    const auto addVerdict = [&](const char* word, const QString& what) {
-        report.add(verdictParts(QLatin1String(word),
-                                QStringLiteral("broken: %1 while %2").arg(what, lastActivity)));
+    QString endedBy = report.take(terminationReason);
+    const auto addVerdict = [&](const char* verdict, const QString& failure) {
+        report.add(verdictParts(QLatin1String(verdict),
+                                QStringLiteral("%1 while %2").arg(failure, lastActivity)));
     };
 
     const bool hasCrashed = process.exitStatus() == QProcess::CrashExit;
-    if (hasCrashed && isTimeUp)
+    if (hasCrashed && isTimedOut)
         return addVerdict(
             "timed-out",
             QStringLiteral("took longer than %1 s, and was ended").arg(timeout.count()));
     if (hasCrashed && endedBy.isEmpty())
-        endedBy = endingOf(process);
+        endedBy = terminationReasonOf(process);
     if (!endedBy.isEmpty())
         return addVerdict("crashed", QStringLiteral("ended by %1").arg(endedBy));
     if (process.exitCode() != Success ||
         lastActivity != QLatin1String(InspectionProtocol::lastActivity)) {
         addVerdict(
             "exited",
-            QStringLiteral("ended by a call of exit, with status %1,").arg(process.exitCode()));
+            QStringLiteral("ended by a call of exit with exit code %1").arg(process.exitCode()));
     }
 }
 
@@ -100,7 +116,7 @@ PluginInspector::PluginInspector(const QStringList& arguments, int maxProcesses,
 {
 }
 
-std::vector<PluginReport> PluginInspector::examine(const QStringList& files)
+std::vector<PluginReport> PluginInspector::inspect(const QStringList& files)
 {
     killChildrenOnExit();
     std::vector<PluginReport> reports(files.cbegin(), files.cend());
@@ -109,8 +125,7 @@ std::vector<PluginReport> PluginInspector::examine(const QStringList& files)
         if (problem.isEmpty())
             _waiting.push_back(&report);
         else
-            report.add(
-                verdictParts(QStringLiteral("no-plugin"), QLatin1String("refused: ") + problem));
+            report.add(verdictParts(QStringLiteral("no-plugin"), problem));
     }
     while (!_waiting.empty() && _running < _maxProcesses)
         startNext();
@@ -127,7 +142,7 @@ void PluginInspector::startNext()
     auto* process = new InspectionProcess(&_loop);
     auto* timer = new QTimer(process);
     timer->setSingleShot(true);
-    // A coarse timer may be a twentieth early.
+    // A coarse timer may be 5 % early.
     timer->setTimerType(Qt::PreciseTimer);
     QObject::connect(timer, &QTimer::timeout, process, &QProcess::kill);
     QObject::connect(process, &QProcess::errorOccurred, process, [this, process](auto error) {
@@ -139,15 +154,15 @@ void PluginInspector::startNext()
     });
     QObject::connect(process, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished),
                      process, [this, process, timer, report] {
-                         conclude(*report, *process, !timer->isActive(), _timeout);
+                         addResult(*report, *process, !timer->isActive(), _timeout);
                          end(process);
                      });
     process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
     process->setStandardInputFile(QProcess::nullDevice());
     timer->start(_timeout);
+    process->setProcessEnvironment(inspectionEnvironment());
     process->start(QCoreApplication::applicationFilePath(),
-                   _arguments +
-                       QStringList{QStringLiteral("--file"), report->text(QStringLiteral("file"))});
+                   _arguments + QStringList(report->text(QStringLiteral("file"))));
 }
 
 void PluginInspector::end(QProcess* process)

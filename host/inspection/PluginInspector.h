@@ -13,19 +13,19 @@ class QProcess;
 
 namespace Host {
 
-/// Examines plug-in files, each in a process of its own that runs `inspectPlugin`, so that none
-/// spoils what is said of the others. A file that cannot be loaded, as its tables show, needs no
-/// process. The processes end when this one does.
+/// Inspects plug-in files, each in its own process, which executes `inspectPlugin`, so that a crash
+/// affects one file only. Files that `System::libraryFileError` rejects need no process. The
+/// processes end with this one.
 class PluginInspector
 {
 public:
     /// `arguments` are those of `inspectPlugin` without the file. Up to `maxProcesses` processes
-    /// run at a time; each is ended after `timeout`.
+    /// run at the same time; each is killed after `timeout`.
     PluginInspector(const QStringList& arguments, int maxProcesses, std::chrono::seconds timeout);
 
-    /// The reports on the files, in their order.
-    std::vector<PluginReport> examine(const QStringList& files);
-    /// Why not all files have been examined; empty if they have.
+    /// Returns a report for each file, in the same order.
+    std::vector<PluginReport> inspect(const QStringList& files);
+    /// Returns why not all files were inspected; empty if they were.
     QString error() const { return _error; }
 
 private:
@@ -35,7 +35,7 @@ private:
     const QStringList _arguments;
     const int _maxProcesses;
     const std::chrono::seconds _timeout;
-    /// What there is still to do.
+    /// The reports for which no process has been started yet.
     std::deque<PluginReport*> _waiting;
     int _running = 0;
     QEventLoop _loop;

@@ -38,10 +38,16 @@ QString PluginReport::time(const QString& key) const
     return time.isDouble() ? QString::number(time.toDouble(), 'f', 2) : QStringLiteral("-");
 }
 
-QJsonObject verdictParts(const QString& word, const QString& explanation)
+QJsonObject verdictParts(const QString& verdict, const QString& reason)
 {
-    return {{QStringLiteral("accepted"), word == QLatin1String("accepted")},
-            {QStringLiteral("verdict"), word},
+    const bool isAccepted = verdict == QLatin1String("accepted");
+    QString explanation = QStringLiteral("accepted");
+    if (verdict == QLatin1String("other-board"))
+        explanation = QLatin1String("for another board: ") + reason;
+    else if (!isAccepted)
+        explanation = QLatin1String("cannot be used: ") + reason;
+    return {{QStringLiteral("accepted"), isAccepted},
+            {QStringLiteral("verdict"), verdict},
             {QStringLiteral("explanation"), explanation}};
 }
 

@@ -5,24 +5,24 @@
 
 namespace Host {
 
-/// What there is to say about one plug-in file: a row of the table, and an object of the JSON, that
-/// `ovapp-host plugins` prints.
+/// The result of the inspection of one plug-in file: a row of the table and an object of the JSON
+/// that `ovapp-host plugins` prints.
 class PluginReport
 {
 public:
-    /// A report without a verdict.
+    /// Creates a report without a verdict.
     explicit PluginReport(const QString& file);
 
-    /// Adds parts, or replaces them.
+    /// Adds or replaces parts.
     void add(const QJsonObject& parts);
-    /// Takes a part out; null if it is not there.
+    /// Removes a part and returns it as text; empty if there is none.
     QString take(const QString& key);
 
-    /// Whether the program can do nothing with the file, whatever board is in use.
+    /// Whether the file cannot be used with any board.
     bool isUnusable() const;
-    /// A part as a text; empty when it is not there or null.
+    /// Returns a part as text; empty if there is none or it is null.
     QString text(const QString& key) const;
-    /// How many milliseconds something took; a dash for what has not been done.
+    /// Returns a time in ms as text; a dash if there is none.
     QString time(const QString& key) const;
     const QJsonObject& toJson() const { return _parts; }
 
@@ -30,8 +30,8 @@ private:
     QJsonObject _parts;
 };
 
-/// The parts of a report that are a verdict: one word for programs, and for people whether the
-/// plug-in is accepted, and if not, why, and what its author can do.
-QJsonObject verdictParts(const QString& word, const QString& explanation);
+/// Returns the parts of a report for a verdict, which is one word for programs, with the reason in
+/// the sentence for users.
+QJsonObject verdictParts(const QString& verdict, const QString& reason);
 
 } // namespace Host

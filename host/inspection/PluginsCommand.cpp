@@ -15,6 +15,7 @@
 #include <QDir>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QMap>
 #include <QThread>
 
 #include <algorithm>
@@ -26,23 +27,89 @@ namespace Host {
 
 namespace {
 
+using App::PluginLoader;
 using Reports = std::vector<PluginReport>;
 
-/// What the processes that examine the plug-ins have to know: all that this one has found out.
-QStringList inspectorArguments(bool profiled)
+/// The files to inspect.
+struct Files
 {
-    const Core::Settings& settings = Core::Settings::instance();
+    QStringList paths;
+    /// As the table shows them.
+    QStringList names;
+};
+
+/// Sets `files` to those that the user has given. Returns the exit code after a usage error.
+std::optional<int> findGivenFiles(const QStringList& names, Files& files)
+{
+    QStringList canonicalPaths;
+    for (const QString& name : names) {
+        const QFileInfo file(name);
+        if (!file.exists())
+            return fail(UsageError, QStringLiteral("%1 does not exist").arg(quoted(name)));
+        if (file.isDir()) {
+            return fail(
+                UsageError,
+                QStringLiteral("%1 is a directory; use --plugins for it").arg(quoted(name)));
+        }
+        if (canonicalPaths.contains(file.canonicalFilePath()))
+            return fail(UsageError, QStringLiteral("%1 is given twice").arg(quoted(name)));
+        canonicalPaths << file.canonicalFilePath();
+        files.paths << file.absoluteFilePath();
+        const QString suffix = PluginLoader::pluginSuffix();
+        if (file.suffix().compare(suffix, Qt::CaseInsensitive) != 0) {
+            warn(QStringLiteral("%1 would be skipped in a plug-in directory: the suffix of plug-in "
+                                "files is .%2")
+                     .arg(quoted(name), suffix));
+        }
+    }
+    files.names = names;
+    return std::nullopt;
+}
+
+/// Returns the files in the plug-in directory, and warns about others there.
+Files findFiles()
+{
+    const QString path = PluginLoader::pluginsPath();
+    const QStringList warnings = skippedFiles(path, PluginLoader::pluginSuffix());
+    for (const QString& warning : warnings)
+        warn(warning);
+    Files files;
+    files.paths = PluginLoader::pluginFiles();
+    const QDir directory(path);
+    for (const QString& file : qAsConst(files.paths))
+        files.names << directory.relativeFilePath(file);
+    return files;
+}
+
+/// The arguments of `inspectPlugin` without the file.
+QStringList inspectorArguments(bool isProfiled)
+{
     const int board = Core::BoardEthDescHandler::instance()->currentBoardEthDescType();
-    QStringList arguments{QStringLiteral("inspect-plugin"),
-                          QStringLiteral("--app-dir"),
-                          settings.applicationDirPath(),
-                          QStringLiteral("--plugins"),
-                          settings.pluginDirPath(),
-                          QStringLiteral("--board"),
-                          QString::number(board)};
-    if (profiled)
+    QStringList arguments{QStringLiteral("inspect-plugin"), QStringLiteral("--app-dir"),
+                          Core::Settings::instance().applicationDirPath(),
+                          QStringLiteral("--board"), QString::number(board)};
+    const QString pluginDirectory = PluginLoader::pluginsPath();
+    if (!pluginDirectory.isEmpty())
+        arguments << QStringLiteral("--plugins") << pluginDirectory;
+    if (isProfiled)
         arguments << QStringLiteral("--profile");
     return arguments;
+}
+
+/// Warns about files that have the same value, which is not empty, in a part of their reports.
+void warnAboutDuplicates(const Reports& reports, const QStringList& names, const QString& part)
+{
+    QMap<QString, QStringList> namesByValue;
+    for (std::size_t i = 0; i < reports.size(); ++i)
+        namesByValue[reports[i].text(part)] << names.at(static_cast<int>(i));
+    namesByValue.remove(QString());
+    namesByValue.remove(QStringLiteral("0x0"));
+    for (auto value = namesByValue.cbegin(); value != namesByValue.cend(); ++value) {
+        if (value->size() > 1) {
+            warn(QStringLiteral("%1 have the same %2, %3")
+                     .arg(value->join(QLatin1String(", ")), part, quoted(value.key())));
+        }
+    }
 }
 
 void printJson(const Reports& reports)
@@ -57,25 +124,24 @@ void printJson(const Reports& reports)
     write(stdout, QJsonDocument(object).toJson());
 }
 
-void printTable(const Reports& reports, bool profiled)
+void printTable(const Reports& reports, const QStringList& names, bool isProfiled)
 {
     const auto orDash = [](const QString& text) {
         return text.isEmpty() ? QStringLiteral("-") : text;
     };
     QStringList titles{QStringLiteral("FILE"), QStringLiteral("NAME"), QStringLiteral("IDENTIFIER"),
                        QStringLiteral("BOARDS")};
-    if (profiled) {
+    if (isProfiled) {
         titles << QStringLiteral("LOAD/MS") << QStringLiteral("START/MS")
                << QStringLiteral("STOP/MS");
     }
     std::vector<QStringList> rows{titles << QStringLiteral("VERDICT")};
-    const QDir directory(Core::Settings::instance().pluginDirPath());
-    for (const PluginReport& report : reports) {
-        QStringList row{directory.relativeFilePath(report.text(QStringLiteral("file"))),
-                        orDash(report.text(QStringLiteral("name"))),
+    for (std::size_t i = 0; i < reports.size(); ++i) {
+        const PluginReport& report = reports[i];
+        QStringList row{names.at(static_cast<int>(i)), orDash(report.text(QStringLiteral("name"))),
                         orDash(report.text(QStringLiteral("identifier"))),
                         orDash(report.text(QStringLiteral("boards")))};
-        if (profiled) {
+        if (isProfiled) {
             row << report.time(QStringLiteral("load_ms")) << report.time(QStringLiteral("start_ms"))
                 << report.time(QStringLiteral("stop_ms"));
         }
@@ -84,7 +150,7 @@ void printTable(const Reports& reports, bool profiled)
         rows.push_back(row);
     }
 
-    // The last column is as wide as it is.
+    // The last column is not padded.
     std::vector<int> widths(static_cast<std::size_t>(titles.size()) - 1);
     for (const QStringList& row : rows) {
         for (std::size_t column = 0; column < widths.size(); ++column)
@@ -98,25 +164,26 @@ void printTable(const Reports& reports, bool profiled)
     }
 }
 
-/// Prints the reports, and returns the status that they ask for.
-int conclude(const Reports& reports, bool asJson, bool profiled)
+/// Prints the reports and returns the exit code.
+int printReports(const Reports& reports, const QStringList& names, bool asJson, bool isProfiled)
 {
     if (asJson) {
         printJson(reports);
     } else if (reports.empty()) {
-        print(stdout, QStringLiteral("There is no plug-in file in %1")
+        print(stdout, QStringLiteral("No plug-in files in %1")
                           .arg(quoted(Core::Settings::instance().pluginDirPath())));
     } else {
-        printTable(reports, profiled);
+        printTable(reports, names, isProfiled);
     }
-    const auto broken = std::count_if(reports.cbegin(), reports.cend(),
-                                      [](const auto& report) { return report.isUnusable(); });
-    if (broken == 0)
+    warnAboutDuplicates(reports, names, QStringLiteral("identifier"));
+    warnAboutDuplicates(reports, names, QStringLiteral("name"));
+    const auto unusableCount = std::count_if(reports.cbegin(), reports.cend(),
+                                             [](const auto& each) { return each.isUnusable(); });
+    if (unusableCount == 0)
         return Success;
-    return fail(Failure, QStringLiteral("%1 of %2 plug-in files %3 broken")
-                             .arg(broken)
-                             .arg(reports.size())
-                             .arg(broken == 1 ? QStringLiteral("is") : QStringLiteral("are")));
+    return fail(Failure, QStringLiteral("%1 of %2 plug-in files cannot be used")
+                             .arg(unusableCount)
+                             .arg(reports.size()));
 }
 
 } // namespace
@@ -124,47 +191,54 @@ int conclude(const Reports& reports, bool asJson, bool profiled)
 int plugins(const QStringList& arguments)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(
-        QStringLiteral("Lists every plug-in file, whether it is accepted, and if not, why."));
+    parser.setApplicationDescription(QStringLiteral(
+        "Checks the given plug-in files, or all in the plug-in directory, each in its "
+        "own process, and prints whether they are accepted, and if not, why."));
+    parser.addPositionalArgument(QStringLiteral("FILE"),
+                                 QStringLiteral("Plug-in files in any directory."),
+                                 QStringLiteral("[FILE...]"));
     SessionOptions options(parser);
     const QCommandLineOption profile(
         QStringLiteral("profile"),
-        QStringLiteral("Start and stop the plug-ins, too, and say how long that took."));
+        QStringLiteral("Also start and stop each plug-in, measure the times, and check that it "
+                       "removes what it has registered."));
     const QCommandLineOption json(QStringLiteral("json"), QStringLiteral("Print JSON."));
     const QCommandLineOption timeout(
         QStringLiteral("timeout"),
-        QStringLiteral("How long examining one plug-in may take; 10 seconds by default."),
+        QStringLiteral("The time limit for each plug-in; by default 10 seconds."),
         QStringLiteral("SECONDS"), QStringLiteral("10"));
     parser.addOptions({profile, timeout, json});
-    if (const std::optional<int> status = options.parse(parser, arguments))
-        return *status;
+    if (const std::optional<int> exitCode = options.parse(parser, arguments))
+        return *exitCode;
     const int seconds = parser.value(timeout).toInt();
-    constexpr int mostSeconds = 1000000;
-    if (seconds < 1 || seconds > mostSeconds) {
-        return fail(UsageError, QStringLiteral("--timeout: %1 is no whole number from 1 to %2")
+    constexpr int maxSeconds = 1000000;
+    if (seconds < 1 || seconds > maxSeconds) {
+        return fail(UsageError, QStringLiteral("--timeout: %1 is not an integer from 1 to %2")
                                     .arg(quoted(parser.value(timeout)))
-                                    .arg(mostSeconds));
+                                    .arg(maxSeconds));
     }
+
+    Files files;
+    if (const std::optional<int> exitCode = findGivenFiles(parser.positionalArguments(), files))
+        return *exitCode;
 
     options.startLibrary();
     warnIfSettingsCannotBeKept();
-    const QStringList sentences =
-        skippedFiles(App::PluginLoader::pluginsPath(), App::PluginLoader::pluginSuffix());
-    for (const QString& sentence : sentences)
-        warn(sentence);
-    const bool profiled = parser.isSet(profile);
-    // What is measured is not to be disturbed.
-    const int maxProcesses = profiled ? 1 : std::max(2, QThread::idealThreadCount());
-    PluginInspector inspector(inspectorArguments(profiled), maxProcesses,
+    if (files.paths.isEmpty())
+        files = findFiles();
+    const bool isProfiled = parser.isSet(profile);
+    // Other processes would disturb the measurement.
+    const int maxProcesses = isProfiled ? 1 : std::max(2, QThread::idealThreadCount());
+    PluginInspector inspector(inspectorArguments(isProfiled), maxProcesses,
                               std::chrono::seconds(seconds));
-    const Reports reports = inspector.examine(App::PluginLoader::pluginFiles());
-    const int status =
+    const Reports reports = inspector.inspect(files.paths);
+    const int exitCode =
         inspector.error().isEmpty()
-            ? conclude(reports, parser.isSet(json), profiled)
-            : fail(Failure, QStringLiteral("cannot start a process to examine a plug-in: %1")
+            ? printReports(reports, files.names, parser.isSet(json), isProfiled)
+            : fail(Failure, QStringLiteral("cannot start a process to inspect a plug-in: %1")
                                 .arg(inspector.error()));
     App::Application::destruct();
-    return status;
+    return exitCode;
 }
 
 } // namespace Host

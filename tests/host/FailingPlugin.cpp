@@ -1,4 +1,10 @@
+#include <support/Listener.h>
+
 #include <plugins/PluginInterface.h>
+#include <registries/CommInfo.h>
+#include <registries/CommInfoRegistry.h>
+#include <registries/ExtendPluginInfo.h>
+#include <registries/ExtendPluginRegistry.h>
 
 #include <QObject>
 #include <QTimer>
@@ -19,6 +25,13 @@
 /// How and when it fails: a test that copies the file writes other words over these.
 static const volatile char wayOfFailing[] = "how, and at which moment";
 
+class Extension : public App::ExtendPluginInfo
+{
+public:
+    QString description() const override { return QString(); }
+    int supportedBoardTypes() const override { return 4; }
+};
+
 /// Ends the program in the way and at the moment that its file says, and prints each moment.
 class FailingPlugin : public QObject, public App::PluginInterface
 {
@@ -34,19 +47,62 @@ public:
     void start() override
     {
         passMoment("started");
+        const QByteArray way = wayOf();
+        if (way.startsWith("registers"))
+            registerAll();
+        if (way.startsWith("listens"))
+            listen(way.at(8) - '0');
         QTimer::singleShot(0, [] { passMoment("later"); });
     }
     void stop() override { passMoment("stopped"); }
-    App::PluginInfo pluginInfo() const override { return App::PluginInfo(); }
+    App::PluginInfo pluginInfo() const override
+    {
+        App::PluginInfo info;
+        info.set("Name"_s, "Failing"_s);
+        return info;
+    }
 
 private:
+    static QByteArray wayOf()
+    {
+        QByteArray way;
+        for (const volatile char& letter : wayOfFailing)
+            way += letter;
+        return way;
+    }
+
+    void registerAll()
+    {
+        App::CommInfoRegistry::instance()->registerCommInfo(&_channel);
+        App::ExtendPluginRegistry::instance().registerExtendInfo(&_extensions[0]);
+        App::ExtendPluginRegistry::instance().registerExtendInfo(&_extensions[1]);
+    }
+
+    /// Registers a listener of one kind: alternately one that dies with the plug-in and one that
+    /// is never deleted.
+    void listen(int kind)
+    {
+        App::Application& application = App::Application::instance();
+        static auto& forever = *new Listener([](const QString&) {});
+        Listener* listener = kind % 2 == 0 ? &_listener : &forever;
+        const std::function<void()> registrations[] = {
+            [&] { application.addNewDocumentListener(listener); },
+            [&] { application.addCloseDocumentListener(listener); },
+            [&] { application.addActiveDocumentListener(listener); },
+            [&] { application.addObjectListListener(listener); },
+            [&] { application.addTransactionListener(listener); },
+            [&] { application.addSelectionListener(listener); },
+            [&] { application.addPropertyListener(listener); },
+            [&] { application.addPluginStateChangeListener(listener); },
+            [&] { application.addStartFinishListener(listener); }};
+        registrations[kind]();
+    }
+
     static void passMoment(const char* moment)
     {
         std::puts(moment);
         std::fflush(stdout);
-        QByteArray way;
-        for (const volatile char& letter : wayOfFailing)
-            way += letter;
+        const QByteArray way = wayOf();
         if (!way.startsWith(QByteArray(moment) + ' '))
             return;
         if (way.contains("crash"))
@@ -95,6 +151,10 @@ private:
         volatile std::uintptr_t address = 8;
         *reinterpret_cast<volatile int*>(address) = 0;
     }
+
+    App::CommInfo _channel;
+    Extension _extensions[2];
+    Listener _listener{[](const QString&) {}};
 };
 
 #include "FailingPlugin.moc"

@@ -407,12 +407,12 @@ log: destruct application.)"_s;
         } rows[] = {
             {"accepted.dll"_s, "started wait", "accepted", "accepted"},
             {"crash.dll"_s, "loaded crash", "crashed", "while it was loaded"},
-            {"exit.dll"_s, "unloaded _exit", "exited", "status 0, while it was unloaded"},
+            {"exit.dll"_s, "unloaded _exit", "exited", "exit code 0 while it was unloaded"},
             {"fork.dll"_s, "started fork", "accepted", "accepted"},
             {"hang.dll"_s, "stopped hang", "timed-out", "4 s, and was ended while it was stopped"},
             {"overflow.dll"_s, "started overflow", "crashed", "while it was started"},
             {"symbol.dll"_s, "symbol", Tools::isWine() ? "crashed" : "no-plugin",
-             Tools::isWine() ? "while it was asked" : "Qt cannot load it"},
+             Tools::isWine() ? "while its queries were called" : "Qt cannot load it"},
             {"throw.dll"_s, "asked throw", "exception",
              "pluginID() threw an exception: of no use"}};
         for (const auto& row : rows)
@@ -422,7 +422,7 @@ log: destruct application.)"_s;
                 .replaceInStrings("%1"_s, directory.path());
         const Outcome outcome = runHost(command);
         QCOMPARE(outcome.status, 1);
-        QCOMPARE(outcome.errors.last(), "ovapp-host: 6 of 8 plug-in files are broken"_s);
+        QCOMPARE(outcome.errors.last(), "ovapp-host: 6 of 8 plug-in files cannot be used"_s);
         const QJsonObject json = jsonOf(outcome);
         QCOMPARE(json.value("directory"_s).toString(), directory.path());
         QCOMPARE(json.value("board"_s).toInt(), 4);
@@ -448,7 +448,7 @@ log: destruct application.)"_s;
         tableCommand.removeAll("--json"_s);
         const QString row = runHost(tableCommand).output.last();
         const QRegularExpression expected(
-            "^accepted.dll  -     0x1f        0x4     +[0-9.]+ +[3-9][0-9]{2}\\.[0-9]+"
+            "^accepted.dll  Failing  0x1f        0x4     +[0-9.]+ +[3-9][0-9]{2}\\.[0-9]+"
             " +[0-9]{1,2}\\.[0-9]+  +accepted$"_s);
         QVERIFY2(row.contains(expected), qPrintable(row));
 
@@ -456,6 +456,86 @@ log: destruct application.)"_s;
         const Outcome empty = runHost(tableCommand);
         QCOMPARE(empty.status, 0);
         QVERIFY(empty.output.join(u'\n').contains(directory.path()));
+    }
+
+    void remainingRegistrations()
+    {
+        for (const char* options : {"ASAN_OPTIONS", "TSAN_OPTIONS"})
+            qputenv(options, "handle_segv=0");
+        const QTemporaryDir directory;
+        writeFailingPlugin(directory.filePath("registers.dll"_s), "registers");
+        int listenerKinds = 0;
+#ifdef Q_OS_LINUX
+        listenerKinds = 9;
+        for (int kind = 0; kind < listenerKinds; ++kind) {
+            const QByteArray way = "listens " + QByteArray::number(kind);
+            writeFailingPlugin(directory.filePath(QString::fromLatin1(way) + ".dll"_s), way);
+        }
+#endif
+        const QStringList command =
+            words("plugins --profile --json --board 4 --app-dir %1 --plugins %1")
+                .replaceInStrings("%1"_s, directory.path());
+        const QJsonArray plugins = jsonOf(runHost(command)).value("plugins"_s).toArray();
+        QCOMPARE(plugins.size(), listenerKinds + 1);
+        for (int i = 0; i < listenerKinds; ++i) {
+            const QString explanation = plugins.at(i).toObject().value("explanation"_s).toString();
+            QVERIFY2(explanation.endsWith(
+                         "while a listener was called that stop() had left registered"_s),
+                     qPrintable(explanation));
+        }
+        const QJsonObject registers = plugins.at(listenerKinds).toObject();
+        QCOMPARE(registers.value("verdict"_s).toString(), "incomplete-stop"_s);
+        QCOMPARE(registers.value("explanation"_s).toString(),
+                 "cannot be used: stop() leaves objects registered (channels: 1, extensions: 2)"_s);
+    }
+
+    void givenFiles()
+    {
+        const QTemporaryDir directory;
+        const auto path = [&directory](const char* name) {
+            return directory.filePath(QLatin1String(name));
+        };
+        for (const char* name : {"a/my.dll", "b/my.dll", "b/other.so", "c.dll", "text.dll"})
+            writeFailingPlugin(path(name), "");
+        writeFile(path("text.dll"), "text");
+        const QString current = QDir::currentPath();
+        QVERIFY(QDir::setCurrent(path("a")));
+        const QStringList command =
+            words("plugins --board 4 --app-dir") + QStringList(_directory.path());
+        const Outcome outcome =
+            runHost(command + words("my.dll ../b/my.dll ../b/other.so ../text.dll"));
+        const auto error = [&](const QString& file) {
+            const Outcome failed = runHost(command + words("my.dll") + QStringList(file));
+            return failed.status == 2 && failed.output.isEmpty() ? failed.errors.join(u'\n')
+                                                                 : QString();
+        };
+        const QString missing = error("missing.dll"_s);
+        const QString isDirectory = error("../b"_s);
+        const QString twice = error("../a/my.dll"_s);
+        QVERIFY(QDir::setCurrent(current));
+
+        QCOMPARE(outcome.status, 1);
+        QCOMPARE(outcome.output.size(), 5);
+        for (const char* name : {"my.dll", "../b/my.dll", "../b/other.so"})
+            QCOMPARE(outcome.output
+                         .filter(QRegularExpression("^%1 .* accepted$"_s.arg(
+                             QRegularExpression::escape(QLatin1String(name)))))
+                         .size(),
+                     1);
+        QStringList errors = outcome.errors;
+        for (const char* printed : {"loaded", "asked", "unloaded"})
+            errors.removeAll(QLatin1String(printed));
+        QCOMPARE(errors,
+                 QStringList({"ovapp-host: warning: '../b/other.so' would be skipped in a plug-in "
+                              "directory: the suffix of plug-in files is .dll"_s,
+                              "ovapp-host: warning: my.dll, ../b/my.dll, ../b/other.so have the "
+                              "same identifier, '0x1f'"_s,
+                              "ovapp-host: warning: my.dll, ../b/my.dll, ../b/other.so have the "
+                              "same name, 'Failing'"_s,
+                              "ovapp-host: 1 of 4 plug-in files cannot be used"_s}));
+        QCOMPARE(missing, "ovapp-host: 'missing.dll' does not exist"_s);
+        QCOMPARE(isDirectory, "ovapp-host: '../b' is a directory; use --plugins for it"_s);
+        QCOMPARE(twice, "ovapp-host: '../a/my.dll' is given twice"_s);
     }
 
     void skippedFiles()
