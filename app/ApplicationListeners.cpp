@@ -176,7 +176,7 @@ void Application::postSelectionChangedEvent(QObject* receiver)
     post(receiver, new SelectionChangeEvent);
 }
 
-// The transaction is the caller's to change, as it is in the notification.
+// The parameter is not const for consistency with notifyTransactionListeners().
 // cppcheck-suppress constParameter
 void Application::postTransactionEvent(Doc::Transaction& transaction, bool hasOnlyChanges,
                                        int objectTypeFilter, QObject* receiver)

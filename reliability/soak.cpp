@@ -173,8 +173,9 @@ const QByteArray& ballast()
     return text;
 }
 
-/// Saves a document and a setting with rising counts, and says so each time, until it is killed.
-[[noreturn]] void saveForEver(const QString& directory)
+/// Saves a document and a setting with increasing counts, and writes each count to standard output,
+/// until the process is killed.
+[[noreturn]] void saveUntilKilled(const QString& directory)
 {
     Core::Settings::instance().setApplicationDirPath(directory);
     App::Application::init();
@@ -205,22 +206,22 @@ QString kills(int all)
     for (int done = 0; done < all; ++done) {
         QElapsedTimer start;
         start.start();
-        QProcess victim;
-        victim.start(QCoreApplication::applicationFilePath(), {"--save"_s, directory.path()});
-        require(victim.waitForReadyRead(), "a program does not start");
+        QProcess child;
+        child.start(QCoreApplication::applicationFilePath(), {"--save"_s, directory.path()});
+        require(child.waitForReadyRead(), "a program does not start");
         slowest = std::max(slowest, start.elapsed());
-        require(slowest < 1000, "a program starts late");
+        require(slowest < 1000, "a program starts slowly");
         QThread::usleep(static_cast<unsigned long>(random() % 20000));
-        victim.kill();
-        require(victim.waitForFinished() && victim.exitStatus() == QProcess::CrashExit,
+        child.kill();
+        require(child.waitForFinished() && child.exitStatus() == QProcess::CrashExit,
                 "a program cannot save");
 
-        // What it was about when it was killed may have been done or not.
+        // The save during which the process was killed may be complete or not.
         int last = 0;
-        const QByteArray said = victim.readAllStandardOutput();
-        std::copy_n(said.end() - sizeof last, sizeof last, reinterpret_cast<char*>(&last));
+        const QByteArray counts = child.readAllStandardOutput();
+        std::copy_n(counts.end() - sizeof last, sizeof last, reinterpret_cast<char*>(&last));
         const auto isLastOrNext = [last](int count) { return count == last || count == last + 1; };
-        saves += static_cast<int>(said.size() / static_cast<int>(sizeof last));
+        saves += static_cast<int>(counts.size() / static_cast<int>(sizeof last));
         require(isLastOrNext(countIn(path)), "a document is older than its last save");
         require(contentOf(path).contains(ballast()), "a document has lost a member");
         locks += QFile::exists(directory.filePath("ovapp.ini.lock"_s));
@@ -231,11 +232,11 @@ QString kills(int all)
                     settings.value("Soak/ballast"_s).toByteArray() == ballast(),
                 "settings are lost");
     }
-    const auto halves = QDir(directory.path()).entryList({"*.??????"_s}, QDir::Files).size();
+    const auto partFiles = QDir(directory.path()).entryList({"*.??????"_s}, QDir::Files).size();
     return "%1 kills among %2 saves, %3 of them while a file was written, %4 while settings were "
            "locked: the slowest start took %5 ms"_s.arg(all)
                .arg(saves)
-               .arg(halves)
+               .arg(partFiles)
                .arg(locks)
                .arg(slowest);
 }
@@ -386,7 +387,7 @@ int main(int argc, char** argv)
     if (arguments.value(1) == "--exit"_s)
         return exitOnAnotherThread(arguments.value(2).toULong());
     if (arguments.value(1) == "--save"_s)
-        saveForEver(arguments.value(2));
+        saveUntilKilled(arguments.value(2));
     const int all = arguments.value(1).toInt();
     if (all < 100) {
         std::fputs("usage: soak CYCLES    (100 or more)\n", stderr);

@@ -45,27 +45,27 @@ struct Counter : Core::ConsoleObserver
 
 } // namespace
 
-/// What the library and its users rely on in the layer below.
+/// The guarantees of the layer below and of the operating-system calls.
 class tst_platform : public QObject
 {
     Q_OBJECT
 
-    /// Documents that hold more than the library knows, before and after a change of their counts.
+    /// Documents with unknown members, before and after a change of their counts.
     static const std::pair<QByteArray, QByteArray> changes[2];
 
 private Q_SLOTS:
 #ifdef Q_OS_UNIX
-    void processInterrupt()
+    void interruptsOneProcessOnly()
     {
-        // It would be sent to this group of one, which lives through it.
+        // In a process group of its own, so that an interrupt of the group would not hit others.
         QCOMPARE(::setpgid(0, 0), 0);
         static volatile std::sig_atomic_t isInterrupted = 0;
-        const auto formerly = std::signal(SIGINT, [](int) { isInterrupted = 1; });
+        const auto previous = std::signal(SIGINT, [](int) { isInterrupted = 1; });
         QVERIFY(!System::interruptProcess(0));
         QVERIFY(!isInterrupted);
         QVERIFY(System::interruptProcess(QCoreApplication::applicationPid()));
         QVERIFY(isInterrupted);
-        std::signal(SIGINT, formerly);
+        std::signal(SIGINT, previous);
     }
 #endif
 
@@ -172,7 +172,7 @@ private Q_SLOTS:
         QVERIFY(QFile::exists(file + ".lock"_s));
     }
 
-    void console()
+    void consoleServesSeveralThreads()
     {
         constexpr int perThread = 500;
         Counter steady;
@@ -203,7 +203,7 @@ private Q_SLOTS:
         QCOMPARE(other.calls, 0);
     }
 
-    void logOnFullDisk()
+    void logSurvivesFullDisk()
     {
 #ifdef Q_OS_UNIX
         const QTemporaryDir directory;
@@ -230,15 +230,15 @@ private Q_SLOTS:
 #endif
     }
 
-    void documentKeepsWhatItDoesNotKnow()
+    void documentKeepsUnknownMembers()
     {
         Doc::Document document(new Doc::Storage);
         for (const auto& [before, after] : changes) {
             const QTemporaryDir directory;
             const QString path = directory.filePath("piece.ovdoc"_s);
-            const QString former = directory.filePath("former"_s);
+            const QString link = directory.filePath("link"_s);
             writeFile(path, before);
-            std::filesystem::create_hard_link(path.toStdString(), former.toStdString());
+            std::filesystem::create_hard_link(path.toStdString(), link.toStdString());
             QVERIFY(document.open(path));
             Laser::PrintCountParams counts;
             counts.setFinishedCount(2);
@@ -248,12 +248,12 @@ private Q_SLOTS:
             QCOMPARE(contentOf(path), after);
             QVERIFY(document.open(path) && document.save());
             QCOMPARE(contentOf(path), after);
-            // Another file has taken the former one's place; nothing is written over.
-            QCOMPARE(contentOf(former), before);
+            // The file has been replaced, not overwritten.
+            QCOMPARE(contentOf(link), before);
         }
     }
 
-    void documentAfterFailures()
+    void documentIsUnchangedAfterFailures()
     {
         const QTemporaryDir directory;
         const QString good = directory.filePath("good"_s);
@@ -273,7 +273,7 @@ private Q_SLOTS:
                  words("bad good"));
     }
 
-    void documentOnFullDisk()
+    void documentSurvivesFullDisk()
     {
 #ifdef Q_OS_UNIX
         const QTemporaryDir directory;
@@ -295,7 +295,7 @@ private Q_SLOTS:
 #endif
     }
 
-    void transaction()
+    void transactionCopiesAreIndependent()
     {
         const Doc::Transaction first("first"_s);
         Doc::Transaction second(first);
@@ -304,7 +304,7 @@ private Q_SLOTS:
         QCOMPARE(first.name(), "first"_s);
     }
 
-    void fonts()
+    void fontsAreSortedAndUnique()
     {
         const QTemporaryDir directory;
         const auto paths = [&directory](const char* names) {
@@ -322,9 +322,9 @@ private Q_SLOTS:
     }
 };
 
-// Not before the class, which moc would miss behind such raw strings.
+// After the class, since moc does not parse these raw strings correctly.
 const std::pair<QByteArray, QByteArray> tst_platform::changes[] = {
-    // No counts, and a mark before.
+    // No counts, and a byte order mark at the beginning.
     {"\xef\xbb\xbf{\"form\\u0061t\":\"ovdoc\",\"version\":1.0,"
      R"("PrintCount":9007199254740993, "a":[{"b}": "\"]"}, null, "\\", "}"]})",
      R"({
@@ -335,7 +335,7 @@ const std::pair<QByteArray, QByteArray> tst_platform::changes[] = {
     "printCount": { "finished": 2, "target": 9 }
 }
 )"},
-    // What is called almost like the counts, and is not meant.
+    // Members whose names are similar to those of the counts.
     {"{\"print\\u0043ount\": {\"new\": 1.50, \"\xef\xbb\xbftarget\": 3, \"finished\": -2147483648,"
      "\"\\ufefffinished\": 7}, \"format\": \"ovdoc\", \"version\": 1, \"\xef\xbb\xbfversion\": 2}",
      "{\n    \"print\\u0043ount\": { \"new\": 1.50, \"\xef\xbb\xbftarget\": 3, \"finished\": 2, "
