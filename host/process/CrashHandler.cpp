@@ -20,15 +20,16 @@ namespace Host {
 
 namespace {
 
-/// Null while there is nothing to say. A crash may be anywhere, so no more than this is touched.
-std::atomic<const QByteArray*> wordsToSay{nullptr};
+/// The end of the message; null if there is no activity. A crash may occur anywhere, so the
+/// handlers use only data that exists before.
+std::atomic<const QByteArray*> activityText{nullptr};
 #ifndef Q_OS_WIN
-/// The process that the handler was created in. Children that it forks are left alone.
+/// The process that created the handler. The handler does not affect its forked children.
 pid_t handledProcess = 0;
 #endif
-std::terminate_handler formerTerminateHandler = nullptr;
+std::terminate_handler previousTerminateHandler = nullptr;
 #ifdef Q_OS_WIN
-LPTOP_LEVEL_EXCEPTION_FILTER formerFilter = nullptr;
+LPTOP_LEVEL_EXCEPTION_FILTER previousFilter = nullptr;
 #endif
 
 void writeError(const char* text, std::size_t size)
@@ -50,23 +51,23 @@ bool isForkedChild()
 #endif
 }
 
-[[noreturn]] void sayAndEnd(const char* ending)
+[[noreturn]] void reportAndExit(const char* reason)
 {
-    if (const QByteArray* words = wordsToSay.exchange(nullptr)) {
-        constexpr char beginning[] = "ovapp-host: ended by ";
-        writeError(beginning, sizeof beginning - 1);
-        writeError(ending, std::strlen(ending));
-        writeError(words->constData(), static_cast<std::size_t>(words->size()));
+    if (const QByteArray* text = activityText.exchange(nullptr)) {
+        constexpr char prefix[] = "ovapp-host: ended by ";
+        writeError(prefix, sizeof prefix - 1);
+        writeError(reason, std::strlen(reason));
+        writeError(text->constData(), static_cast<std::size_t>(text->size()));
     }
     std::_Exit(Failure);
 }
 
-void sayAtExit()
+void handleExit()
 {
-    if (!wordsToSay || isForkedChild())
+    if (!activityText || isForkedChild())
         return;
     std::fflush(nullptr);
-    sayAndEnd("a call of exit");
+    reportAndExit("a call of exit");
 }
 
 void handleSignal(int signal)
@@ -76,28 +77,28 @@ void handleSignal(int signal)
         std::raise(signal);
         return;
     }
-    const FatalSignal* crash = fatalSignals;
-    while (crash->name && crash->number != signal)
-        ++crash;
-    sayAndEnd(crash->name ? crash->name : "a signal");
+    const FatalSignal* known = fatalSignals;
+    while (known->name && known->number != signal)
+        ++known;
+    reportAndExit(known->name ? known->name : "a signal");
 }
 
 #ifndef Q_OS_WIN
-/// A stack that has overflown has no room for a handler.
-void makeRoomForHandlers()
+/// Handlers run on a stack of their own, since the normal one may have overflowed.
+void setAlternateStack()
 {
-    static char room[1 << 16];
+    static char buffer[1 << 16];
     stack_t stack = {};
     if (::sigaltstack(nullptr, &stack) != 0 || !(stack.ss_flags & SS_DISABLE))
         return;
-    stack.ss_sp = room;
-    stack.ss_size = sizeof room;
+    stack.ss_sp = buffer;
+    stack.ss_size = sizeof buffer;
     stack.ss_flags = 0;
     ::sigaltstack(&stack, nullptr);
 }
 #endif
 
-void handle(int signal)
+void setHandler(int signal)
 {
 #ifdef Q_OS_WIN
     std::signal(signal, handleSignal);
@@ -113,39 +114,39 @@ void handle(int signal)
 
 CrashHandler::CrashHandler()
 {
-    [[maybe_unused]] static const int registered = std::atexit(sayAtExit);
-    formerTerminateHandler = std::set_terminate([] {
+    [[maybe_unused]] static const int registered = std::atexit(handleExit);
+    previousTerminateHandler = std::set_terminate([] {
         if (isForkedChild())
             std::abort();
-        sayAndEnd(escapeControlCharacters(describeCurrentException()).toUtf8());
+        reportAndExit(escapeControlCharacters(describeCurrentException()).toUtf8());
     });
 #ifdef Q_OS_WIN
-    formerFilter = SetUnhandledExceptionFilter(
-        [](EXCEPTION_POINTERS*) -> LONG { sayAndEnd("an exception of the system"); });
+    previousFilter = SetUnhandledExceptionFilter(
+        [](EXCEPTION_POINTERS*) -> LONG { reportAndExit("an exception of the system"); });
 #else
     handledProcess = ::getpid();
-    makeRoomForHandlers();
+    setAlternateStack();
 #endif
-    for (const FatalSignal* crash = fatalSignals; crash->name; ++crash)
-        handle(crash->number);
+    for (const FatalSignal* signal = fatalSignals; signal->name; ++signal)
+        setHandler(signal->number);
 }
 
 CrashHandler::~CrashHandler()
 {
-    wordsToSay = nullptr;
-    for (const FatalSignal* crash = fatalSignals; crash->name; ++crash)
-        std::signal(crash->number, SIG_DFL);
+    activityText = nullptr;
+    for (const FatalSignal* signal = fatalSignals; signal->name; ++signal)
+        std::signal(signal->number, SIG_DFL);
 #ifdef Q_OS_WIN
-    SetUnhandledExceptionFilter(formerFilter);
+    SetUnhandledExceptionFilter(previousFilter);
 #endif
-    std::set_terminate(formerTerminateHandler);
+    std::set_terminate(previousTerminateHandler);
 }
 
 void CrashHandler::setActivity(const QString& activity)
 {
-    wordsToSay = nullptr;
-    _words = QStringLiteral(" while %1\n").arg(escapeControlCharacters(activity)).toUtf8();
-    wordsToSay = &_words;
+    activityText = nullptr;
+    _text = QStringLiteral(" while %1\n").arg(escapeControlCharacters(activity)).toUtf8();
+    activityText = &_text;
 }
 
 } // namespace Host

@@ -4,24 +4,25 @@
 
 namespace Host {
 
-/// Keeps a program from ending in silence. If it ends while this lives, by a crash, by an exception
-/// that nobody catches or by a call of exit, on any thread, then standard error says by what, and
-/// what the program was about, and the status is `Failure`; no core is dumped. One at a time.
+/// Reports how the program ends. If it crashes, throws an uncaught exception or calls `exit`, on
+/// any thread, while an object of this class exists, the reason and the current activity are
+/// printed on standard error, the exit code is `Failure`, and no core is dumped. Forked children
+/// are not affected. There may be one object at a time.
 class CrashHandler
 {
 public:
     CrashHandler();
     CrashHandler(const CrashHandler&) = delete;
     CrashHandler& operator=(const CrashHandler&) = delete;
-    /// Crashes end the program as the system has it again.
+    /// Restores the system's handling of crashes.
     ~CrashHandler();
 
-    /// Says what the program is about from now on, in words that follow "while". Nothing is said
-    /// before the first of them.
+    /// Sets the current activity, in words that follow "while". Nothing is printed before the first
+    /// call.
     void setActivity(const QString& activity);
 
 private:
-    QByteArray _words;
+    QByteArray _text;
 };
 
 } // namespace Host

@@ -7,7 +7,7 @@ namespace Host {
 
 const FatalSignal fatalSignals[] = {
 #ifndef Q_OS_WIN
-    // Windows has them for one thread at a time, and exceptions of its own for all.
+    // On Windows a handler of these is for one thread; it has exceptions for all threads.
     {SIGBUS, "SIGBUS"},   {SIGFPE, "SIGFPE"},   {SIGILL, "SIGILL"},
     {SIGSEGV, "SIGSEGV"}, {SIGTRAP, "SIGTRAP"},
 #endif
@@ -20,11 +20,11 @@ QString describeCurrentException()
         return QStringLiteral("a call of std::terminate");
     try {
         std::rethrow_exception(exception);
-    } catch (const std::exception& known) {
-        return QStringLiteral("an exception that nobody caught (%1)")
-            .arg(QString::fromLocal8Bit(known.what()));
+    } catch (const std::exception& standard) {
+        return QStringLiteral("an uncaught exception (%1)")
+            .arg(QString::fromLocal8Bit(standard.what()));
     } catch (...) {
-        return QStringLiteral("an exception of an unknown type that nobody caught");
+        return QStringLiteral("an uncaught exception of an unknown type");
     }
 }
 

@@ -4,18 +4,18 @@
 
 namespace Host {
 
-/// A signal that a crash raises, by its name.
+/// A signal that a crash raises, and its name.
 struct FatalSignal
 {
     int number;
     const char* name;
 };
 
-/// All that a program can catch; the last one is 0 and null.
+/// All of them that a program can catch; the last element is 0 and null.
 extern const FatalSignal fatalSignals[];
 
-/// The exception that `std::terminate` was called for and its text, or that call itself if there
-/// is none: in words that follow "ended by". For a terminate handler.
+/// Describes the exception for which `std::terminate` was called, or the call if there is none, in
+/// words that follow "ended by". For terminate handlers.
 QString describeCurrentException();
 
 } // namespace Host

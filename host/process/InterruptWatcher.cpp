@@ -23,11 +23,11 @@ namespace Host {
 namespace {
 
 std::mutex mutex;
-/// The object in whose thread the function is called; null while nobody watches.
+/// The object in whose thread the function is called; null if there is no watcher.
 QObject* target = nullptr;
 std::function<void()> targetFunction;
 
-/// Called by the system on a thread of its own.
+/// The system calls this on a thread of its own.
 BOOL WINAPI handleInterrupt(DWORD event)
 {
     const std::lock_guard<std::mutex> lock(mutex);
@@ -66,17 +66,16 @@ InterruptWatcher::~InterruptWatcher()
 
 namespace {
 
-/// Ctrl+C, the request to terminate, and the end of the terminal.
 constexpr int watchedSignals[] = {SIGINT, SIGTERM, SIGHUP};
 
-/// The end of the pipe that the handler, which may do next to nothing, writes to.
+/// The end of the pipe to which the signal handler writes.
 volatile std::sig_atomic_t pipeToWrite = -1;
 
 void handleInterrupt(int)
 {
     const int error = errno;
     const char byte = 0;
-    // Where the pipe is full, enough interrupts are on their way already.
+    // If the pipe is full, enough interrupts are pending.
     [[maybe_unused]] const ssize_t written = ::write(pipeToWrite, &byte, 1);
     errno = error;
 }
@@ -87,7 +86,7 @@ struct InterruptWatcher::Private
 {
     int pipe[2] = {-1, -1};
     std::unique_ptr<QSocketNotifier> notifier;
-    struct sigaction formerActions[std::size(watchedSignals)];
+    struct sigaction previousActions[std::size(watchedSignals)];
 };
 
 InterruptWatcher::InterruptWatcher(std::function<void()> onInterrupt)
@@ -110,12 +109,12 @@ InterruptWatcher::InterruptWatcher(std::function<void()> onInterrupt)
     struct sigaction action = {};
     action.sa_handler = handleInterrupt;
     action.sa_flags = SA_RESTART;
-    struct sigaction* former = d->formerActions;
+    struct sigaction* previous = d->previousActions;
     for (const int signal : watchedSignals) {
-        ::sigaction(signal, nullptr, former);
-        if (former->sa_handler != SIG_IGN)
+        ::sigaction(signal, nullptr, previous);
+        if (previous->sa_handler != SIG_IGN)
             ::sigaction(signal, &action, nullptr);
-        ++former;
+        ++previous;
     }
 }
 
@@ -123,9 +122,9 @@ InterruptWatcher::~InterruptWatcher()
 {
     if (!d->notifier)
         return;
-    const struct sigaction* former = d->formerActions;
+    const struct sigaction* previous = d->previousActions;
     for (const int signal : watchedSignals)
-        ::sigaction(signal, former++, nullptr);
+        ::sigaction(signal, previous++, nullptr);
     d->notifier.reset();
     pipeToWrite = -1;
     ::close(d->pipe[0]);

@@ -20,13 +20,13 @@ void sanitizeStandardStreams()
 
 void sanitizeStandardStreams()
 {
-    for (const int channel : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-        // What is opened takes the first place that is free, this one. It is opened the wrong way
-        // round, so that to use it is an error as before.
-        if (::fcntl(channel, F_GETFD) == -1)
-            ::open("/dev/null", channel == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        // open() returns the lowest free descriptor, which is this one. Its access mode is the
+        // wrong one, so that its use remains an error.
+        if (::fcntl(descriptor, F_GETFD) == -1)
+            ::open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY);
     }
-    // The programs that Qt starts as children get the default back.
+    // Qt restores the default in the processes that it starts.
     std::signal(SIGPIPE, SIG_IGN);
 }
 

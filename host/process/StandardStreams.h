@@ -2,10 +2,9 @@
 
 namespace Host {
 
-/// Has the program do well with whatever its standard channels are. A channel that it was started
-/// without stays one that cannot be used, so that no file takes its place; and an output that
-/// nobody reads any more is one that cannot be written to, instead of the program's end. To be
-/// called before any file is opened.
+/// Prevents files that are opened later from taking the place of a closed standard stream, and
+/// makes a closed pipe a write error instead of a signal that ends the program. Call it before any
+/// file is opened.
 void sanitizeStandardStreams();
 
 } // namespace Host

@@ -10,19 +10,19 @@ namespace Host {
 
 #ifdef Q_OS_WIN
 
-Utf8Console::Utf8Console() : _formerCodePage(GetConsoleOutputCP())
+Utf8Console::Utf8Console() : _previousCodePage(GetConsoleOutputCP())
 {
     SetConsoleOutputCP(CP_UTF8);
 }
 
 Utf8Console::~Utf8Console()
 {
-    SetConsoleOutputCP(_formerCodePage);
+    SetConsoleOutputCP(_previousCodePage);
 }
 
 #else
 
-Utf8Console::Utf8Console() : _formerCodePage(0)
+Utf8Console::Utf8Console() : _previousCodePage(0)
 {
 }
 

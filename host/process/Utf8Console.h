@@ -2,20 +2,20 @@
 
 namespace Host {
 
-/// Has the console that this program writes to, if any, show UTF-8 for as long as this lives. The
-/// program and those that it starts write it then. Elsewhere than on Windows the terminal decides.
+/// Sets the encoding of the console to UTF-8 for its lifetime, on Windows. This program and those
+/// that it starts write UTF-8.
 class Utf8Console
 {
 public:
     Utf8Console();
     Utf8Console(const Utf8Console&) = delete;
     Utf8Console& operator=(const Utf8Console&) = delete;
-    /// The console shows what it did before.
+    /// Restores the encoding.
     // NOLINTNEXTLINE(performance-trivially-destructible): not on Windows.
     ~Utf8Console();
 
 private:
-    [[maybe_unused]] const unsigned _formerCodePage;
+    [[maybe_unused]] const unsigned _previousCodePage;
 };
 
 } // namespace Host

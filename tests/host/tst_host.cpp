@@ -629,10 +629,9 @@ log: destruct application.)"_s;
         QTest::newRow("exit")
             << QByteArray("started exit")
             << "a call of exit while the host loads and starts failing.dll (1 of 1)";
-        QTest::newRow("exception")
-            << QByteArray("later throw")
-            << "an exception that nobody caught (of no use) while the host runs "
-               "the event loop";
+        QTest::newRow("exception") << QByteArray("later throw")
+                                   << "an uncaught exception (of no use) while the host runs "
+                                      "the event loop";
 #ifdef Q_OS_UNIX
         QTest::newRow("children") << QByteArray("started fork") << "";
         QTest::newRow("stop") << QByteArray("stopped crash")
