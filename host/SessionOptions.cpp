@@ -59,6 +59,14 @@ std::optional<int> SessionOptions::parse(QCommandLineParser& parser, const QStri
     return std::nullopt;
 }
 
+QString SessionOptions::pluginDir() const
+{
+    if (!_pluginDir.isEmpty())
+        return _pluginDir;
+    const QDir executableDir(QCoreApplication::applicationDirPath());
+    return executableDir.filePath(QStringLiteral(OVAPP_PLUGINS_PATH));
+}
+
 void SessionOptions::startLibrary() const
 {
     // The library's default is the executable's directory, which users may not be able to write to.
@@ -72,10 +80,7 @@ void SessionOptions::startLibrary() const
                  .arg(quoted(_applicationDir)));
     }
     Core::Settings::instance().setApplicationDirPath(applicationDir);
-    Core::Settings::instance().setPluginDirPath(
-        _pluginDir.isEmpty() ? QDir(QCoreApplication::applicationDirPath())
-                                   .filePath(QStringLiteral(OVAPP_PLUGINS_PATH))
-                             : _pluginDir);
+    Core::Settings::instance().setPluginDirPath(pluginDir());
     App::Application::init();
     if (_boardType)
         Core::BoardEthDescHandler::instance()->setCurrentBoardEthDescType(*_boardType);

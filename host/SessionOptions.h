@@ -21,6 +21,8 @@ public:
     /// Returns the exit code after --help, --version and a usage error, otherwise an empty value.
     std::optional<int> parse(QCommandLineParser& parser, const QStringList& arguments);
 
+    /// The plug-in directory; it may not exist.
+    QString pluginDir() const;
     /// Initialises the library.
     void startLibrary() const;
 

@@ -1,5 +1,6 @@
 #include "CommandLine.h"
 #include "process/Output.h"
+#include "process/QtApplication.h"
 #include "process/StandardStreams.h"
 #include "process/Utf8Console.h"
 
@@ -13,7 +14,7 @@ int main(int argc, char** argv)
 {
     Host::sanitizeStandardStreams();
     const Host::Utf8Console console;
-    QCoreApplication application(argc, argv);
+    const Host::QtApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("ovapp-host"));
     QCoreApplication::setApplicationVersion(QString::fromUtf8(Core::Version::versionString()));
     const int exitCode = Host::runCommand(QCoreApplication::arguments());

@@ -5,6 +5,7 @@
 #include "inspection/RemainingListeners.h"
 #include "process/FatalSignals.h"
 #include "process/Output.h"
+#include "process/QtApplication.h"
 #include "SessionOptions.h"
 
 #include <app/Application.h>
@@ -199,8 +200,11 @@ int inspectPlugin(const QStringList& arguments)
     disableCrashReports();
     endWithParent();
     installTerminateHandler();
+    const QString file = parser.positionalArguments().value(0);
+    QtApplication::prepareFor({file});
+    sendActivity("the library was initialised");
     options.startLibrary();
-    inspect(parser.positionalArguments().value(0), parser.isSet(profile));
+    inspect(file, parser.isSet(profile));
     sendActivity(InspectionProtocol::lastActivity);
     App::Application::destruct();
     return Success;

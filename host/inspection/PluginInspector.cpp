@@ -3,6 +3,7 @@
 #include "inspection/InspectPluginCommand.h"
 #include "process/FatalSignals.h"
 #include "process/Output.h"
+#include "process/QtApplication.h"
 
 #include <system/LibraryFile.h>
 
@@ -80,15 +81,19 @@ void addResult(PluginReport& report, QProcess& process, bool isTimedOut,
 {
     const QString activity = QLatin1String(InspectionProtocol::activity);
     const QString terminationReason = QLatin1String(InspectionProtocol::terminationReason);
-    report.add({{activity, QStringLiteral("the library was started")}});
+    report.add({{activity, QStringLiteral("the program was started")}});
     const QList<QByteArray> lines = process.readAllStandardOutput().split('\n');
     for (const QByteArray& line : lines)
         report.add(QJsonDocument::fromJson(line).object());
     const QString lastActivity = report.take(activity);
     QString endedBy = report.take(terminationReason);
     const auto addVerdict = [&](const char* verdict, const QString& failure) {
-        report.add(verdictParts(QLatin1String(verdict),
-                                QStringLiteral("%1 while %2").arg(failure, lastActivity)));
+        QString reason = QStringLiteral("%1 while %2").arg(failure, lastActivity);
+        const QString widgetsError =
+            QtApplication::widgetsError(report.text(QStringLiteral("file")));
+        if (!widgetsError.isEmpty())
+            reason += QLatin1String("; ") + widgetsError;
+        report.add(verdictParts(QLatin1String(verdict), reason));
     };
 
     const bool hasCrashed = process.exitStatus() == QProcess::CrashExit;

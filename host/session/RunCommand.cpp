@@ -4,6 +4,7 @@
 #include "process/CrashHandler.h"
 #include "process/InterruptWatcher.h"
 #include "process/Output.h"
+#include "process/QtApplication.h"
 #include "session/DocumentError.h"
 #include "session/EventPrinter.h"
 #include "session/HeartbeatChannel.h"
@@ -25,6 +26,7 @@
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QDir>
+#include <QDirIterator>
 #include <QEventLoop>
 #include <QTimer>
 
@@ -205,6 +207,22 @@ void unloadPlugins(SessionProgress& progress)
     }
 }
 
+/// Creates the application object of Qt that the plug-ins need.
+void prepareForPlugins(const QString& directory)
+{
+    QStringList files;
+    QDirIterator entries(directory, QStringList(QLatin1String("*.") + PluginLoader::pluginSuffix()),
+                         QDir::Files, QDirIterator::Subdirectories | QDirIterator::FollowSymlinks);
+    while (entries.hasNext())
+        files << entries.next();
+    QtApplication::prepareFor(files);
+    for (const QString& file : qAsConst(files)) {
+        const QString error = QtApplication::widgetsError(file);
+        if (!error.isEmpty())
+            warn(quoted(file) + QLatin1String(": ") + error);
+    }
+}
+
 /// What an executable does between start-up and shutdown.
 int useApplication(const QString& document, bool stay, SessionProgress& progress)
 {
@@ -243,6 +261,7 @@ int run(const QStringList& arguments)
                                     .arg(quoted(parser.positionalArguments().constFirst())));
     }
 
+    prepareForPlugins(options.pluginDir());
     EventPrinter printer;
     SessionProgress progress(printer);
     Core::ConsoleSingleton::instance().attachObserver(&printer);

@@ -538,6 +538,35 @@ log: destruct application.)"_s;
         QCOMPARE(twice, "ovapp-host: '../a/my.dll' is given twice"_s);
     }
 
+    void widgets()
+    {
+#ifdef WIDGET_PLUGIN
+        // A machine without a display and a desktop session.
+        for (const char* variable :
+             {"DISPLAY", "WAYLAND_DISPLAY", "XDG_RUNTIME_DIR", "QT_QPA_PLATFORM"})
+            qunsetenv(variable);
+        const QTemporaryDir directory;
+        QVERIFY(QFile::copy(QStringLiteral(WIDGET_PLUGIN), directory.filePath("below.dll"_s)));
+        for (const char* command : {"plugins", "plugins --profile", "run"}) {
+            const Outcome outcome =
+                runHost(words(command) + words("--board 4 --app-dir %1 --plugins %1")
+                                             .replaceInStrings("%1"_s, directory.path()));
+            QCOMPARE(outcome.errors, QStringList());
+            QCOMPARE(outcome.status, 0);
+            QVERIFY(!outcome.output.filter(QRegularExpression("below.dll .*accepted"_s)).isEmpty());
+        }
+        qputenv("QT_QPA_PLATFORM", "none such");
+        const Outcome outcome =
+            runHost(words("plugins --board 4 --app-dir") +
+                    QStringList({directory.path(), directory.filePath("below.dll"_s)}));
+        qunsetenv("QT_QPA_PLATFORM");
+        QCOMPARE(outcome.status, 1);
+        QVERIFY(outcome.errors.join(u'\n').contains("platform plugin"_s));
+#else
+        QSKIP("built without Qt Widgets");
+#endif
+    }
+
     void skippedFiles()
     {
 #ifdef Q_OS_UNIX
