@@ -1,0 +1,23 @@
+#pragma once
+
+#include <app/PluginStateListener.h>
+
+#include <QDockWidget>
+
+class QTreeWidget;
+
+/// Lists the plug-in files that the last scan found: which are accepted, and why the others are
+/// not.
+class PluginsDock : public QDockWidget, public App::PluginStateListener
+{
+    Q_OBJECT
+
+public:
+    PluginsDock();
+    ~PluginsDock() override;
+
+    void updatePluginStateListener(int state) override;
+
+private:
+    QTreeWidget* _list;
+};

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <memory>
+
+class MainWindow;
+class QString;
+
+/// The whole program from start-up to shutdown, except the event loop: construct it after the
+/// `QApplication`, and destroy it before that.
+class Program
+{
+public:
+    /// Initialises the library, loads the plug-ins behind a splash screen and shows the main
+    /// window. `applicationDir`, which is created if it is missing, contains the settings.
+    Program(const QString& applicationDir, const QString& pluginDir);
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+    /// Shuts everything down in the reverse order. Unsaved changes are lost: the main window asks
+    /// before it closes.
+    ~Program();
+
+    MainWindow& window() { return *_window; }
+
+private:
+    std::unique_ptr<MainWindow> _window;
+};
