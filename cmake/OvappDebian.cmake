@@ -94,7 +94,7 @@ install(DIRECTORY ${reference_dir}/html/
     DESTINATION ${documents_dir}/reference COMPONENT development)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/
     DESTINATION ${documents_dir} COMPONENT development
-    FILES_MATCHING PATTERN "*.md" PATTERN "*.svg")
+    FILES_MATCHING PATTERN "*.md" PATTERN "*.png" PATTERN "*.svg")
 
 install(FILES ${debian_dir}/libovapp1.lintian-overrides
     DESTINATION ${CMAKE_INSTALL_DATADIR}/lintian/overrides
