@@ -10,7 +10,8 @@
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QDir>
-#include <QSettings>
+#include <QFileInfo>
+#include <QLockFile>
 #include <QStandardPaths>
 
 namespace Host {
@@ -89,11 +90,22 @@ void SessionOptions::startLibrary() const
 void warnIfSettingsCannotBeKept()
 {
     const QDir directory(Core::Settings::instance().applicationDirPath());
-    const QSettings store(directory.filePath(QStringLiteral("ovapp.ini")), QSettings::IniFormat);
-    if (!store.isWritable()) {
-        warn(QStringLiteral("%1 cannot be written: settings will be lost; --app-dir names the "
-                            "directory to keep them in")
-                 .arg(quoted(store.fileName())));
+    const QFileInfo file(directory.filePath(QStringLiteral("ovapp.ini")));
+    // Nothing is written without the lock.
+    QLockFile lock(file.filePath() + QStringLiteral(".lock"));
+    QString reason;
+    if (!lock.tryLock(1000)) {
+        reason = lock.error() == QLockFile::LockFailedError
+                     ? QStringLiteral("its lock file, %1.lock, is in use or cannot be removed")
+                           .arg(file.fileName())
+                     : QStringLiteral("no file can be created in its directory");
+    } else if (file.exists() && !file.isWritable()) {
+        reason = QStringLiteral("permission denied");
+    }
+    if (!reason.isEmpty()) {
+        warn(QStringLiteral("%1 cannot be written: %2; settings will be lost, unless --app-dir "
+                            "names another directory")
+                 .arg(quoted(file.filePath()), reason));
     }
 }
 

@@ -11,15 +11,6 @@
 
 namespace App {
 
-namespace {
-
-QSettings* openStore(const QString& path)
-{
-    return new QSettings(path, QSettings::IniFormat);
-}
-
-} // namespace
-
 PluginBaseSettings::PluginBaseSettings(const QString& name) : _p_settings(nullptr), _name(name)
 {
     QDir directory(Core::Settings::instance().applicationDirPath());
@@ -28,13 +19,14 @@ PluginBaseSettings::PluginBaseSettings(const QString& name) : _p_settings(nullpt
         directory.mkdir(_name);
     if (!directory.cd(_name))
         return;
-    _p_settings =
-        openStore(directory.absolutePath() + QDir::separator() + _name + QStringLiteral(".ini"));
+    _p_settings = System::openSettings(directory.absolutePath() + QDir::separator() + _name +
+                                       QStringLiteral(".ini"));
 }
 
 PluginBaseSettings::PluginBaseSettings(const PluginBaseSettings& other)
     : _runValues(other._runValues),
-      _p_settings(other._p_settings ? openStore(other._p_settings->fileName()) : nullptr),
+      _p_settings(other._p_settings ? System::openSettings(other._p_settings->fileName())
+                                    : nullptr),
       _name(other._name)
 {
 }
@@ -50,9 +42,7 @@ PluginBaseSettings& PluginBaseSettings::operator=(const PluginBaseSettings& othe
 
 PluginBaseSettings::~PluginBaseSettings()
 {
-    if (_p_settings)
-        System::writeSettings(*_p_settings, System::Unwritten::Drop);
-    delete _p_settings;
+    System::closeSettings(_p_settings);
 }
 
 QVariant PluginBaseSettings::value(const QString& key, const QVariant& defaultValue)
@@ -95,9 +85,9 @@ void PluginBaseSettings::resetParams()
 
 QSettings& PluginBaseSettings::qSettings()
 {
-    // Qt's resources cannot be written to, so a store on a path among them is never saved.
+    // Qt's resources are read-only: a file among them is never written.
     if (!_p_settings)
-        _p_settings = openStore(QStringLiteral(":/unsaved/%1.ini").arg(_name));
+        _p_settings = System::openSettings(QStringLiteral(":/unsaved/%1.ini").arg(_name));
     return *_p_settings;
 }
 
@@ -114,7 +104,7 @@ QString PluginBaseSettings::defaultConfigPath() const
 void PluginBaseSettings::flush()
 {
     if (_p_settings)
-        System::writeSettings(*_p_settings);
+        System::syncSettings(*_p_settings);
 }
 
 } // namespace App

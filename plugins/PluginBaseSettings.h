@@ -10,9 +10,9 @@ class QSettings;
 
 namespace App {
 
-/// A plug-in's own parameters: stored values, in the INI file `N/N.ini` of the application
-/// directory for a plug-in named N, and run values, which last as long as the object. The two
-/// never meet. Derive from it to give the parameters names and types:
+/// A plug-in's parameters: stored values, in the INI file `N/N.ini` of the application directory
+/// for a plug-in named N, and run values, which last as long as the object. A key can have a value
+/// of each kind. Derive a class to give the parameters names and types:
 ///
 ///     class MarkerSettings : public App::PluginBaseSettings
 ///     {
@@ -22,63 +22,67 @@ namespace App {
 ///         void setSpeed(int speed) { setValue(QStringLiteral("Laser/speed"), speed); }
 ///     };
 ///
-/// Where the directory cannot be made or entered, the stored values are held in memory only, and
-/// are lost with the last object of that name. Where the file cannot be written they hold likewise,
-/// and are written as soon as it can be. No operation reports an error.
+/// If the directory cannot be created or entered, stored values remain in memory, and are lost with
+/// the last object of that name. If the file cannot be written, for example on a full disk, it is
+/// unchanged and the values remain in memory; they are written by the next call, or by the event
+/// loop within a second after the file can be written again. Until then, new objects and copies
+/// share one `qSettings()`, its group included. No function reports an error.
 ///
-/// The name becomes that of a directory and of files, so a good one is made of letters, digits, "-"
-/// and "_", and is no other plug-in's in whatever letter case. One with a separator in it, or "..",
-/// leads out of the application directory, or to a place where nothing can be stored.
+/// The name becomes the name of a directory and of files. It should consist of letters, digits, "-"
+/// and "_", and differ from the names of other plug-ins in more than case. A name with a separator,
+/// or "..", refers to a place outside of the application directory, or to none.
 ///
-/// An object is used by one thread at a time. Objects of one name see each other's stored values.
+/// Use an object in one thread at a time. Objects with the same name, also in different threads and
+/// processes, share the stored values.
 class OVAPP_EXPORT PluginBaseSettings
 {
 public:
-    /// Makes the directory of that name in the application directory, where it is missing, and
-    /// opens the store in it. Without a name that is the file `.ini` in the application directory
-    /// itself.
+    /// Creates the plug-in's directory in the application directory if it is missing, and opens the
+    /// INI file in it. If `name` is empty, the file is `.ini` in the application directory.
     explicit PluginBaseSettings(const QString& name = QString());
-    /// Copies the name and the run values, and opens a store of its own on the same file, outside
-    /// of any group. Both then see the same stored values.
+    /// Copies the name and the run values, and opens the same file, outside of any group. Both
+    /// objects share the stored values.
     PluginBaseSettings(const PluginBaseSettings& other);
-    /// Closes the store, as the destructor does, and becomes a copy of `other`.
+    /// Closes the file, as the destructor does, and copies `other`.
     PluginBaseSettings& operator=(const PluginBaseSettings& other);
-    /// Writes what is still to be written and closes the store.
+    /// Writes pending changes and closes the file.
     virtual ~PluginBaseSettings();
 
-    /// The stored value of `key`, or `defaultValue` when there is none.
+    /// Returns the stored value of `key`; `defaultValue` if there is none.
     QVariant value(const QString& key, const QVariant& defaultValue = QVariant());
-    /// Stores a value and writes the file before it returns.
+    /// Stores a value and writes the file.
     void setValue(const QString& key, const QVariant& value);
 
-    /// The run value of `key`; an invalid one when there is none.
+    /// Returns the run value of `key`; an invalid value if there is none.
     QVariant runValue(const QString& key) const;
-    /// Sets the run value of `key`, an invalid one too; it is never written to any file.
+    /// Sets the run value of `key`, which may be invalid. It is never written to a file.
     void setRunValue(const QString& key, const QVariant& value);
-    /// Whether `key` has a run value, were it an invalid one.
+    /// Returns whether `key` has a run value, even an invalid one.
     bool hasRunValue(const QString& key) const;
-    /// Takes the run value of `key` away, if there is one; a stored value stays.
+    /// Removes the run value of `key`, if there is one; the stored value is unchanged.
     void removeRunValue(const QString& key);
 
-    /// Removes every stored value and deletes the default configuration file; run values stay.
+    /// Removes all stored values and deletes the default configuration file; run values are
+    /// unchanged.
     void resetParams();
-    /// The store itself. What is changed there is written some time later, at the latest when this
-    /// object is destroyed.
+    /// Returns the `QSettings` of the file, for groups, arrays and removal. Changes are written by
+    /// the event loop, by `flush`, or when this object is destroyed. Do not call `QSettings::sync`,
+    /// which can truncate the file on a full disk.
     QSettings& qSettings();
 
-    /// The plug-in's directory, whether it exists or not.
+    /// Returns the plug-in's directory, whether it exists or not.
     QString workingDirPath() const;
-    /// The file `N.cfg` in the plug-in's directory. It is for the plug-in to write; here it is only
-    /// ever deleted.
+    /// Returns the path of the file `N.cfg` in the plug-in's directory. Only the plug-in writes it.
     QString defaultConfigPath() const;
 
 protected:
-    /// Writes what was changed through `qSettings`.
+    /// Writes the changes made through `qSettings`.
     void flush();
 
 private:
     QMap<QString, QVariant> _runValues;
-    /// Owned. Null if the directory could not be entered, until a store is asked for.
+    /// From `System::openSettings`. If the directory could not be entered, null until the first
+    /// use.
     QSettings* _p_settings;
     QString _name;
 };

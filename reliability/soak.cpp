@@ -1,13 +1,14 @@
 // Repeats the life cycle of a program, and injects failures.
 
-#include <support/FileSizeLimit.h>
 #include <support/Listener.h>
 #include <support/SampleSession.h>
+#include <support/SmallFileSystem.h>
 
 #include <events/SelectionChangeEvent.h>
 #include <events/TransactionEvent.h>
 #include <ovdoc/DocObject.h>
 #include <ovdoc/Storage.h>
+#include <plugins/PluginBaseSettings.h>
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -22,10 +23,12 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <future>
 #include <memory>
 #include <random>
 #include <stdexcept>
 #include <thread>
+#include <vector>
 
 #include <unistd.h>
 
@@ -241,14 +244,20 @@ QString kills(int all)
                .arg(slowest);
 }
 
+/// Writes to a file system with 0, 1, 2, ... free blocks.
 QString fullDisks()
 {
-    constexpr int all = 298;
-    const QByteArray more(150, 'x');
+    constexpr int all = 300;
+    const SmallFileSystem fileSystem;
+    if (!fileSystem.isMounted())
+        return "skipped: "_s + QString::fromLatin1(cannotMount);
+    qputenv("TMPDIR", QFile::encodeName(fileSystem.filePath(QString())));
     Growth growth;
     int saved = 0;
     int stored = 0;
-    for (int size = 0; size < all; ++size) {
+    for (int done = 0; done < all; ++done) {
+        fileSystem.setFreeBlocks(32);
+        const QByteArray more(1 + 29 * done, 'x');
         const Session session("[Debug]\nfile=true\n");
         Core::Settings& settings = Core::Settings::instance();
         const QString path = session.write(
@@ -260,20 +269,20 @@ QString fullDisks()
         Doc::Document document(new Doc::Storage);
         require(document.open(path), "a document cannot be opened");
         setCounts(document, 2);
-        bool isSaved = false;
-        QByteArray limited;
-        {
-            const FileSizeLimit limit(static_cast<rlim_t>(size));
-            isSaved = document.save();
-            settings.setValue("Soak/more"_s, more);
-            limited = contentOf(iniPath);
-            Core::ConsoleSingleton::instance().log("%s", more.constData());
-        }
-        require(isSaved ? countIn(path) == 2 : contentOf(path) == text, "a document is lost");
-        require(limited == ini || limited.contains(more), "settings are lost");
-        saved += isSaved;
-        stored += limited != ini;
 
+        fileSystem.setFreeBlocks(done % 16);
+        const bool isSaved = document.save();
+        settings.setValue("Soak/more"_s, more);
+        QCoreApplication::processEvents();
+        const QByteArray full = contentOf(iniPath);
+        Core::ConsoleSingleton::instance().log("%s", more.constData());
+        require(isSaved ? countIn(path) == 2 : contentOf(path) == text, "a document is lost");
+        require(full == ini || (full.contains("count=1") && full.contains(more + ")\n")),
+                "settings are lost");
+        saved += isSaved;
+        stored += full != ini;
+
+        fileSystem.setFreeBlocks(32);
         settings.setValue("Soak/count"_s, 2);
         const QByteArray later = contentOf(iniPath);
         require(later.contains(more) && later.contains("count=2"), "a setting is lost");
@@ -283,14 +292,57 @@ QString fullDisks()
         require(QDir(session.path("."_s)).entryList(QDir::Files) ==
                     words("full.ovdoc log.txt ovapp.ini"),
                 "a file is left over");
-        growth.measure(size, all);
+        growth.measure(done, all);
     }
     require(saved > 0 && saved < all && stored > 0 && stored < all,
-            "no disk, or every one, was full");
-    return "%1 full disks, %2 of them for a document, %3 for settings: "_s.arg(all)
+            "no file system, or each, was full");
+    return "%1 full file systems, %2 of them for a document, %3 for settings: "_s.arg(all)
                .arg(all - saved)
                .arg(all - stored) +
            growth.summary();
+}
+
+/// Stores values in a file that others write too, and requires each pair of them in the file.
+void storeValues(const QString& directory, const QString& writer, int all)
+{
+    App::PluginBaseSettings settings("Shared"_s);
+    for (int value = 0; value < all; value += 2) {
+        const QString name = "%1%2"_s.arg(writer).arg(value % 20);
+        settings.qSettings().setValue("a"_s + name, value);
+        settings.setValue("b"_s + name, value);
+        const QByteArray content = contentOf(directory + "/Shared/Shared.ini"_s);
+        for (const char* prefix : {"\na", "\nb"}) {
+            require(
+                content.contains(prefix + name.toUtf8() + '=' + QByteArray::number(value) + '\n'),
+                "a value is lost");
+        }
+    }
+}
+
+QString sharedSettings(int all)
+{
+    const QTemporaryDir directory;
+    Core::Settings::instance().setApplicationDirPath(directory.path());
+    std::vector<std::future<void>> threads;
+    for (const char* writer : {"x", "y"}) {
+        threads.push_back(std::async(std::launch::async, storeValues, directory.path(),
+                                     QString::fromLatin1(writer), all / 2));
+    }
+    for (std::future<void>& thread : threads)
+        thread.get();
+
+    QProcess processes[3];
+    char writer = 'p';
+    for (QProcess& process : processes) {
+        process.start(QCoreApplication::applicationFilePath(),
+                      {"--store"_s, directory.path(), QString(QLatin1Char(writer++)),
+                       QString::number(all / 3)});
+    }
+    for (QProcess& process : processes)
+        require(process.waitForFinished(-1) && process.exitStatus() == QProcess::NormalExit,
+                "a value is lost");
+    Core::Settings::destruct();
+    return "%1 values from two threads, and as many from three processes"_s.arg(all);
 }
 
 /// Sends a request and returns the data received until a line is complete or the connection is
@@ -388,6 +440,11 @@ int main(int argc, char** argv)
         return exitOnAnotherThread(arguments.value(2).toULong());
     if (arguments.value(1) == "--save"_s)
         saveUntilKilled(arguments.value(2));
+    if (arguments.value(1) == "--store"_s) {
+        Core::Settings::instance().setApplicationDirPath(arguments.value(2));
+        storeValues(arguments.value(2), arguments.value(3), arguments.value(4).toInt());
+        return 0;
+    }
     const int all = arguments.value(1).toInt();
     if (all < 100) {
         std::fputs("usage: soak CYCLES    (100 or more)\n", stderr);
@@ -406,6 +463,7 @@ int main(int argc, char** argv)
     };
     run("documents", [all] { return cycles(all); });
     run("kills", [all] { return kills(all * 6 / 100); });
+    run("shared settings", [all] { return sharedSettings(all * 8); });
     run("disks", [] { return fullDisks(); });
     run("connections", [all] { return connections(all); });
     run("exits", [all] { return exits(all * 3 / 100); });

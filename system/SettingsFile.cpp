@@ -1,120 +1,140 @@
 #include <system/SettingsFile.h>
 
-#include <QByteArrayList>
-#include <QCoreApplication>
+#include <QBasicTimer>
+#include <QDataStream>
+#include <QDateTime>
 #include <QEvent>
-#include <QFile>
 #include <QFileInfo>
 #include <QLockFile>
-#include <QMap>
 #include <QSettings>
-#include <QStringList>
-#include <QVariant>
+#include <QStorageInfo>
+#include <QThread>
+#include <QVector>
 
-#include <algorithm>
 #include <filesystem>
+#include <mutex>
 #include <system_error>
 
 namespace System {
 
 namespace {
 
-/// Whether a file that QSettings has written holds so many keys: it gives each a line of its own.
-bool holdsKeys(const QString& path, int keys)
+std::mutex mutex;
+
+/// Waits while other processes write, and removes the lock file of a process that was killed.
+bool isLockable(const QString& path)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
+    QFileInfo file(path + QLatin1String(".lock"));
+    QLockFile lock(file.filePath());
+    // Until a process has locked the file that it created, only the file's age protects it.
+    lock.setStaleLockTime(250);
+    while (file.exists() && !lock.tryLock()) {
+        // Each write has a lock file of its own, which does not get old.
+        if (qAbs(file.lastModified().msecsTo(QDateTime::currentDateTimeUtc())) > 2000)
+            return false;
+        QThread::msleep(1);
+        file.refresh();
+    }
+    return true;
+}
+
+/// `QSettings` writes a second file before it removes the first.
+bool hasRoom(const QSettings& settings)
+{
+    const QFileInfo file(settings.fileName());
+    std::error_code error;
+    const auto available = std::filesystem::space(file.path().toStdU16String(), error).available;
+    // Either the directory is missing, or no settings file is that large.
+    if (error || available > 32 << 20)
         return true;
-    const QByteArrayList lines = file.readAll().split('\n');
-    // After the last line's end there is nothing.
-    return lines.last().isEmpty() &&
-           std::count_if(lines.cbegin(), lines.cend(), [](const QByteArray& line) {
-               return !line.trimmed().isEmpty() && !line.startsWith('[');
-           }) >= keys;
-}
-
-std::filesystem::path systemPath(const QString& path)
-{
-#ifdef Q_OS_WIN
-    return path.toStdWString();
-#else
-    return QFile::encodeName(path).toStdString();
-#endif
-}
-
-QMap<QString, QVariant> valuesOf(const QSettings& settings)
-{
-    QMap<QString, QVariant> values;
+    QByteArray values;
+    QDataStream stream(&values, QIODevice::WriteOnly);
     const QStringList keys = settings.allKeys();
     for (const QString& key : keys)
-        values.insert(key, settings.value(key));
-    return values;
+        stream << key << settings.value(key);
+    // A serialised byte takes up to four in the file. The size of the present file stands for keys
+    // outside of the current group; the blocks are for the lock file and the ends of the files.
+    const qint64 blocks = 4 * QStorageInfo(file.path()).blockSize();
+    return static_cast<qint64>(available) > file.size() + 4 * qint64(values.size()) + blocks;
 }
 
-/// Has settings hold these values, without writing them soon.
-void hold(QSettings& settings, const QMap<QString, QVariant>& values)
+class SettingsFile : public QSettings
 {
-    const QStringList keys = settings.allKeys();
-    for (const QString& key : keys) {
-        if (!values.contains(key))
-            settings.remove(key);
+public:
+    explicit SettingsFile(const QString& path) : QSettings(path, IniFormat)
+    {
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+        setIniCodec("UTF-8");
+#endif
     }
-    for (auto value = values.cbegin(); value != values.cend(); ++value) {
-        if (settings.value(value.key()) != value.value())
-            settings.setValue(value.key(), value.value());
+    bool canBeWritten() const
+    {
+        return isLockable(fileName()) && hasRoom(*this);
     }
-    QCoreApplication::removePostedEvents(&settings, QEvent::UpdateRequest);
+
+    int users = 1;
+
+protected:
+    bool event(QEvent* event) override
+    {
+        if (event->type() != QEvent::UpdateRequest && event->type() != QEvent::Timer)
+            return QSettings::event(event);
+        const std::lock_guard<std::mutex> lock(mutex);
+        if (canBeWritten()) {
+            _retryTimer.stop();
+            sync();
+        } else if (!_retryTimer.isActive()) {
+            _retryTimer.start(1000, this);
+        }
+        return true;
+    }
+
+private:
+    QBasicTimer _retryTimer;
+};
+
+/// Never destroyed, since the destructor of a file writes.
+QVector<SettingsFile*>& openFiles()
+{
+    static auto& files = *new QVector<SettingsFile*>;
+    return files;
 }
 
 } // namespace
 
-void removeAbandonedLock(const QString& settingsFile)
+QSettings* openSettings(const QString& path)
 {
-    const QString path = settingsFile + QStringLiteral(".lock");
-    if (!QFileInfo::exists(path))
-        return;
-    // Whoever holds a lock also has the system's lock on its file, or holds it open on Windows, and
-    // Qt removes no such file, however old it is. Only between making the file and locking it does
-    // a process depend on the file's age.
-    QLockFile lock(path);
-    lock.setStaleLockTime(100);
-    [[maybe_unused]] const bool removed = lock.tryLock(200);
+    const std::lock_guard<std::mutex> lock(mutex);
+    const QString absolutePath = QFileInfo(path).absoluteFilePath();
+    for (SettingsFile* file : openFiles()) {
+        if (file->fileName() != absolutePath)
+            continue;
+        if (!file->canBeWritten()) {
+            ++file->users;
+            return file;
+        }
+        // A constructor that writes the changes of this object does not know the encoding yet.
+        file->allKeys();
+    }
+    openFiles().append(new SettingsFile(path));
+    return openFiles().last();
 }
 
-void writeSettings(QSettings& settings, Unwritten unwritten)
+void syncSettings(QSettings& settings)
 {
-    namespace fs = std::filesystem;
-    const QString path = settings.fileName();
-    removeAbandonedLock(path);
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (static_cast<SettingsFile&>(settings).canBeWritten())
+        settings.sync();
+}
 
-    // A second name costs no room, nor does going back to it.
-    const QString canonicalPath = QFileInfo(path).canonicalFilePath();
-    const bool isNew = canonicalPath.isEmpty();
-    const fs::path file = systemPath(isNew ? path : canonicalPath);
-    fs::path former = file;
-    former += ".kept";
-    std::error_code error;
-    if (!isNew) {
-        fs::remove(former, error);
-        fs::create_hard_link(file, former, error);
-    }
-    const bool isKept = !isNew && !error;
-
-    settings.sync();
-    const bool canGoBack = isNew || (isKept && !fs::equivalent(file, former, error));
-    if (!canGoBack || holdsKeys(path, int(settings.allKeys().size()))) {
-        if (isKept)
-            fs::remove(former, error);
+void closeSettings(QSettings* settings)
+{
+    auto* file = static_cast<SettingsFile*>(settings);
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (!file || --file->users > 0 || !file->canBeWritten())
         return;
-    }
-    const QMap<QString, QVariant> values = valuesOf(settings);
-    if (isNew)
-        fs::remove(file, error);
-    else
-        fs::rename(former, file, error);
-    settings.sync();
-    if (unwritten == Unwritten::Hold)
-        hold(settings, values);
+    openFiles().removeOne(file);
+    delete file;
 }
 
 } // namespace System

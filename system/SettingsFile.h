@@ -5,30 +5,24 @@
 class QSettings;
 class QString;
 
+/// INI files that remain complete on a full disk. `QSettings` reports success for a file that was
+/// truncated, and it writes in its event, its destructor, and the constructor of another object for
+/// the same file. An object of `openSettings` checks first whether it can write; until then, its
+/// changes remain in memory. All functions are thread-safe.
 namespace System {
 
-/// Removes the lock beside a settings file if no living process holds it. `QSettings` takes that
-/// lock before it writes; one that a process left behind which was killed before it had put its
-/// name to it would hold up the next writer for half a minute. Call it before `QSettings` writes.
-///
-/// It returns at once where there is no lock, and else takes a fifth of a second at most. A lock
-/// that is held stays.
-OVSYSTEM_EXPORT void removeAbandonedLock(const QString& settingsFile);
+/// Opens an INI file in UTF-8, for the current thread. The event loop writes changes later, as it
+/// does for any `QSettings`; it tries again every second if they cannot be written. While a file
+/// cannot be written, all callers get the same object for it.
+OVSYSTEM_EXPORT QSettings* openSettings(const QString& path);
 
-/// What becomes of changes that a full disk kept from being written.
-enum class Unwritten
-{
-    Hold, ///< they hold in memory, and are tried again with the next write
-    Drop  ///< the settings become what the file holds
-};
+/// Writes the changes to an object of `openSettings`, and reads those of other processes. Does
+/// nothing if the disk has no room for the file, or if the lock file of another process cannot be
+/// removed, for which `QSettings::sync` would wait forever.
+OVSYSTEM_EXPORT void syncSettings(QSettings& settings);
 
-/// Has `settings`, an INI file, write its changes and read those of others, as `QSettings::sync`
-/// does, and past an abandoned lock. Where a full disk cuts the file short, which `QSettings` takes
-/// for a success, the file becomes again what it was. With `Unwritten::Drop` there is nothing left
-/// that the destructor of `settings` would write.
-///
-/// Meanwhile the former file stays beside the new one, under the name of `settings` with ".kept";
-/// where a file system has no hard links, nothing is kept.
-OVSYSTEM_EXPORT void writeSettings(QSettings& settings, Unwritten unwritten = Unwritten::Hold);
+/// Writes the changes and deletes the object. Changes that cannot be written remain in memory, for
+/// the event loop and for the next caller of `openSettings`. Does nothing with null.
+OVSYSTEM_EXPORT void closeSettings(QSettings* settings);
 
 } // namespace System

@@ -12,7 +12,7 @@ namespace Core {
 
 struct Settings::Private
 {
-    std::unique_ptr<QSettings> store;
+    QSettings* store = nullptr;
     QMap<QString, QVariant> runValues;
     QString applicationDirPath;
     QString pluginDirPath;
@@ -39,16 +39,14 @@ Settings::Settings() : d(std::make_unique<Private>())
 
 Settings::~Settings()
 {
-    if (d->store)
-        System::writeSettings(*d->store, System::Unwritten::Drop);
+    System::closeSettings(d->store);
 }
 
 void Settings::init()
 {
-    if (d->store)
-        return;
-    d->store = std::make_unique<QSettings>(
-        QDir(applicationDirPath()).filePath(QStringLiteral("ovapp.ini")), QSettings::IniFormat);
+    if (!d->store)
+        d->store =
+            System::openSettings(QDir(applicationDirPath()).filePath(QStringLiteral("ovapp.ini")));
 }
 
 QVariant Settings::value(const QString& key, const QVariant& defaultValue) const
@@ -61,7 +59,7 @@ void Settings::setValue(const QString& key, const QVariant& value)
     if (!d->store)
         return;
     d->store->setValue(key, value);
-    System::writeSettings(*d->store);
+    System::syncSettings(*d->store);
 }
 
 QVariant Settings::runValue(const QString& key, const QVariant& defaultValue) const

@@ -8,52 +8,52 @@
 
 class QString;
 
-/// What every part of the program uses: settings, the log, the description of the board, versions.
+/// The services that all parts of the program use: settings, log, board description, version.
 namespace Core {
 
-/// The program's settings: stored values, which persist in the INI file `ovapp.ini` of the
-/// application directory, and run values, which hold until `destruct`. The two never meet. It also
-/// knows the directories that the program works with. Main thread only.
+/// The program's settings: stored values, in the INI file `ovapp.ini` of the application directory,
+/// and run values, which last until `destruct`. A key can have a value of each kind. Also the paths
+/// of the program's directories. Main thread only.
 class OVCORE_EXPORT Settings
 {
 public:
-    /// The one service; made at the first call, and again at the first call after `destruct`.
+    /// Returns the only instance; creates it if there is none.
     static Settings& instance();
-    /// Forgets everything but what is on disk: stored values not yet written are written, run
-    /// values and directories that were set are gone.
+    /// Deletes the instance, with its run values and paths. Stored values that cannot be written
+    /// yet remain in memory until they can, or until the process ends.
     static void destruct();
 
     Settings(const Settings&) = delete;
     Settings& operator=(const Settings&) = delete;
 
-    /// Opens the store in the application directory as it is now; does nothing when it is open.
+    /// Opens the INI file in the current application directory; does nothing if it is open.
     void init();
 
-    /// The stored value of `key`, or `defaultValue` when there is none or before `init`.
+    /// Returns the stored value of `key`; `defaultValue` if there is none, or before `init`.
     QVariant value(const QString& key, const QVariant& defaultValue = QVariant()) const;
-    /// Stores a value and writes the file before it returns; does nothing before `init`. Where the
-    /// file cannot be written it stays as it was, and the value holds until `destruct`.
+    /// Stores a value and writes the file; does nothing before `init`. If the file cannot be
+    /// written, it is unchanged and the value remains in memory. It is written by the next call, or
+    /// by the event loop within a second after the disk has room again.
     void setValue(const QString& key, const QVariant& value);
 
-    /// The run value of `key`, or `defaultValue` when there is none.
+    /// Returns the run value of `key`; `defaultValue` if there is none.
     QVariant runValue(const QString& key, const QVariant& defaultValue = QVariant()) const;
-    /// Sets a run value, before `init` too.
+    /// Sets a run value; also before `init`.
     void setRunValue(const QString& key, const QVariant& value);
 
-    /// The directory that the program keeps its files in; the executable's own by default.
+    /// Returns the directory of the program's files, by default that of the executable.
     QString applicationDirPath() const;
-    /// Call it before `init`: an open store stays where it is.
+    /// Sets the directory of the program's files. After `init`, the INI file remains the same.
     void setApplicationDirPath(const QString& path);
 
-    /// The directory that plug-ins are looked for in; by default `plugins` beside the executable,
-    /// which plug-ins come with, wherever the program keeps its files.
+    /// Returns the directory of the plug-ins, by default `plugins` in that of the executable.
     QString pluginDirPath() const;
-    /// Any path, which need not exist; an empty one stands for the default.
+    /// Sets the directory of the plug-ins, which does not have to exist; the default if empty.
     void setPluginDirPath(const QString& path);
 
-    /// `fonts` in the application directory.
+    /// Returns the path of `fonts` in the application directory.
     QString sysFontDirPath() const;
-    /// `ovapp/fonts` in the user's own data directory.
+    /// Returns the path of `ovapp/fonts` in the user's data directory.
     QString usrFontDirPath() const;
 
 private:

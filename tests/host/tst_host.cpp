@@ -191,14 +191,24 @@ log: destruct application.)"_s;
         }
     }
 
-    void directoryThatCannotBeWritten()
+    void settingsThatCannotBeWritten()
     {
-        QTemporaryFile file;
-        QVERIFY(file.open());
-        const Outcome outcome = runHost({"run"_s, "--app-dir"_s, file.fileName() + "/below"_s});
-        QCOMPARE(outcome.status, 0);
-        QCOMPARE(outcome.errors.size(), 1);
-        QVERIFY(outcome.errors.first().startsWith("ovapp-host: warning: '"_s));
+        const QTemporaryDir directory;
+        writeFile(directory.filePath("file"_s));
+        QVERIFY(QDir().mkpath(directory.filePath("locked/ovapp.ini.lock"_s)));
+        const std::pair<QString, QString> reasons[] = {
+            {"file/below"_s, "no file can be created in its directory"_s},
+            {"locked"_s, "its lock file, ovapp.ini.lock, is in use or cannot be removed"_s}};
+        for (const auto& [name, reason] : reasons) {
+            const QString path = directory.filePath(name);
+            const Outcome outcome = runHost({"run"_s, "--app-dir"_s, path});
+            QCOMPARE(outcome.status, 0);
+            QCOMPARE(
+                outcome.errors,
+                QStringList("ovapp-host: warning: '%1/ovapp.ini' cannot be written: %2; "
+                            "settings will be lost, unless --app-dir names another directory"_s.arg(
+                                path, reason)));
+        }
     }
 
     void networkTools_data()

@@ -14,11 +14,15 @@
 
 #include <QtTest>
 
+#include <atomic>
 #include <filesystem>
 #include <thread>
 #include <utility>
 #include <vector>
 
+#ifdef Q_OS_LINUX
+#include <support/SmallFileSystem.h>
+#endif
 #ifdef Q_OS_UNIX
 #include <support/FileSizeLimit.h>
 
@@ -118,58 +122,128 @@ private Q_SLOTS:
         Settings::destruct();
     }
 
-    void settingsOnFullDisk()
+    void settingsOnFullFileSystem()
     {
-#ifdef Q_OS_UNIX
-        const QTemporaryDir directory;
-        const QString file = directory.filePath("ovapp.ini"_s);
-        const QByteArray longValue(40, 'x');
-        // Cut within a line and between lines, and where there is no file yet.
+#ifdef Q_OS_LINUX
+        const SmallFileSystem fileSystem;
+        if (!fileSystem.isMounted())
+            QSKIP(cannotMount);
+        const QString path = fileSystem.filePath("ovapp.ini"_s);
+        const QString longValue(12000, u'x'); // three blocks
+        const auto open = [&]() -> Settings& {
+            Settings::instance().setApplicationDirPath(fileSystem.filePath(QString()));
+            Settings::instance().init();
+            return Settings::instance();
+        };
+        int written = 0;
         for (const QByteArray& before : {QByteArray("[Group]\na=1\nb=2\n"), QByteArray()}) {
-            for (rlim_t size = 0; size < 60; ++size) {
-                QFile::remove(file);
+            for (int freeBlocks = 0; freeBlocks < 32; ++freeBlocks) {
+                fileSystem.setFreeBlocks(32);
+                QFile::remove(path);
                 if (!before.isEmpty())
-                    writeFile(file, before);
-                const auto start = [&directory]() -> Settings& {
-                    Settings::instance().setApplicationDirPath(directory.path());
-                    Settings::instance().init();
-                    return Settings::instance();
+                    writeFile(path, before);
+                const QByteArray first = "[Group]\na=2\n" + before.mid(12);
+                const QByteArray second = first + "c=" + longValue.toUtf8() + '\n';
+                const auto isWritten = [&] { return contentOf(path).startsWith(second); };
+                const auto isComplete = [&] {
+                    const QByteArray content = contentOf(path);
+                    return content == before || content == first || content == second;
                 };
-                {
-                    const FileSizeLimit limit(size);
-                    start().setValue("Group/c"_s, longValue);
-                    Settings::instance().setValue("Group/a"_s, longValue);
-                    QCoreApplication::processEvents();
-                    QCOMPARE(Settings::instance().value("Group/c"_s).toByteArray(), longValue);
-                    QCOMPARE(contentOf(file), before);
-                    if (size % 2 == 0)
-                        Settings::destruct();
-                }
-                if (size % 2 == 0) {
-                    QCOMPARE(contentOf(file), before);
-                    continue;
-                }
-                Settings::instance().setValue("Group/d"_s, 4);
+                open();
+                fileSystem.setFreeBlocks(freeBlocks);
+                Settings::instance().setValue("Group/a"_s, 2);
+                Settings::instance().setValue("Group/c"_s, longValue);
+                QVERIFY(isComplete());
+                QCOMPARE(QFile::exists(path), !contentOf(path).isEmpty());
+                written += contentOf(path) == second;
+                QCoreApplication::processEvents();
+                QVERIFY(isComplete());
                 Settings::destruct();
-                QCOMPARE(start().value("Group/c"_s).toByteArray(), longValue);
+                QVERIFY(isComplete());
+                QCOMPARE(open().value("Group/c"_s).toString(), longValue);
+                QVERIFY(isComplete());
+
+                fileSystem.setFreeBlocks(32);
+                if (freeBlocks % 8 != 0)
+                    Settings::instance().setValue("Group/d"_s, 4);
+                QTRY_VERIFY(isWritten());
                 Settings::destruct();
+                QVERIFY(isWritten());
             }
         }
-        QCOMPARE(QDir(directory.path()).entryList(QDir::Files), words("ovapp.ini"));
+        QVERIFY(written > 0 && written < 32);
+        QCOMPARE(QDir(fileSystem.filePath(QString())).entryList(QDir::Files),
+                 words("filler ovapp.ini"));
 #else
-        QSKIP("This system does not limit file sizes");
+        QSKIP("mounts a file system of Linux");
 #endif
+    }
+
+    void settingsInUtf8()
+    {
+        // As Qt 6 writes it, and as Qt 5 does without a codec.
+        const QByteArray key = "[Gr%F6%DFe]\nH%F6he=";
+        for (const QByteArray& value :
+             {QByteArray("b\xc3\xb6se \xe2\x82\xac"), QByteArray(R"("b\xf6se \x20ac")")}) {
+            const QTemporaryDir directory;
+            const QString path = directory.filePath("ovapp.ini"_s);
+            writeFile(path, key + value + '\n');
+            Settings::instance().setApplicationDirPath(directory.path());
+            Settings::instance().init();
+            const QString text = QString::fromUtf8("b\xc3\xb6se \xe2\x82\xac");
+            QCOMPARE(Settings::instance().value(QString::fromUtf8("Gr\xc3\xb6\xc3\x9f"
+                                                                  "e/H\xc3\xb6he")),
+                     QVariant(text));
+            Settings::instance().setValue("other"_s, 1);
+            QVERIFY(contentOf(path).contains(text.toUtf8()));
+            Settings::destruct();
+        }
     }
 
     void heldLock()
     {
         const QTemporaryDir directory;
-        const QString file = directory.filePath("held.ini"_s);
-        QLockFile lock(file + ".lock"_s);
+        const QString path = directory.filePath("held.ini"_s);
+        QLockFile lock(path + ".lock"_s);
         QVERIFY(lock.lock());
-        QTest::qSleep(150); // longer than it takes to put a name to it
-        System::removeAbandonedLock(file);
-        QVERIFY(QFile::exists(file + ".lock"_s));
+        QSettings* settings = System::openSettings(path);
+        settings->setValue("key"_s, 1);
+        std::atomic_bool isReleased = false;
+        std::thread other([&lock, &isReleased] {
+            QTest::qSleep(500);
+            isReleased = true;
+            lock.unlock();
+        });
+        System::syncSettings(*settings);
+        QVERIFY(isReleased);
+        QVERIFY(contentOf(path).contains("key=1"));
+        other.join();
+        System::closeSettings(settings);
+    }
+
+    void lockThatCannotBeRemoved()
+    {
+        const QTemporaryDir directory;
+        const QString path = directory.filePath("ovapp.ini"_s);
+        QVERIFY(QDir().mkpath(path + ".lock/below"_s));
+        const auto open = [&]() -> Settings& {
+            Settings::instance().setApplicationDirPath(directory.path());
+            Settings::instance().init();
+            return Settings::instance();
+        };
+        QElapsedTimer elapsed;
+        elapsed.start();
+        for (int i = 0; i < 3; ++i)
+            open().setValue("key%1"_s.arg(i), i);
+        Settings::destruct();
+        QCOMPARE(open().value("key2"_s).toInt(), 2);
+        QVERIFY2(elapsed.elapsed() < 5000, "waited for a lock");
+        QVERIFY(!QFile::exists(path));
+
+        QVERIFY(QDir(path + ".lock"_s).removeRecursively());
+        Settings::instance().setValue("key3"_s, 3);
+        QCOMPARE(contentOf(path), QByteArray("[General]\nkey0=0\nkey1=1\nkey2=2\nkey3=3\n"));
+        Settings::destruct();
     }
 
     void consoleServesSeveralThreads()

@@ -8,11 +8,13 @@
 #include <QSettings>
 #include <QtTest>
 
+#include <atomic>
 #include <cstdio>
 #include <optional>
+#include <thread>
 
-#ifdef Q_OS_UNIX
-#include <support/FileSizeLimit.h>
+#ifdef Q_OS_LINUX
+#include <support/SmallFileSystem.h>
 #endif
 
 using App::PluginBaseSettings;
@@ -125,19 +127,84 @@ private Q_SLOTS:
         QCOMPARE(contentOf(path(marker)), QByteArray("obstacle"));
     }
 
-    void survivesFullDisk()
+    void survivesFullFileSystem()
     {
-#ifdef Q_OS_UNIX
-        PluginBaseSettings(marker).setValue(key, 1);
-        const QByteArray before = store();
-        {
-            const FileSizeLimit limit(static_cast<rlim_t>(before.size()) + 10);
-            PluginBaseSettings(marker).setValue("bulk"_s, QByteArray(100, 'x'));
+#ifdef Q_OS_LINUX
+        const SmallFileSystem fileSystem;
+        if (!fileSystem.isMounted())
+            QSKIP(cannotMount);
+        Core::Settings::instance().setApplicationDirPath(fileSystem.filePath(QString()));
+        const QString file = fileSystem.filePath("Marker/Marker.ini"_s);
+        const QByteArray before = "[General]\nold=1\n";
+        for (int freeBlocks = 0; freeBlocks < 8; ++freeBlocks) {
+            fileSystem.setFreeBlocks(16);
+            writeFile(file, before);
+            std::optional<PluginBaseSettings> settings(marker);
+            fileSystem.setFreeBlocks(freeBlocks);
+            for (const QString& step : words("events copy assign set reopen events")) {
+                settings->qSettings().setValue(key, step);
+                if (step == "events"_s)
+                    QCoreApplication::processEvents();
+                else if (step == "copy"_s)
+                    QCOMPARE(PluginBaseSettings(*settings).value(key), QVariant(step));
+                else if (step == "assign"_s)
+                    (PluginBaseSettings() = *settings).setValue("assigned"_s, 1);
+                else if (step == "set"_s)
+                    settings->setValue("set"_s, 1);
+                else
+                    settings.emplace(marker);
+                const QByteArray content = contentOf(file);
+                QVERIFY2(content == before ||
+                             (content.contains("\nold=1\n") &&
+                              content.contains("\n[Laser]\nspeed=") && content.endsWith('\n')),
+                         qPrintable("%1, %2"_s.arg(step).arg(freeBlocks)));
+                QCOMPARE(settings->value(key), QVariant(step));
+            }
+            fileSystem.setFreeBlocks(16);
+            settings->setValue("last"_s, 1);
+            QCOMPARE(contentOf(file),
+                     QByteArray("[General]\nassigned=1\nlast=1\nold=1\nset=1\n\n[Laser]\n"
+                                "speed=events\n"));
         }
-        QCOMPARE(store(), before);
 #else
-        QSKIP("This system does not limit file sizes");
+        QSKIP("mounts a file system of Linux");
 #endif
+    }
+
+    void keepsValuesOfAllThreads()
+    {
+        constexpr int perThread = 100;
+        std::atomic_int lost = 0;
+        const auto storeValues = [&](const QString& thread) {
+            PluginBaseSettings settings(marker);
+            for (int i = 0; i < perThread; ++i) {
+                const QString first = "first%1_%2"_s.arg(thread).arg(i % 10);
+                const QString second = "second%1_%2"_s.arg(thread).arg(i % 10);
+                settings.qSettings().setValue(first, i);
+                settings.setValue(second, i);
+                const QByteArray content = store();
+                for (const QString& name : {first, second})
+                    lost += !content.contains("%1=%2\n"_s.arg(name).arg(i).toUtf8());
+            }
+        };
+        std::thread one(storeValues, "A"_s);
+        std::thread two(storeValues, "B"_s);
+        one.join();
+        two.join();
+        QCOMPARE(lost, 0);
+    }
+
+    /// The constructor of a second store writes the changes of the first.
+    void keepsEncoding()
+    {
+        const QByteArray text = "b\xc3\xb6se";
+        writeFile(path("Marker/Marker.ini"_s), "[General]\ntext=" + text + '\n');
+        PluginBaseSettings settings(marker);
+        settings.qSettings().setValue(key, 1);
+        PluginBaseSettings copy(settings);
+        QCOMPARE(copy.value("text"_s).toString().toUtf8(), text);
+        copy.setValue(key, 2);
+        QVERIFY(store().contains("text=" + text + '\n'));
     }
 
     void survivesBeingKilled()
