@@ -22,7 +22,7 @@
 #include <unistd.h>
 #endif
 
-/// How and when it fails: a test that copies the file writes other words over these.
+/// When and how the plug-in fails. Tests replace this text in copies of the file.
 static const volatile char wayOfFailing[] = "how, and at which moment";
 
 class Extension : public App::ExtendPluginInfo
@@ -32,7 +32,7 @@ public:
     int supportedBoardTypes() const override { return 4; }
 };
 
-/// Ends the program in the way and at the moment that its file says, and prints each moment.
+/// Prints each moment of its life, and fails at the moment and in the way that its file contains.
 class FailingPlugin : public QObject, public App::PluginInterface
 {
     Q_OBJECT
@@ -78,8 +78,8 @@ private:
         App::ExtendPluginRegistry::instance().registerExtendInfo(&_extensions[1]);
     }
 
-    /// Registers a listener of one kind: alternately one that dies with the plug-in and one that
-    /// is never deleted.
+    /// Registers a listener of one kind: alternately one that is destroyed with the plug-in and one
+    /// that is never deleted.
     void listen(int kind)
     {
         App::Application& application = App::Application::instance();
@@ -147,7 +147,7 @@ private:
 
     static void crash()
     {
-        // Near the null pointer, which the compiler would know of.
+        // The compiler would notice a null pointer.
         volatile std::uintptr_t address = 8;
         *reinterpret_cast<volatile int*>(address) = 0;
     }

@@ -28,7 +28,7 @@ private Q_SLOTS:
     {
         const QString document = _directory.filePath("coaster.ovdoc"_s);
         QVERIFY(QFile::copy(QStringLiteral(OVAPP_SAMPLES "/documents/coaster.ovdoc"), document));
-        // Plug-ins have a test of their own.
+        // Other tests load plug-ins.
         const QTemporaryDir noPlugins;
         const Outcome outcome =
             runHost(words("run --board 4 --app-dir %1 --plugins %2 --document %3")
@@ -38,8 +38,7 @@ private Q_SLOTS:
         QCOMPARE(outcome.errors, QStringList());
         QCOMPARE(outcome.status, 0);
 
-        // Who does what, without the times, and without the beats, which are as many as time
-        // allows.
+        // The events without their times, and without the heartbeats, whose number varies.
         QStringList events;
         for (QString line : outcome.output) {
             QVERIFY2(line.contains(QRegularExpression("^ *[0-9]+ ms  "_s)), qPrintable(line));
@@ -98,7 +97,7 @@ log: destruct application.)"_s;
         QTest::newRow("FIFO") << "fifo" << QByteArray() << "regular file";
 #endif
         QTest::newRow("name of two lines") << "a\nb" << QByteArray() << "a\\x0ab";
-        // A file that opens and cannot be read, for the administrator either.
+        // This file can be opened, but not even root can read it.
         QTest::newRow("unreadable") << "/proc/self/mem" << QByteArray() << "Input/output error";
     }
 
@@ -274,7 +273,7 @@ log: destruct application.)"_s;
     void interrupt_data()
     {
         QTest::addColumn<QString>("arguments");
-        QTest::addColumn<QString>("sign"); ///< that it is time for the signals
+        QTest::addColumn<QString>("readyOutput"); ///< when the signals are sent
         QTest::addColumn<QList<int>>("signalsSent");
         QTest::addColumn<QString>("lastLine");
         QTest::addColumn<int>("status");
@@ -282,12 +281,12 @@ log: destruct application.)"_s;
         using Signals = QList<int>;
         QTest::newRow("ping") << "ping endless"
                               << "endless" << Signals{SIGINT} << "summary" << 0 << "";
-        QTest::newRow("ping that goes on")
+        QTest::newRow("ping that ignores interrupts")
             << "ping stubborn"
             << "stubborn" << Signals{SIGINT, SIGTERM} << "stubborn" << 1 << "ping tool";
         QTest::newRow("trace") << "trace endless"
                                << "endless" << Signals{SIGHUP} << "summary" << 1 << "interrupted";
-        // There is about a beat a second.
+        // There is about one heartbeat per second.
         QTest::newRow("session") << "run --stay --app-dir %1 --plugins %1"
                                  << "[0-9]{4} ms  heartbeat channel +is alive" << Signals{SIGTERM}
                                  << "destruct application." << 0 << "";
@@ -296,7 +295,7 @@ log: destruct application.)"_s;
     void interrupt()
     {
         QFETCH(QString, arguments);
-        QFETCH(QString, sign);
+        QFETCH(QString, readyOutput);
         QFETCH(QList<int>, signalsSent);
         QFETCH(QString, lastLine);
         QFETCH(QString, error);
@@ -304,7 +303,7 @@ log: destruct application.)"_s;
         QProcess host;
         host.start(QStringLiteral(OVAPP_HOST),
                    words(qPrintable(arguments)).replaceInStrings("%1"_s, _directory.path()));
-        while (!QString::fromUtf8(host.peek(100000)).contains(QRegularExpression(sign)))
+        while (!QString::fromUtf8(host.peek(100000)).contains(QRegularExpression(readyOutput)))
             QVERIFY(host.waitForReadyRead());
         QElapsedTimer elapsed;
         elapsed.start();
@@ -321,7 +320,7 @@ log: destruct application.)"_s;
     void interruptWatcher()
     {
         const auto handler = [](int){};
-        const auto formerly = std::signal(SIGTERM, handler);
+        const auto previous = std::signal(SIGTERM, handler);
         std::signal(SIGHUP, SIG_IGN);
         int interrupts = 0;
         {
@@ -331,10 +330,10 @@ log: destruct application.)"_s;
             QTRY_COMPARE(interrupts, 1);
         }
         QVERIFY(std::signal(SIGHUP, SIG_DFL) == SIG_IGN);
-        QVERIFY(std::signal(SIGTERM, formerly) == handler);
+        QVERIFY(std::signal(SIGTERM, previous) == handler);
     }
 
-    void poorShell_data()
+    void restrictedEnvironment_data()
     {
         QTest::addColumn<QString>("script");
         QTest::addColumn<QString>("arguments");
@@ -357,8 +356,7 @@ log: destruct application.)"_s;
         const QStringList tools = words("ping trace");
 #endif
         for (const QString& tool : tools) {
-            // Descriptors that this program inherited would count, and the sanitizers need some
-            // too.
+            // Descriptors that this program inherited count, and sanitizers need some.
             QTest::addRow("no descriptors for %s", qPrintable(tool))
                 << R"((exec 3>&- 4>&- 5>&- 6>&- 7>&- 8>&- 9>&-; ulimit -n 10; exec "$@"); echo $? >&2)"
                 << tool + " here"_s
@@ -367,8 +365,9 @@ log: destruct application.)"_s;
         }
     }
 
-    /// What a shell can do to a program. Nothing is left behind.
-    void poorShell()
+    /// Streams or descriptors are missing. The host reports that, and leaves neither temporary
+    /// files nor processes.
+    void restrictedEnvironment()
     {
         QFETCH(QString, script);
         QFETCH(QString, arguments);
@@ -377,7 +376,7 @@ log: destruct application.)"_s;
         const QTemporaryDir directory;
         writeFile(directory.filePath("ovapp.ini"_s), "[Debug]\nfile=true\n");
         const QTemporaryDir temporary;
-        const auto formerly = qgetenv("TMPDIR");
+        const auto previous = qgetenv("TMPDIR");
         qputenv("TMPDIR", QFile::encodeName(temporary.path()));
         QProcess shell;
         shell.setWorkingDirectory(directory.path());
@@ -385,7 +384,7 @@ log: destruct application.)"_s;
                     QStringList{"-c"_s, script, "sh"_s, QStringLiteral(OVAPP_HOST)} +
                         words(qPrintable(arguments)).replaceInStrings("%1"_s, directory.path()));
         const Outcome outcome = outcomeOf(shell);
-        formerly.isNull() ? qunsetenv("TMPDIR") : qputenv("TMPDIR", formerly);
+        previous.isNull() ? qunsetenv("TMPDIR") : qputenv("TMPDIR", previous);
 
         // Qt adds a warning, and a reason that depends on its version.
         QStringList printed =
@@ -397,14 +396,14 @@ log: destruct application.)"_s;
         QVERIFY2(!log.contains(" ms "), log);
         for (const QString& process : QDir("/proc"_s).entryList(QDir::Dirs)) {
             QVERIFY2(QFile::symLinkTarget("/proc/"_s + process + "/cwd"_s) != directory.path(),
-                     "a process goes on");
+                     "a process is still running");
         }
     }
 #endif
 
     void failingPlugins()
     {
-        // Sanitizers would make exits of the crashes.
+        // Sanitizers would turn the crashes into exits.
         for (const char* options : {"ASAN_OPTIONS", "TSAN_OPTIONS"})
             qputenv(options, "handle_segv=0");
         const QTemporaryDir directory;
@@ -602,7 +601,7 @@ log: destruct application.)"_s;
                 "ovapp-host: warning: '%1' is skipped: %2"_s.arg(path(name), QLatin1String(reason));
         };
         add("below/my.so", "the suffix of plug-in files is .dll");
-        // The administrator can read everything.
+        // Root can read everything.
         if (!canRead)
             add("closed", "the directory cannot be read");
         add("gone.dll", "it is a link to a missing file");
@@ -657,7 +656,7 @@ log: destruct application.)"_s;
                  "b.dll is refused: pluginID() threw an exception: of no use"_s,
                  "c.dll is refused: "_s + System::libraryFileError(directory.filePath("c.dll"_s)),
                  "d.dll is accepted"_s, "stops and unloads d.dll"_s, "stops and unloads a.dll"_s}));
-        // What the plug-ins print themselves shows that each is unloaded in its step.
+        // The output of the plug-ins shows that each one is unloaded in its own step.
         QCOMPARE(outcome.output.filter("unloaded"_s).size(), 3);
     }
 

@@ -24,7 +24,7 @@ using App::PluginInfo;
 using App::PluginLoader;
 using Verdict = PluginLoader::Verdict;
 
-/// Hides a file whose name begins with a dot, which is enough on Unix.
+/// Hides a file whose name begins with a dot. On Unix, the name is enough.
 static void hide(const QString& path)
 {
 #ifdef Q_OS_WIN
@@ -434,28 +434,28 @@ private Q_SLOTS:
         }
     }
 
-    void loadsTheSoundOnesAlone()
+    void loadsOnlyIntactFiles()
     {
-        // A directory full of files that are no plug-ins, with sound ones among them.
+        // A directory of files that are not plug-ins, with three intact ones among them.
         constexpr int firstNumber = 1000;
         int number = firstNumber;
         const auto nextPath = [&] { return _fixture->plugin("%1.dll"_s.arg(++number)); };
         const auto write = [&](const QByteArray& content) { writeFile(nextPath(), content); };
         const QByteArray plugin = PluginFixture::built("PluginA"_s);
         QVERIFY(plugin.size() > 4096);
-        // A file that goes on in zeros lacks its table of sections, which ELF has last, or on
-        // Windows what it imports, which stands before the last quarter.
+        // A file that is continued by zeros lacks its section table, which is at the end in ELF, or
+        // on Windows its imports, which are before the last quarter.
 #ifdef Q_OF_ELF
-        constexpr int noticedParts = 64;
+        constexpr int detectedParts = 64;
 #else
-        constexpr int noticedParts = 48;
+        constexpr int detectedParts = 48;
 #endif
         for (int i = 0; i < 64; ++i) {
-            const QByteArray begun = plugin.left(plugin.size() / 64 * i);
+            const QByteArray beginning = plugin.left(plugin.size() / 64 * i);
             write(plugin.left(i));
-            write(begun);
-            if (i < noticedParts)
-                write(begun.leftJustified(plugin.size(), '\0'));
+            write(beginning);
+            if (i < detectedParts)
+                write(beginning.leftJustified(plugin.size(), '\0'));
         }
         write(PluginFixture::built("PluginB"_s));
         QRandomGenerator random(7);
@@ -476,12 +476,12 @@ private Q_SLOTS:
         QVERIFY(QFile::link(_fixture->plugin("."_s), nextPath()));
         const QString self = nextPath();
         QVERIFY(QFile::link(self, self));
-        // A directory named as a plug-in is, that leads back to all the others.
+        // A directory with the suffix of plug-ins that contains a link to its parent.
         const QString directory = nextPath();
         QVERIFY(QDir().mkdir(directory));
         QVERIFY(QFile::link(_fixture->path(QString()), directory + "/up"_s));
 #ifdef Q_OS_UNIX
-        // Whoever opens a pipe waits for a writer.
+        // Opening a FIFO waits for a writer.
         const QString pipe = _fixture->path("pipe"_s);
         QCOMPARE(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
         QVERIFY(QFile::link(pipe, nextPath()));
@@ -492,7 +492,7 @@ private Q_SLOTS:
         last = withSegmentAtEnd(last);
         for (int cut = 1; cut < 5000; cut += 97)
             write(last.chopped(cut));
-        // Not all versions of Qt notice these.
+        // Some versions of Qt accept these.
         const auto writeDamaged = [&](const QByteArray& content) {
             const QString path = nextPath();
             writeFile(path, content);
