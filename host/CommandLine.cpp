@@ -63,7 +63,7 @@ int runCommand(const QStringList& arguments)
             QStringLiteral("unknown command %1; --help lists the commands").arg(quoted(name)));
     QCommandLineParser parser;
     parser.setApplicationDescription(commandList());
-    parser.addPositionalArgument(QStringLiteral("command"),
+    parser.addPositionalArgument(QStringLiteral("COMMAND"),
                                  QStringLiteral("One of the commands above."));
     const std::optional<int> exitCode =
         parse(parser, QStringList(executableName) + arguments.mid(1));

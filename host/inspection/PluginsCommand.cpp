@@ -191,12 +191,12 @@ int printReports(const Reports& reports, const QStringList& names, bool asJson, 
 int plugins(const QStringList& arguments)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral(
-        "Checks the given plug-in files, or all in the plug-in directory, each in its "
-        "own process, and prints whether they are accepted, and if not, why."));
-    parser.addPositionalArgument(QStringLiteral("FILE"),
-                                 QStringLiteral("Plug-in files in any directory."),
-                                 QStringLiteral("[FILE...]"));
+    parser.setApplicationDescription(
+        QStringLiteral("Checks plug-in files, each in its own process, and prints the verdicts."));
+    parser.addPositionalArgument(
+        QStringLiteral("FILE"),
+        QStringLiteral("The files; by default all in the plug-in directory."),
+        QStringLiteral("[FILE...]"));
     SessionOptions options(parser);
     const QCommandLineOption profile(
         QStringLiteral("profile"),
