@@ -5,24 +5,25 @@
 
 namespace App {
 
-/// What the root object of an extension plug-in is: a plug-in that the executable asks two things
-/// more. It declares `Q_INTERFACES(App::PluginInterface)` as any plug-in does, and is loaded as
-/// such; a `dynamic_cast` of the `PluginInterface` tells that it is an extension. Main thread.
+/// The interface of the root object of an extension plug-in, with two more queries for the
+/// executable. The class declares `Q_INTERFACES(App::PluginInterface)`, as every plug-in does; the
+/// executable recognises an extension by a `dynamic_cast` of the `PluginInterface`. Main thread
+/// only.
 class OVAPP_EXPORT ExtendPluginInterface : public PluginInterface
 {
 public:
     ExtendPluginInterface();
-    /// A copy has nothing of its source: there is nothing to copy.
+    /// Copies nothing, since the interface has no data.
     /// @{
     ExtendPluginInterface(const ExtendPluginInterface& other);
     ExtendPluginInterface& operator=(const ExtendPluginInterface& other);
     /// @}
     ~ExtendPluginInterface() override;
 
-    /// Whether the document has to be saved before the executable starts the plug-in; false by
-    /// default.
+    /// Returns whether the executable must save the document before it starts the plug-in; false
+    /// by default.
     virtual bool needSaveDocBeforeStart() const;
-    /// Whether the extension is in use; true by default.
+    /// Returns whether the extension is active; true by default.
     virtual bool isActive() const;
 };
 

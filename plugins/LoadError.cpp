@@ -7,8 +7,8 @@ namespace App {
 
 namespace {
 
-/// The major version of the Qt that a library requires, if it is not this program's; otherwise 0.
-/// Searches the file for the names of the libraries that it links to.
+/// Returns the major version of Qt that a library requires if it differs from this program's,
+/// otherwise 0. Searches the file for the names of the libraries that it links to.
 int otherQtOf(const QString& file)
 {
     QFile library(file);

@@ -6,8 +6,8 @@ class QPluginLoader;
 
 namespace App {
 
-/// Why `QPluginLoader::load` failed, in one sentence: Qt's own text, or the version of Qt that the
-/// file requires if it is not this program's. Reads the whole file.
+/// Returns why `QPluginLoader::load` failed, in one sentence: Qt's own text, or the version of Qt
+/// that the file requires if it differs from this program's. Reads the whole file.
 QString loadError(const QPluginLoader& loader);
 
 } // namespace App

@@ -8,12 +8,12 @@ namespace App {
 
 namespace {
 
-/// One search of a directory and all below it.
+/// A search of a directory and its subdirectories.
 class PluginScan
 {
 public:
     PluginScan(const QString& path, const QString& suffix)
-        : _ending(QStringLiteral(".%1").arg(suffix))
+        : _suffix(QStringLiteral(".%1").arg(suffix))
     {
         search(path, QFileInfo(path).canonicalFilePath());
     }
@@ -23,7 +23,7 @@ public:
 private:
     void search(const QString& path, const QString& canonicalPath);
 
-    const QString _ending;
+    const QString _suffix;
     /// The canonical paths of the directories searched, so that a cycle of links ends.
     QSet<QString> _searched;
     QStringList _files;
@@ -35,9 +35,9 @@ void PluginScan::search(const QString& path, const QString& canonicalPath)
         return;
     _searched.insert(canonicalPath);
 
-    // One listing for files and subdirectories, and no name filter, which QDir would compile anew
-    // for every directory: most of the time of a scan would go into these two. QDir's own order is
-    // the one wanted.
+    // One listing for files and subdirectories, without a name filter, which QDir would compile for
+    // every directory: a second listing and the filter would take most of the time of a scan. The
+    // default order of QDir is the documented one.
     const QDir directory(path);
     const QFileInfoList entries =
         directory.entryInfoList(QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot);
@@ -45,16 +45,16 @@ void PluginScan::search(const QString& path, const QString& canonicalPath)
     for (const QFileInfo& entry : entries) {
         if (entry.isDir())
             subdirectories.append(entry);
-        else if (entry.fileName().endsWith(_ending, Qt::CaseInsensitive))
+        else if (entry.fileName().endsWith(_suffix, Qt::CaseInsensitive))
             _files.append(directory.absoluteFilePath(entry.fileName()));
     }
     for (const QFileInfo& subdirectory : qAsConst(subdirectories)) {
         const QString name = subdirectory.fileName();
-        // Only a link leads elsewhere, so only a link is worth asking the file system about.
+        // Only links need a system call for their canonical path.
         const bool isLink = subdirectory.isSymLink() || subdirectory.isJunction();
         const QString canonical =
             isLink ? subdirectory.canonicalFilePath() : canonicalPath + QLatin1Char('/') + name;
-        // A path through a shortcut of Windows is one for Qt only: the system loads nothing by it.
+        // Windows cannot load a library by a path through a shortcut; only Qt resolves it.
         search(subdirectory.isShortcut() ? canonical : directory.absoluteFilePath(name), canonical);
     }
 }

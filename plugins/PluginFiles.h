@@ -4,8 +4,8 @@
 
 namespace App {
 
-/// The absolute paths of the files with `suffix`, in any letter case, in a directory and below it,
-/// in the order that `PluginLoader::pluginFiles` promises.
+/// Returns the absolute paths of the files with `suffix`, in upper or lower case, in a directory
+/// and its subdirectories, in the order that `PluginLoader::pluginFiles` documents.
 QStringList findPluginFiles(const QString& directoryPath, const QString& suffix);
 
 } // namespace App

@@ -9,15 +9,14 @@
 
 namespace App {
 
-/// What a plug-in tells about itself: an open set of named values, which the library hands on as
-/// they come. A copy is cheap and independent of its source; a record that was moved from holds
-/// nothing. Any thread, as of any value.
+/// The description of a plug-in: named values, which the library passes on unchanged. Copies are
+/// cheap (implicitly shared). A moved-from object is empty. Reentrant.
 class OVAPP_EXPORT PluginInfo
 {
 public:
-    /// A record with the one entry "QtVersion": the version, as text, of the Qt that is running.
+    /// Creates a description with one value, "QtVersion": the version of Qt at run time, as text.
     PluginInfo();
-    /// A record of what another holds, or held.
+    /// Copies or moves the values of another description.
     /// @{
     PluginInfo(const PluginInfo& other);
     PluginInfo(PluginInfo&& other) noexcept;
@@ -26,11 +25,11 @@ public:
     /// @}
     ~PluginInfo();
 
-    /// The value of `key`, even an invalid one; `defaultValue` when there is no such key.
+    /// Returns the value of `key`, which may be invalid, or `defaultValue` if there is no such key.
     QVariant get(const QString& key, const QVariant& defaultValue = QVariant()) const;
-    /// Adds a value, or replaces the one that `key` has.
+    /// Adds or replaces the value of `key`.
     void set(const QString& key, const QVariant& value);
-    /// All keys, in ascending order by code unit: capitals before small letters.
+    /// Returns all keys in ascending order of code units: upper case before lower case.
     QStringList keys() const;
 
 private:

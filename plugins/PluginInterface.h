@@ -8,7 +8,8 @@
 
 namespace App {
 
-/// What the root object of every plug-in is, beside being a `QObject`. A whole plug-in:
+/// The interface of the root object of every plug-in, which is also a `QObject`. A complete
+/// plug-in:
 ///
 ///     class Marker : public QObject, public App::PluginInterface
 ///     {
@@ -29,32 +30,32 @@ namespace App {
 ///         }
 ///     ...
 ///
-/// It is built with the CMake function `ovapp_add_plugin`. `PluginLoader` loads it, asks it in the
-/// order `supportedBoardTypes`, `pluginID`, `pluginInfo`, and goes no further once it refuses it.
-/// Everything is called on the thread that loads plug-ins, the main thread.
+/// The CMake function `ovapp_add_plugin` builds it. `PluginLoader` loads the file and calls the
+/// queries in the order `supportedBoardTypes`, `pluginID`, `pluginInfo`, until it refuses the
+/// plug-in. All functions are called on the thread that loads plug-ins, the main thread.
 class OVAPP_EXPORT PluginInterface
 {
 public:
     virtual ~PluginInterface();
 
-    /// The plug-in's identifier; a plug-in with 0 is refused.
+    /// Returns the plug-in's identifier. A plug-in with identifier 0 is refused.
     virtual quint64 pluginID() const = 0;
-    /// The control boards that the plug-in is for, as a set of bits; it is refused unless it has
-    /// one in common with the board in use.
+    /// Returns the types of the supported control boards as a bit mask. The plug-in is refused if
+    /// it has no bit in common with the type of the board in use.
     virtual int supportedBoardTypes() const = 0;
-    /// Begins the plug-in's work. The loader calls it after `pluginInfo` if it is to start
-    /// plug-ins, and may call it again without a `stop` before. If it throws an exception, the
-    /// loader logs that, the plug-in stays loaded, and `stop` is called as usual: it has to take
-    /// back what was registered until then.
+    /// Starts the plug-in's work. If plug-ins are to be started, the loader calls it after
+    /// `pluginInfo`; it may be called again without a `stop` in between. If it throws an exception,
+    /// the loader logs a warning, the plug-in stays loaded, and `stop` is called as usual: it must
+    /// remove what was registered before the exception.
     virtual void start() = 0;
-    /// Ends the plug-in's work. Called before the plug-in is unloaded, whether it was started or
-    /// not.
+    /// Stops the plug-in's work and removes everything that `start` has registered. Called before
+    /// the plug-in is unloaded, also if it was not started.
     virtual void stop() = 0;
-    /// What the plug-in tells about itself; asked once each time it is accepted.
+    /// Returns the plug-in's description. Called once each time the plug-in is accepted.
     virtual PluginInfo pluginInfo() const = 0;
-    /// A text for the executable, which alone asks for it; empty by default.
+    /// Returns a text for the executable, empty by default. The library does not call it.
     virtual QString optionalText() const;
-    /// A flag for the executable, which alone asks for it; true by default.
+    /// Returns a flag for the executable, true by default. The library does not call it.
     virtual bool optionalFlag() const;
 };
 

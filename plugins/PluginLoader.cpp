@@ -49,8 +49,8 @@ QString hexadecimal(int boardTypes)
     return QLatin1String("0x") + QString::number(static_cast<quint32>(boardTypes), 16);
 }
 
-/// Calls a function of a plug-in. If it throws, logs that with the name of the plug-in and returns
-/// it as a sentence; otherwise returns an empty string.
+/// Calls a function of a plug-in. If it throws, logs a warning with the name of the plug-in and
+/// returns the failure as a sentence; otherwise returns an empty string.
 QString callPlugin(const QString& plugin, const char* function, const std::function<void()>& call)
 {
     QString text;
@@ -70,48 +70,48 @@ QString callPlugin(const QString& plugin, const char* function, const std::funct
     return sentence;
 }
 
-/// How warnings name a plug-in.
+/// Returns the name of a plug-in in warnings.
 QString nameOf(const QString& filePath, const QObject& object)
 {
     return filePath.isEmpty() ? QString::fromLatin1(object.metaObject()->className()) : filePath;
 }
 
-/// Sets the verdict on the root object, which is not null, and the reason.
-void judge(PluginRecord& record)
+/// Calls the queries of the root object, which is not null, and sets the verdict and the reason.
+void setVerdict(PluginRecord& record)
 {
     const QString name = nameOf(record.filePath, *record.rootObject);
-    const auto conclude = [&record](PluginVerdict verdict, const QString& reason) {
+    const auto decide = [&record](PluginVerdict verdict, const QString& reason) {
         record.verdict = verdict;
         record.reason = reason;
     };
 
     const auto* plugin = qobject_cast<PluginInterface*>(record.rootObject);
     if (!plugin) {
-        return conclude(PluginVerdict::NoInterface,
-                        QStringLiteral("its root object does not implement \"%1\"; name "
-                                       "App::PluginInterface in its Q_INTERFACES")
-                            .arg(QLatin1String(qobject_interface_iid<PluginInterface*>())));
+        return decide(PluginVerdict::NoInterface,
+                      QStringLiteral("its root object does not implement \"%1\"; name "
+                                     "App::PluginInterface in its Q_INTERFACES")
+                          .arg(QLatin1String(qobject_interface_iid<PluginInterface*>())));
     }
     int boardTypes = 0;
     QString failure = callPlugin(name, "supportedBoardTypes()",
                                  [&] { boardTypes = plugin->supportedBoardTypes(); });
     if (!failure.isEmpty())
-        return conclude(PluginVerdict::Exception, failure);
+        return decide(PluginVerdict::Exception, failure);
     if ((boardTypes & currentBoardType()) == 0) {
-        return conclude(PluginVerdict::OtherBoard,
-                        QStringLiteral("supportedBoardTypes() is %1, which has no bit in common "
-                                       "with the type of the board in use, %2")
-                            .arg(hexadecimal(boardTypes), hexadecimal(currentBoardType())));
+        return decide(PluginVerdict::OtherBoard,
+                      QStringLiteral("supportedBoardTypes() is %1, which has no bit in common "
+                                     "with the type of the board in use, %2")
+                          .arg(hexadecimal(boardTypes), hexadecimal(currentBoardType())));
     }
     quint64 identifier = 0;
     failure = callPlugin(name, "pluginID()", [&] { identifier = plugin->pluginID(); });
     if (!failure.isEmpty())
-        return conclude(PluginVerdict::Exception, failure);
+        return decide(PluginVerdict::Exception, failure);
     if (identifier == 0) {
-        return conclude(PluginVerdict::NoIdentifier,
-                        QStringLiteral("pluginID() is 0; give the plug-in an identifier"));
+        return decide(PluginVerdict::NoIdentifier,
+                      QStringLiteral("pluginID() is 0; give the plug-in an identifier"));
     }
-    conclude(PluginVerdict::Accepted, QString());
+    decide(PluginVerdict::Accepted, QString());
 }
 
 void stop(QObject* object, const QString& filePath)
@@ -223,7 +223,7 @@ PluginRecord PluginLoader::recordOf(const QString& file, QPluginLoader& loader)
         return record;
     loader.setFileName(file);
     loader.setLoadHints(loader.loadHints() | QLibrary::ResolveAllSymbolsHint);
-    // Without load(), instance() takes no reference to a file that another loader has loaded.
+    // Without load(), instance() adds no reference to a file that another loader has loaded.
     if (loader.load()) {
         record.reason =
             callPlugin(file, "its constructor", [&] { record.rootObject = loader.instance(); });
@@ -239,7 +239,7 @@ void PluginLoader::inspect(PluginRecord& record)
 {
     if (!record.rootObject)
         return;
-    judge(record);
+    setVerdict(record);
     if (record.verdict != Verdict::Accepted)
         return;
     const auto* plugin = qobject_cast<PluginInterface*>(record.rootObject);
@@ -276,7 +276,7 @@ PluginLoader::Verdict PluginLoader::verdictOn(QObject* object)
     PluginRecord record;
     record.rootObject = object;
     if (object)
-        judge(record);
+        setVerdict(record);
     return record.verdict;
 }
 

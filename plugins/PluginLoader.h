@@ -16,7 +16,8 @@ namespace App {
 
 /// Finds, loads, starts, stops and unloads the program's plug-ins, and keeps the plug-in ID value.
 ///
-/// An executable loads the plug-ins once the library is up, and unloads them before it goes down:
+/// An executable loads the plug-ins after it has initialised the library, and unloads them before
+/// it shuts the library down:
 ///
 ///     App::Application::init();
 ///     App::PluginLoader::loadPlugins(true);
@@ -24,10 +25,10 @@ namespace App {
 ///     App::PluginLoader::unloadPlugins();
 ///     App::Application::destruct();
 ///
-/// Plug-ins are unloaded strictly in the reverse order of loading: only the one that was loaded
-/// last can be. That destroys its root object; its code stays in memory until the program ends, as
-/// is Qt's way, so that the texts of its info remain valid. A file that is refused is skipped
-/// silently; `records` has the reason.
+/// Plug-ins are unloaded in the reverse order of loading: only the one that was loaded last can be
+/// unloaded. Unloading deletes the root object; Qt keeps the code in memory until the program ends,
+/// so that the strings of the plug-in's info remain valid. Refused files are skipped silently;
+/// `records` returns the reasons.
 ///
 /// No function throws what a plug-in throws: the loader logs a warning with the file and the
 /// exception's text, and continues. If the constructor of the root object, `supportedBoardTypes`,
@@ -46,88 +47,87 @@ public:
 
     PluginLoader() = delete;
 
-    /// The plug-in directory of the settings service; empty when nothing exists at that path.
+    /// Returns the plug-in directory of the settings service; empty if it does not exist.
     static QString pluginsPath();
-    /// The ending of plug-in files, without the dot: "dll" on every system, in any letter case.
+    /// Returns the suffix of plug-in files, "dll" on every system; files may have it in upper case.
     static QString pluginSuffix();
-    /// The absolute paths of the plug-in files, from one scan that lasts until the next
-    /// `loadPlugins`; one that found nothing is repeated at the next call.
+    /// Returns the absolute paths of the plug-in files. The result of a scan is kept until the next
+    /// `loadPlugins`; if it is empty, the next call scans again.
     ///
-    /// A directory's own files come first, then those of its subdirectories, at any depth, both by
-    /// name without regard to letter case; hidden ones are left out. Links to directories are
-    /// followed, but a directory that has been searched already, by whatever path, is not
-    /// searched again.
+    /// The files of a directory come before those of its subdirectories, each sorted by name,
+    /// ignoring case. Hidden files and directories are skipped. Links to directories are followed,
+    /// but no directory is searched twice.
     static QStringList pluginFiles();
-    /// Whether the file is one that is never loaded, by its name up to the first dot; logs a
-    /// warning if so. There are no such files at present.
+    /// Returns whether the file is on the discard list of files that are never loaded, by its name
+    /// up to the first dot, and if so, logs a warning. At present the list is empty.
     static bool isDiscard(const QString& file);
 
-    /// Scans afresh and loads every plug-in file in the order of `pluginFiles`; with
-    /// `startPlugins`, starts each plug-in before the next is loaded. Plug-ins that are loaded
-    /// already stay so, and are accepted, and started, once more: call `unloadPlugins` before.
+    /// Scans the plug-in directory and loads every plug-in file in the order of `pluginFiles`. If
+    /// `startPlugins` is true, starts each plug-in before it loads the next file. Plug-ins that are
+    /// already loaded are accepted and started again: call `unloadPlugins` first.
     static void loadPlugins(bool startPlugins);
     /// Sets the function that `loadPlugins` calls before it loads each file, for example to show
-    /// progress; an empty one removes it. An exception that it throws ends `loadPlugins` and passes
-    /// to the caller; the plug-ins loaded until then stay loaded.
+    /// progress; an empty function removes it. An exception that it throws ends `loadPlugins` and
+    /// passes to the caller; the plug-ins loaded before stay loaded.
     static void setProgressHandler(ProgressHandler handler);
-    /// The records of the files that the last `loadPlugins` found, in the order of `pluginFiles`.
+    /// Returns the records of the files that the last `loadPlugins` found, in the order of
+    /// `pluginFiles`.
     static QList<PluginRecord> records();
-    /// A verdict in lower case: "accepted", "no-plugin", "no-interface", "other-board",
+    /// Returns the name of a verdict: "accepted", "no-plugin", "no-interface", "other-board",
     /// "no-identifier" or "exception".
     static QString verdictName(Verdict verdict);
 
-    /// Loads a file, even if it is loaded already, and returns its root object; null if it is not a
-    /// Qt plug-in, cannot be loaded, or the object's constructor throws. Unlike `QPluginLoader` it
-    /// does not open a file that `System::libraryFileError` rejects, with which Qt or the
-    /// system's own loader would crash: the loader then has no file. It also resolves all symbols
-    /// at once, as Windows always does: a plug-in that lacks a function is refused here, instead of
-    /// ending the program when it first calls it.
+    /// Loads a file, even if it is already loaded, and returns its root object. Returns null if it
+    /// is not a Qt plug-in, cannot be loaded, or the object's constructor throws. Unlike
+    /// `QPluginLoader`, it does not open files that `System::libraryFileError` rejects, which could
+    /// crash Qt or the system's loader; `loader` then has no file. It also resolves all symbols at
+    /// once, as Windows always does: a plug-in that lacks a function is refused, instead of ending
+    /// the program when it first calls it.
     ///
-    /// All loaders of a file share the object: never delete it. It lives until the last of them
-    /// unloads the file; destroying a loader does not unload it. The loader remains the caller's.
+    /// All loaders of a file share the object, which must not be deleted. It exists until the last
+    /// of them unloads the file; the destructor of a loader does not unload it.
     static QObject* rootObjectOf(const QString& file, QPluginLoader& loader);
-    /// Loads a file as `rootObjectOf` does and returns a record with its root object, or if it has
-    /// none, with the verdict and the reason. `inspect` completes the record.
+    /// Loads a file as `rootObjectOf` does and returns a record with its root object, or if there
+    /// is none, with the verdict and the reason. `inspect` completes the record.
     static PluginRecord recordOf(const QString& file, QPluginLoader& loader);
-    /// Asks the root object of a record, if there is one, whether it would be accepted, and sets
-    /// the verdict, the reason and, if it is accepted, the info. Changes nothing else.
+    /// Calls the queries of the root object of a record, if there is one, and sets the verdict, the
+    /// reason and, if the plug-in is accepted, the info. Changes nothing else.
     static void inspect(PluginRecord& record);
 
-    /// Accepts or refuses one root object, which may be null: if `inspect` accepts it, keeps its
-    /// info and, with `startPlugins`, starts it. Otherwise returns false and leaves the object
-    /// alone. `filePath`, the file that it came from, serves for warnings only. The object is not
-    /// owned, nor unloaded later, and it has no record.
+    /// Accepts or refuses a root object, which may be null. If `inspect` accepts it, keeps its
+    /// info, starts it if `startPlugins` is true, and returns true. Otherwise returns false and
+    /// leaves the object unchanged. `filePath`, the file of the object, is used for warnings only.
+    /// The loader does not own the object, does not unload it, and keeps no record of it.
     static bool loadPlugin(QObject* object, bool startPlugins, const QString& filePath);
-    /// Whether an object, which may be null, would be accepted as a plug-in with the board in use,
-    /// and if not, why. Calls `supportedBoardTypes` and, if the board is supported, `pluginID`.
-    /// Without a board description no board is supported.
+    /// Returns whether an object, which may be null, would be accepted as a plug-in with the board
+    /// in use, and if not, why. Calls `supportedBoardTypes` and, if the board is supported,
+    /// `pluginID`. Without a board description no board is supported.
     static Verdict verdictOn(QObject* object);
-    /// Stops and unloads the plug-in that was loaded last, if it came from `file`. Does nothing for
-    /// any other file, loaded or not, nor for one that is gone from the disk.
+    /// Stops and unloads the plug-in that was loaded last if it was loaded from `file` and the file
+    /// exists; otherwise does nothing.
     static void unloadPlugin(const QString& file);
-    /// Stops a plug-in that stays loaded. Does nothing for null and for an object that is no
-    /// plug-in.
+    /// Stops a plug-in without unloading it. Does nothing if the object is null or not a plug-in.
     static void unloadPlugin(QObject* object);
-    /// Stops and unloads the plug-ins in the reverse order of loading. Until the next
-    /// `loadPlugins`, `pluginCount` and `pluginInfoOf` answer as before. A plug-in whose file is
-    /// gone from the disk stays loaded, and so do those loaded before it.
+    /// Stops and unloads the plug-ins in the reverse order of loading. A plug-in whose file no
+    /// longer exists stays loaded, and so do those loaded before it. `pluginCount` and
+    /// `pluginInfoOf` do not change until the next `loadPlugins`.
     static void unloadPlugins();
 
-    /// The number of files that the last scan found, of refused plug-ins too.
+    /// Returns the number of files that the last scan found, including refused ones.
     static int pluginCount();
-    /// The info of the accepted plug-in at `index`, in order of acceptance since the last
-    /// `loadPlugins`; a default record for any other index.
+    /// Returns the info of the accepted plug-in at `index`, in order of acceptance since the last
+    /// `loadPlugins`; a default info for any other index.
     static PluginInfo pluginInfoOf(int index);
 
-    /// The stored plug-in ID value, the setting "Plugin/value"; `defaultPluginValue` when it is not
-    /// stored, and 0 when it is no unsigned 64-bit number.
+    /// Returns the stored plug-in ID value, the setting "Plugin/value"; `defaultPluginValue` if it
+    /// is not stored, and 0 if it is not an unsigned 64-bit integer.
     static unsigned long long readPluginIDValue();
-    /// Stores the plug-in ID value. Returns false, and writes nothing, when it is stored already.
-    /// The run value stays as it is.
+    /// Stores the plug-in ID value. Returns false, and writes nothing, if it is already stored.
+    /// Does not change the run value.
     static bool writePluginIDValue(unsigned long long value);
-    /// Makes the stored plug-in ID value that of this run, the run value "PluginIDValue".
+    /// Copies the stored plug-in ID value to the run value "PluginIDValue".
     static void initPluginIDValue();
-    /// What `readPluginIDValue` gives while nothing is stored: 0.
+    /// Returns the plug-in ID value that applies if none is stored: 0.
     static unsigned long long defaultPluginValue();
 
 private:
@@ -137,7 +137,7 @@ private:
     static OVAPP_NO_EXPORT QList<PluginInfo> _pluginInfos;
     static OVAPP_NO_EXPORT QList<PluginRecord> _records;
     static OVAPP_NO_EXPORT ProgressHandler _progressHandler;
-    /// Of the plug-ins that `loadPlugins` accepted and that are still loaded; owned.
+    /// The loaders of the accepted plug-ins that are still loaded; owned.
     static OVAPP_NO_EXPORT QList<QPluginLoader*> _pluginLoaders;
 };
 
