@@ -8,6 +8,7 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QRegularExpression>
 #include <QStringList>
 
 #include <algorithm>
@@ -93,8 +94,13 @@ std::optional<int> parse(QCommandLineParser& parser, const QStringList& argument
                                QLatin1String(qVersion())));
         return Success;
     }
-    if (!parsed)
-        return fail(UsageError, parser.errorText());
+    if (!parsed) {
+        // Qt returns a sentence, "Unknown option 'x'."
+        QString error = parser.errorText();
+        error.replace(0, 1, error.at(0).toLower());
+        error.remove(QRegularExpression(QStringLiteral("\\.$")));
+        return fail(UsageError, error);
+    }
     return std::nullopt;
 }
 

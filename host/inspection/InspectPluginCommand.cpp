@@ -194,17 +194,19 @@ int inspectPlugin(const QStringList& arguments)
     parser.addOption(profile);
     if (const std::optional<int> exitCode = options.parse(parser, arguments))
         return *exitCode;
+    const QStringList files = parser.positionalArguments();
+    if (files.size() != 1)
+        return fail(UsageError, QStringLiteral("expected one file, got %1").arg(files.size()));
     if (!redirectStandardOutput())
         return fail(Failure, QStringLiteral("cannot redirect standard output"));
 
     disableCrashReports();
     endWithParent();
     installTerminateHandler();
-    const QString file = parser.positionalArguments().value(0);
-    QtApplication::prepareFor({file});
+    QtApplication::prepareFor(files);
     sendActivity("the library was initialised");
     options.startLibrary();
-    inspect(file, parser.isSet(profile));
+    inspect(files.first(), parser.isSet(profile));
     sendActivity(InspectionProtocol::lastActivity);
     App::Application::destruct();
     return Success;

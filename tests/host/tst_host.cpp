@@ -144,7 +144,7 @@ log: destruct application.)"_s;
         QTest::addColumn<QString>("text");
         QTest::newRow("nothing") << words("") << 2 << "expected a command";
         QTest::newRow("unknown command") << words("dance") << 2 << "unknown command 'dance'";
-        QTest::newRow("unknown option") << words("run --fast") << 2 << "fast";
+        QTest::newRow("unknown option") << words("run --fast") << 2 << "unknown option 'fast'";
         QTest::newRow("option without value") << words("run --document") << 2 << "document";
         QTest::newRow("argument") << words("run a.ovdoc") << 2 << "unexpected argument 'a.ovdoc'";
         QTest::newRow("directory") << QStringList({"run"_s, "--app-dir"_s, QString()}) << 2
