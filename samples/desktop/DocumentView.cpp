@@ -47,7 +47,7 @@ void DocumentView::showDocument(const Doc::Document* document)
     _name->setText(QFileInfo(document->filePath()).fileName());
     // Counts are any integers, and a range that is empty would show that the program is busy.
     _progress->setRange(0, std::max(counts.targetCount(), 1));
-    _progress->setValue(std::clamp(counts.finishedCount(), 0, _progress->maximum()));
+    _progress->setValue(std::clamp(counts.finishedCount(), 0, std::max(counts.targetCount(), 0)));
     _progress->setFormat(
         tr("%1 of %2 finished").arg(counts.finishedCount()).arg(counts.targetCount()));
 }

@@ -9,7 +9,9 @@
 
 #include <stdexcept>
 
-static void log(const char* what)
+namespace {
+
+void log(const char* what)
 {
     Core::ConsoleSingleton::instance().log("WindowPlugin: %s", what);
 }
@@ -27,6 +29,8 @@ public:
     void start() override { log("channel started"); }
     void stop() override { log("channel stopped"); }
 };
+
+} // namespace
 
 /// Has a window and a channel, logs when it loses them, and can fail to start.
 class WindowPlugin : public QObject, public App::PluginInterface
