@@ -719,7 +719,7 @@ private:
         QByteArray plugin = contentOf(QStringLiteral(FAILING_PLUGIN));
         const QByteArray placeholder = "how, and at which moment";
         if (way == "symbol")
-            plugin.replace("PluginInfoC", "PluginInfoX");
+            plugin.replace("10PluginInfoC", "10PluginInfoX");
         writeFile(path, plugin.replace(placeholder, way.leftJustified(placeholder.size())));
     }
 

@@ -1,5 +1,6 @@
 #include <support/Files.h>
 #include <support/Literals.h>
+#include <support/Tools.h>
 
 #include <ovcore/ConsoleObserverFile.h>
 #include <ovcore/ConsoleSingleton.h>
@@ -242,7 +243,8 @@ private Q_SLOTS:
 
         QVERIFY(QDir(path + ".lock"_s).removeRecursively());
         Settings::instance().setValue("key3"_s, 3);
-        QCOMPARE(contentOf(path), QByteArray("[General]\nkey0=0\nkey1=1\nkey2=2\nkey3=3\n"));
+        QCOMPARE(Tools::textOf(contentOf(path)),
+                 QByteArray("[General]\nkey0=0\nkey1=1\nkey2=2\nkey3=3\n"));
         Settings::destruct();
     }
 

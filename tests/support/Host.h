@@ -3,6 +3,7 @@
 #include <support/Literals.h>
 #include <support/Tools.h>
 
+#include <QFileInfo>
 #include <QProcess>
 
 /// The result of a run of ovapp-host. `status` is the exit code, or -1 if it did not exit normally.
@@ -28,9 +29,12 @@ inline Outcome outcomeOf(QProcess& host)
             linesOf(host.readAllStandardError())};
 }
 
+/// With a drive on Windows, since tests change the current directory, and with it the drive.
+inline const QString hostPath = QFileInfo(QStringLiteral(OVAPP_HOST)).absoluteFilePath();
+
 inline Outcome runHost(const QStringList& arguments)
 {
     QProcess host;
-    host.start(QStringLiteral(OVAPP_HOST), arguments);
+    host.start(hostPath, arguments);
     return outcomeOf(host);
 }
