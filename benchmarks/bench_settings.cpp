@@ -50,7 +50,7 @@ int main(int argc, char** argv)
                 [&ours](const QString& key, int value) { ours.setValue(key, value); });
     })->UseRealTime();
 
-    QSettings bare(pathOf("bare.ini"), QSettings::IniFormat);
+    QSettings bare(pathOf("Bare/Bare.ini"), QSettings::IniFormat);
     benchmark::RegisterBenchmark("Set a value/QSettings", [&](benchmark::State& state) {
         measure(state, bare.fileName(), [&bare](const QString& key, int value) {
             bare.setValue(key, value);

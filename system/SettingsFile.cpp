@@ -22,10 +22,10 @@ namespace {
 std::mutex mutex;
 
 /// Waits while other processes write, and removes the lock file of a process that was killed.
-bool isLockable(const QString& path)
+bool waitForLock(const QString& path)
 {
-    QFileInfo file(path + QLatin1String(".lock"));
-    QLockFile lock(file.filePath());
+    QFileInfo file(path);
+    QLockFile lock(path);
     // Until a process has locked the file that it created, only the file's age protects it.
     lock.setStaleLockTime(250);
     while (file.exists() && !lock.tryLock()) {
@@ -38,15 +38,9 @@ bool isLockable(const QString& path)
     return true;
 }
 
-/// `QSettings` writes a second file before it removes the first.
-bool hasRoom(const QSettings& settings)
+/// Returns how many bytes must be free for the second file that `QSettings` writes and renames.
+std::uintmax_t requiredSpace(const QSettings& settings)
 {
-    const QFileInfo file(settings.fileName());
-    std::error_code error;
-    const auto available = std::filesystem::space(file.path().toStdU16String(), error).available;
-    // Either the directory is missing, or no settings file is that large.
-    if (error || available > 32 << 20)
-        return true;
     QByteArray values;
     QDataStream stream(&values, QIODevice::WriteOnly);
     const QStringList keys = settings.allKeys();
@@ -54,22 +48,33 @@ bool hasRoom(const QSettings& settings)
         stream << key << settings.value(key);
     // A serialised byte takes up to four in the file. The size of the present file stands for keys
     // outside of the current group; the blocks are for the lock file and the ends of the files.
+    const QFileInfo file(settings.fileName());
     const qint64 blocks = 4 * QStorageInfo(file.path()).blockSize();
-    return static_cast<qint64>(available) > file.size() + 4 * qint64(values.size()) + blocks;
+    return static_cast<std::uintmax_t>(file.size() + 4 * qint64(values.size()) + blocks);
 }
 
 class SettingsFile : public QSettings
 {
 public:
-    explicit SettingsFile(const QString& path) : QSettings(path, IniFormat)
+    explicit SettingsFile(const QString& path)
+        : QSettings(path, IniFormat),
+          _lockPath((fileName() + QLatin1String(".lock")).toStdU16String()),
+          _directoryPath(_lockPath.parent_path())
     {
 #if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
         setIniCodec("UTF-8");
 #endif
     }
+
     bool canBeWritten() const
     {
-        return isLockable(fileName()) && hasRoom(*this);
+        std::error_code error;
+        if (std::filesystem::exists(_lockPath, error) &&
+            !waitForLock(fileName() + QLatin1String(".lock")))
+            return false;
+        // Either the directory is missing, or no settings file is that large.
+        const auto available = std::filesystem::space(_directoryPath, error).available;
+        return error || available > 32 << 20 || available > requiredSpace(*this);
     }
 
     int users = 1;
@@ -90,6 +95,8 @@ protected:
     }
 
 private:
+    const std::filesystem::path _lockPath;
+    const std::filesystem::path _directoryPath;
     QBasicTimer _retryTimer;
 };
 

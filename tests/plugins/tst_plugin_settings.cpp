@@ -161,7 +161,9 @@ private Q_SLOTS:
                          qPrintable("%1, %2"_s.arg(step).arg(freeBlocks)));
                 QCOMPARE(settings->value(key), QVariant(step));
             }
+            std::optional<PluginBaseSettings> copy(*settings);
             fileSystem.setFreeBlocks(16);
+            copy.reset();
             settings->setValue("last"_s, 1);
             QCOMPARE(contentOf(file),
                      QByteArray("[General]\nassigned=1\nlast=1\nold=1\nset=1\n\n[Laser]\n"
