@@ -50,7 +50,8 @@ set(about "It connects the program with the plug-ins that provide its features.\
 set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "${about}This package contains the shared libraries.")
 set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION "${about}\
 This package contains the files for building programs and plug-ins: headers,
-the CMake package, the pkg-config file, and a plug-in template.")
+the CMake package, the pkg-config file, a plug-in template, and the source of
+a desktop program.")
 set(CPACK_DEBIAN_HOST_DESCRIPTION "${about}\
 This package contains an executable without a user interface, which runs a
 session and checks plug-ins, with sample documents and sample plug-ins.")
