@@ -397,9 +397,10 @@ private Q_SLOTS:
                 shortcuts += action->shortcut();
             }
         }
+        const QList<QDockWidget*> docks = window.findChildren<QDockWidget*>();
         for (const Qt::Key key : {Qt::Key_1, Qt::Key_2, Qt::Key_3}) {
             desktop.press(key);
-            QCOMPARE(window.findChildren<QDockWidget*>().at(key - Qt::Key_1)->isVisible(), false);
+            QVERIFY(!docks.at(key - Qt::Key_1)->isVisible());
             desktop.press(key);
         }
 
@@ -409,11 +410,10 @@ private Q_SLOTS:
             reached += QApplication::focusWidget();
         }
         QSet<QWidget*> expected;
-        for (QTreeWidget* list : window.findChildren<QTreeWidget*>())
-            expected += list;
-        for (QPushButton* b : window.findChildren<QPushButton*>())
-            expected += b;
-        QCOMPARE(expected.size(), 5);
+        for (const QDockWidget* dock : docks)
+            expected += dock->findChild<QTreeWidget*>();
+        for (const char* button : {"start", "stop"})
+            expected += window.findChild<QPushButton*>(QLatin1String(button));
         QVERIFY(reached.contains(expected));
     }
 

@@ -1,10 +1,8 @@
-#include <support/Files.h>
-#include <support/Literals.h>
-
 #include <MainWindow.h>
 #include <Program.h>
 
 #include <QApplication>
+#include <QFile>
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -14,19 +12,19 @@
 int main(int argc, char** argv)
 {
     QApplication application(argc, argv);
-    QCoreApplication::setApplicationName("ovapp-desktop"_s);
-    QApplication::setStyle("fusion"_s);
-    QApplication::setFont(QFont("DejaVu Sans"_s, 9));
+    QCoreApplication::setApplicationName(QStringLiteral("ovapp-desktop"));
+    QApplication::setStyle(QStringLiteral("fusion"));
+    QApplication::setFont(QFont(QStringLiteral("DejaVu Sans"), 9));
     const QTemporaryDir directory;
-    const QString document = directory.filePath("coaster.ovdoc"_s);
-    writeFile(document, contentOf(QStringLiteral(SAMPLE_DOCUMENT)));
+    const QString document = directory.filePath(QStringLiteral("coaster.ovdoc"));
+    QFile::copy(QStringLiteral(SAMPLE_DOCUMENT), document);
 
     Program program(directory.path(), QStringLiteral(SAMPLE_PLUGIN_DIR));
     MainWindow& window = program.window();
     if (!QTest::qWaitForWindowActive(&window))
         return 1;
     window.openFile(document);
-    window.findChild<QPushButton*>("start"_s)->click();
+    window.findChild<QPushButton*>(QStringLiteral("start"))->click();
     QTest::keyClick(&window, Qt::Key_Return, Qt::ControlModifier);
     QCoreApplication::processEvents();
     return window.grab().save(QCoreApplication::arguments().value(1)) ? 0 : 1;
