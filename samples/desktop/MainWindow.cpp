@@ -97,7 +97,10 @@ MainWindow::~MainWindow()
 
 void MainWindow::openFile(const QString& path)
 {
-    if (confirmClose() && !App::Application::instance().openDocument(path))
+    // The library keeps a document that is already open, with its changes.
+    const bool isOpen =
+        QFileInfo(path).absoluteFilePath() == QFileInfo(windowFilePath()).absoluteFilePath();
+    if ((isOpen || confirmClose()) && !App::Application::instance().openDocument(path))
         showError(tr("Cannot open %1").arg(path), openError(path));
 }
 

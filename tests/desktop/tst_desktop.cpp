@@ -230,8 +230,14 @@ private Q_SLOTS:
             QCOMPARE(desktop.window.windowFilePath(), path);
         }
 
-        // Nothing can replace a directory.
         desktop.finishPiece();
+        {
+            const Click question(QMessageBox::Discard);
+            desktop.window.openFile(path);
+            QVERIFY(!question.isGiven && desktop.window.isWindowModified());
+        }
+
+        // Nothing can replace a directory.
         QVERIFY(QFile::remove(path) && QDir().mkpath(path));
         const Click failed(QMessageBox::Ok);
         desktop.press(Qt::Key_S);
