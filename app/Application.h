@@ -195,7 +195,7 @@ public:
     /// Appends log lines to "log.txt" from now on, if the setting "Debug/file" is true and they are
     /// not appended already. Called by `init`.
     static void attachObservers();
-    /// Ends what `attachObservers` started. Called by `destruct`.
+    /// Closes the log file that `attachObservers` opened. Called by `destruct`.
     static void destructObservers();
 
     /// @}
