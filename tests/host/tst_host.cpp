@@ -26,15 +26,14 @@ class tst_host : public QObject
 private Q_SLOTS:
     void session()
     {
-        const QString document = _directory.filePath("coaster.ovdoc"_s);
-        QVERIFY(QFile::copy(QStringLiteral(OVAPP_SAMPLES "/documents/coaster.ovdoc"), document));
-        // Other tests load plug-ins.
-        const QTemporaryDir noPlugins;
+        const QTemporaryDir directory;
+        const QString document = directory.filePath("coaster.ovdoc"_s);
+        const QByteArray content =
+            contentOf(QStringLiteral(OVAPP_SAMPLES "/documents/coaster.ovdoc"));
+        writeFile(document, content);
         const Outcome outcome =
-            runHost(words("run --board 4 --app-dir %1 --plugins %2 --document %3")
-                        .replaceInStrings("%1"_s, _directory.path())
-                        .replaceInStrings("%2"_s, noPlugins.path())
-                        .replaceInStrings("%3"_s, document));
+            runHost(words("run --board 4 --app-dir %1 --plugins %1 --document %1/coaster.ovdoc",
+                          directory.path()));
         QCOMPARE(outcome.errors, QStringList());
         QCOMPARE(outcome.status, 0);
 
@@ -79,8 +78,7 @@ host: stops and unloads the plug-ins
 host: stops the library
 log: destruct application.)"_s;
         QCOMPARE(events, expected.split(u'\n'));
-        QCOMPARE(contentOf(document),
-                 contentOf(QStringLiteral(OVAPP_SAMPLES "/documents/coaster.ovdoc")));
+        QCOMPARE(contentOf(document), content);
     }
 
     void documents_data()
@@ -123,7 +121,7 @@ log: destruct application.)"_s;
         QVERIFY2(error.startsWith("ovapp-host: cannot open '"_s), qPrintable(error));
         QVERIFY2(error.contains(problem), qPrintable(error));
         QVERIFY2(outcome.output.last().endsWith("destruct application."_s),
-                 "the library was not taken down");
+                 "the library was not shut down");
     }
 
     void fullCounter()
@@ -132,7 +130,7 @@ log: destruct application.)"_s;
         writeFile(path, R"({"format": "ovdoc", "version": 1,
                             "printCount": {"finished": 2147483647, "target": 0}})");
         const Outcome outcome =
-            runHost({"run"_s, "--app-dir"_s, _directory.path(), "--document"_s, path});
+            runHost(words("run --app-dir %1 --document %1/full.ovdoc", _directory.path()));
         QCOMPARE(outcome.status, 0);
         QVERIFY(outcome.output.filter("changed in"_s).first().contains("2147483647 of 0"_s));
     }
@@ -140,37 +138,36 @@ log: destruct application.)"_s;
     void usage_data()
     {
         QTest::addColumn<QStringList>("arguments");
-        QTest::addColumn<int>("status");
         QTest::addColumn<QString>("text");
-        QTest::newRow("nothing") << words("") << 2 << "expected a command";
-        QTest::newRow("unknown command") << words("dance") << 2 << "unknown command 'dance'";
-        QTest::newRow("unknown option") << words("run --fast") << 2 << "unknown option 'fast'";
-        QTest::newRow("option without value") << words("run --document") << 2 << "document";
-        QTest::newRow("argument") << words("run a.ovdoc") << 2 << "unexpected argument 'a.ovdoc'";
-        QTest::newRow("directory") << QStringList({"run"_s, "--app-dir"_s, QString()}) << 2
-                                   << "--app-dir: expected a directory";
-        QTest::newRow("board") << words("run --board left") << 2 << "--board: 'left'";
-        QTest::newRow("no host") << words("ping") << 2 << "expected one host, got 0";
-        QTest::newRow("two hosts") << words("trace a b") << 2 << "expected one host, got 2";
-        for (const char* host : {"", "-f", "/f", "a b", "a\x01"}) {
-            QTest::addRow("host '%s'", host) << QStringList({"ping"_s, "--"_s, QLatin1String(host)})
-                                             << 2 << "is not a host name";
-        }
-        QTest::newRow("plug-in directory") << words("run --plugins missing") << 2 << "--plugins: ";
-        QTest::newRow("time-out") << words("plugins --timeout 0") << 2 << "--timeout: '0'";
+        QTest::addColumn<int>("status");
+        const auto row = [](const QStringList& arguments, const QString& text, int status = 2) {
+            QTest::addRow("'%s'", qPrintable(arguments.join("' '"_s)))
+                << arguments << text << status;
+        };
+        row({}, "expected a command"_s);
+        row(words("dance"), "unknown command 'dance'"_s);
+        row(words("run --fast"), "unknown option 'fast'"_s);
+        row(words("run --document"), "document"_s);
+        row(words("run a.ovdoc"), "unexpected argument 'a.ovdoc'"_s);
+        row({"run"_s, "--app-dir"_s, QString()}, "--app-dir: expected a directory"_s);
+        row(words("run --board left"), "--board: 'left'"_s);
+        row(words("run --plugins missing"), "--plugins: "_s);
+        row(words("ping"), "expected one host, got 0"_s);
+        row(words("trace a b"), "expected one host, got 2"_s);
+        for (const char* host : {"", "-f", "/f", "a b", "a\x01"})
+            row({"ping"_s, "--"_s, QLatin1String(host)}, "is not a host name"_s);
+        row(words("plugins --timeout 0"), "--timeout: '0'"_s);
         // Its milliseconds do not fit into an int.
-        QTest::newRow("long time-out")
-            << words("plugins --timeout 2147484") << 2 << "--timeout: '2147484'";
-        QTest::newRow("count") << words("ping a --count -1") << 2 << "--count: '-1'";
-        QTest::newRow("hops") << words("trace a --max-hops 0") << 2 << "--max-hops: '0'";
-        QTest::newRow("help") << words("--help") << 0 << "run a whole session";
-        QTest::newRow("help on a command")
-            << words("run --help") << 0 << executableName() + " run [options]"_s;
-        QTest::newRow("version") << words("--version") << 0
-                                 << executableName() +
-                                        " %1 (Qt %2)"_s.arg(
-                                            QString::fromUtf8(Core::Version::versionString()),
-                                            QLatin1String(qVersion()));
+        row(words("plugins --timeout 2147484"), "--timeout: '2147484'"_s);
+        row(words("ping a --count -1"), "--count: '-1'"_s);
+        row(words("trace a --max-hops 0"), "--max-hops: '0'"_s);
+        row(words("--help"), "run a whole session"_s, 0);
+        row(words("run --help"), executableName() + " run [options]"_s, 0);
+        row(words("--version"),
+            "%1 %2 (Qt %3)"_s.arg(executableName(),
+                                  QString::fromUtf8(Core::Version::versionString()),
+                                  QLatin1String(qVersion())),
+            0);
     }
 
     void usage()
@@ -316,8 +313,7 @@ log: destruct application.)"_s;
         QFETCH(QString, error);
         Tools::findIn(QStringLiteral(FAKE_TOOL_DIR));
         QProcess host;
-        host.start(QStringLiteral(OVAPP_HOST),
-                   words(qPrintable(arguments)).replaceInStrings("%1"_s, _directory.path()));
+        host.start(QStringLiteral(OVAPP_HOST), words(qPrintable(arguments), _directory.path()));
         while (!QString::fromUtf8(host.peek(100000)).contains(QRegularExpression(readyOutput)))
             QVERIFY(host.waitForReadyRead());
         QElapsedTimer elapsed;
@@ -395,9 +391,8 @@ log: destruct application.)"_s;
         qputenv("TMPDIR", QFile::encodeName(temporary.path()));
         QProcess shell;
         shell.setWorkingDirectory(directory.path());
-        shell.start("/bin/sh"_s,
-                    QStringList{"-c"_s, script, "sh"_s, QStringLiteral(OVAPP_HOST)} +
-                        words(qPrintable(arguments)).replaceInStrings("%1"_s, directory.path()));
+        shell.start("/bin/sh"_s, QStringList{"-c"_s, script, "sh"_s, QStringLiteral(OVAPP_HOST)} +
+                                     words(qPrintable(arguments), directory.path()));
         const Outcome outcome = outcomeOf(shell);
         previous.isNull() ? qunsetenv("TMPDIR") : qputenv("TMPDIR", previous);
 
@@ -416,53 +411,70 @@ log: destruct application.)"_s;
     }
 #endif
 
-    void failingPlugins()
+    void verdictsOnPlugins()
     {
         // Sanitizers would turn the crashes into exits.
         for (const char* options : {"ASAN_OPTIONS", "TSAN_OPTIONS"})
             qputenv(options, "handle_segv=0");
-        const QTemporaryDir directory;
+        const QTemporaryDir directory(QDir::temp().filePath("\u00c4 \u65e5\u672c-XXXXXX"_s));
         const struct
         {
             QString file;
-            const char* way;
+            QByteArray content;
             const char* verdict;
-            const char* words;
+            const char* explanation;
         } rows[] = {
-            {"accepted.dll"_s, "started wait", "accepted", "accepted"},
-            {"crash.dll"_s, "loaded crash", "crashed", "while it was loaded"},
-            {"exit.dll"_s, "unloaded _exit", "exited", "exit code 0 while it was unloaded"},
-            {"fork.dll"_s, "started fork", "accepted", "accepted"},
-            {"hang.dll"_s, "stopped hang", "timed-out", "4 s, and was ended while it was stopped"},
-            {"overflow.dll"_s, "started overflow", "crashed", "while it was started"},
-            {"symbol.dll"_s, "symbol", Tools::isWine() ? "crashed" : "no-plugin",
+            {"accepted.dll"_s, failingPlugin("started wait"), "accepted", "accepted"},
+            {"board.dll"_s, builtPlugin("PluginB"), "other-board", "supportedBoardTypes() is 0x2"},
+            {"crash.dll"_s, failingPlugin("loaded crash"), "crashed", "while it was loaded"},
+            // Short enough for Qt 6 too, which does not need the sections after code and data.
+            {"damaged.dll"_s, failingPlugin("").left(4096), "no-plugin", "truncated"},
+            {"exit.dll"_s, failingPlugin("unloaded _exit"), "exited",
+             "exit code 0 while it was unloaded"},
+            {"fork.dll"_s, failingPlugin("started fork"), "accepted", "accepted"},
+            {"hang.dll"_s, failingPlugin("stopped hang"), "timed-out",
+             "4 s, and was ended while it was stopped"},
+            {"interface.dll"_s, builtPlugin("OtherInterface"), "no-interface", "Q_INTERFACES"},
+            {"no-id.dll"_s, builtPlugin("PluginWithoutIdentifier"), "no-identifier",
+             "pluginID() is 0"},
+            {"overflow.dll"_s, failingPlugin("started overflow"), "crashed",
+             "while it was started"},
+            {"program.dll"_s, contentOf(QStringLiteral(OVAPP_HOST)), "no-plugin",
+             "Qt cannot load it"},
+            {"symbol.dll"_s, failingPlugin("").replace("10PluginInfoC", "10PluginInfoX"),
+             Tools::isWine() ? "crashed" : "no-plugin",
              Tools::isWine() ? "while its queries were called" : "Qt cannot load it"},
-            {"throw.dll"_s, "asked throw", "exception",
+            {"throw.dll"_s, failingPlugin("asked throw"), "exception",
              "pluginID() threw an exception: of no use"}};
         for (const auto& row : rows)
-            writeFailingPlugin(directory.filePath(row.file), row.way);
+            writeFile(directory.filePath(row.file), row.content);
         const QStringList command =
-            words("plugins --profile --json --timeout 4 --board 0x4 --app-dir %1 --plugins %1")
-                .replaceInStrings("%1"_s, directory.path());
+            words("plugins --profile --json --timeout 4 --board 0x4 --app-dir %1 --plugins %1",
+                  directory.path());
         const Outcome outcome = runHost(command);
         QCOMPARE(outcome.status, 1);
-        QCOMPARE(outcome.errors.last(), "ovapp-host: 6 of 8 plug-in files cannot be used"_s);
+        QCOMPARE(outcome.errors.last(), "ovapp-host: 10 of 13 plug-in files cannot be used"_s);
         const QJsonObject json = jsonOf(outcome);
         QCOMPARE(json.value("directory"_s).toString(), directory.path());
         QCOMPARE(json.value("board"_s).toInt(), 4);
         const QJsonArray plugins = json.value("plugins"_s).toArray();
-        QCOMPARE(plugins.size(), 8);
+        QCOMPARE(plugins.size(), 13);
         for (int i = 0; i < plugins.size(); ++i) {
             const QJsonObject plugin = plugins.at(i).toObject();
             QCOMPARE(plugin.value("file"_s).toString(), directory.filePath(rows[i].file));
-            QCOMPARE(plugin.value("verdict"_s).toString(), QLatin1String(rows[i].verdict));
+            const QString verdict = QLatin1String(rows[i].verdict);
+            QCOMPARE(plugin.value("verdict"_s).toString(), verdict);
+            QCOMPARE(plugin.value("accepted"_s).toBool(), verdict == "accepted"_s);
             const QString explanation = plugin.value("explanation"_s).toString();
-            QVERIFY2(explanation.contains(QLatin1String(rows[i].words)), qPrintable(explanation));
-            QVERIFY(i == 0 || QFile::remove(directory.filePath(rows[i].file)));
+            QVERIFY2(explanation.contains(QLatin1String(rows[i].explanation)),
+                     qPrintable(explanation));
+            QVERIFY(i < 2 || QFile::remove(directory.filePath(rows[i].file)));
         }
+        // The files that cannot be used have been removed.
         const Outcome accepted = runHost(command);
         QCOMPARE(accepted.status, 0);
         QCOMPARE(accepted.errors, words("loaded asked asked started stopped unloaded"));
+        QVERIFY(QFile::remove(directory.filePath("board.dll"_s)));
         const QJsonObject plugin = jsonOf(accepted).value("plugins"_s).toArray().at(0).toObject();
         QCOMPARE(plugin.value("identifier"_s).toString(), "0x1f"_s);
         QVERIFY(plugin.value("start_ms"_s).toDouble() > 300);
@@ -487,18 +499,17 @@ log: destruct application.)"_s;
         for (const char* options : {"ASAN_OPTIONS", "TSAN_OPTIONS"})
             qputenv(options, "handle_segv=0");
         const QTemporaryDir directory;
-        writeFailingPlugin(directory.filePath("registers.dll"_s), "registers");
+        writeFile(directory.filePath("registers.dll"_s), failingPlugin("registers"));
         int listenerKinds = 0;
 #ifdef Q_OS_LINUX
         listenerKinds = 9;
         for (int kind = 0; kind < listenerKinds; ++kind) {
             const QByteArray way = "listens " + QByteArray::number(kind);
-            writeFailingPlugin(directory.filePath(QString::fromLatin1(way) + ".dll"_s), way);
+            writeFile(directory.filePath(QString::fromLatin1(way) + ".dll"_s), failingPlugin(way));
         }
 #endif
         const QStringList command =
-            words("plugins --profile --json --board 4 --app-dir %1 --plugins %1")
-                .replaceInStrings("%1"_s, directory.path());
+            words("plugins --profile --json --board 4 --app-dir %1 --plugins %1", directory.path());
         const QJsonArray plugins = jsonOf(runHost(command)).value("plugins"_s).toArray();
         QCOMPARE(plugins.size(), listenerKinds + 1);
         for (int i = 0; i < listenerKinds; ++i) {
@@ -520,12 +531,11 @@ log: destruct application.)"_s;
             return directory.filePath(QLatin1String(name));
         };
         for (const char* name : {"a/my.dll", "b/my.dll", "b/other.so", "c.dll", "text.dll"})
-            writeFailingPlugin(path(name), "");
+            writeFile(path(name), failingPlugin(""));
         writeFile(path("text.dll"), "text");
         const QString current = QDir::currentPath();
         QVERIFY(QDir::setCurrent(path("a")));
-        const QStringList command =
-            words("plugins --board 4 --app-dir") + QStringList(_directory.path());
+        const QStringList command = words("plugins --board 4 --app-dir %1", _directory.path());
         const Outcome outcome =
             runHost(command + words("my.dll ../b/my.dll ../b/other.so ../text.dll"));
         const auto error = [&](const QString& file) {
@@ -572,17 +582,15 @@ log: destruct application.)"_s;
         const QTemporaryDir directory;
         QVERIFY(QFile::copy(QStringLiteral(WIDGET_PLUGIN), directory.filePath("below.dll"_s)));
         for (const char* command : {"plugins", "plugins --profile", "run"}) {
-            const Outcome outcome =
-                runHost(words(command) + words("--board 4 --app-dir %1 --plugins %1")
-                                             .replaceInStrings("%1"_s, directory.path()));
+            const Outcome outcome = runHost(
+                words(command) + words("--board 4 --app-dir %1 --plugins %1", directory.path()));
             QCOMPARE(outcome.errors, QStringList());
             QCOMPARE(outcome.status, 0);
             QVERIFY(!outcome.output.filter(QRegularExpression("below.dll .*accepted"_s)).isEmpty());
         }
         qputenv("QT_QPA_PLATFORM", "none such");
         const Outcome outcome =
-            runHost(words("plugins --board 4 --app-dir") +
-                    QStringList({directory.path(), directory.filePath("below.dll"_s)}));
+            runHost(words("plugins --board 4 --app-dir %1 %1/below.dll", directory.path()));
         qunsetenv("QT_QPA_PLATFORM");
         QCOMPARE(outcome.status, 1);
         QVERIFY(outcome.errors.join(u'\n').contains("platform plugin"_s));
@@ -606,8 +614,8 @@ log: destruct application.)"_s;
         QCOMPARE(::mkfifo(QFile::encodeName(path("pipe.dll")).constData(), 0600), 0);
         QVERIFY(QFile::setPermissions(path("closed"), {}));
         const bool canRead = QFileInfo(path("closed")).isReadable();
-        const Outcome outcome = runHost(
-            {"plugins"_s, "--app-dir"_s, _directory.path(), "--plugins"_s, directory.path()});
+        const Outcome outcome =
+            runHost(words("plugins --app-dir %1 --plugins %1", directory.path()));
         QVERIFY(QFile::setPermissions(path("closed"), all));
         QCOMPARE(outcome.status, 0);
         QStringList expected;
@@ -631,12 +639,11 @@ log: destruct application.)"_s;
     {
 #ifdef Q_OS_LINUX
         const QTemporaryDir directory;
-        writeFailingPlugin(directory.filePath("hang.dll"_s), "loaded hang");
+        writeFile(directory.filePath("hang.dll"_s), failingPlugin("loaded hang"));
         QProcess host;
         host.setReadChannel(QProcess::StandardError);
-        host.start(
-            QStringLiteral(OVAPP_HOST),
-            words("plugins --app-dir %1 --plugins %1").replaceInStrings("%1"_s, directory.path()));
+        host.start(QStringLiteral(OVAPP_HOST),
+                   words("plugins --app-dir %1 --plugins %1", directory.path()));
         QVERIFY(host.waitForReadyRead());
         const QByteArray child = contentOf("/proc/%1/task/%1/children"_s.arg(host.processId()));
         const QString command = "/proc/%1/cmdline"_s.arg(child.toInt());
@@ -645,19 +652,19 @@ log: destruct application.)"_s;
         QVERIFY(host.waitForFinished());
         QTRY_COMPARE(contentOf(command), QByteArray());
 #else
-        QSKIP("no way here to find the process that examines the plug-in");
+        QSKIP("no way to find the process that inspects the plug-in on this system");
 #endif
     }
 
     void pluginsInSession()
     {
         const QTemporaryDir directory;
-        writeFailingPlugin(directory.filePath("a.dll"_s), "started throw");
-        writeFailingPlugin(directory.filePath("b.dll"_s), "asked throw");
+        writeFile(directory.filePath("a.dll"_s), failingPlugin("started throw"));
+        writeFile(directory.filePath("b.dll"_s), failingPlugin("asked throw"));
         writeFile(directory.filePath("c.dll"_s), "text");
-        writeFailingPlugin(directory.filePath("d.dll"_s), "");
-        const Outcome outcome = runHost(words("run --board 4 --app-dir %1 --plugins %1")
-                                            .replaceInStrings("%1"_s, directory.path()));
+        writeFile(directory.filePath("d.dll"_s), failingPlugin(""));
+        const Outcome outcome =
+            runHost(words("run --board 4 --app-dir %1 --plugins %1", directory.path()));
         QCOMPARE(outcome.status, 0);
         QStringList lines = outcome.output.filter(".dll"_s);
         lines.replaceInStrings(QRegularExpression("^ *[0-9]+ ms  (host +)?"_s), QString());
@@ -699,9 +706,9 @@ log: destruct application.)"_s;
         QFETCH(QByteArray, way);
         QFETCH(QString, ending);
         const QTemporaryDir directory;
-        writeFailingPlugin(directory.filePath("failing.dll"_s), way);
-        const Outcome outcome = runHost(words("run --board 4 --app-dir %1 --plugins %1")
-                                            .replaceInStrings("%1"_s, directory.path()));
+        writeFile(directory.filePath("failing.dll"_s), failingPlugin(way));
+        const Outcome outcome =
+            runHost(words("run --board 4 --app-dir %1 --plugins %1", directory.path()));
         const QString error = "ovapp-host: ended by "_s + ending + "; "_s + executableName() +
                               " plugins --profile inspects the plug-ins"_s;
         QCOMPARE(outcome.errors, ending.isEmpty() ? QStringList() : QStringList(error));
@@ -714,13 +721,16 @@ private:
         return QFileInfo(QStringLiteral(OVAPP_HOST)).completeBaseName();
     }
 
-    static void writeFailingPlugin(const QString& path, QByteArray way)
+    /// Returns the content of a plug-in that fails in the given way.
+    static QByteArray failingPlugin(const QByteArray& way)
     {
-        QByteArray plugin = contentOf(QStringLiteral(FAILING_PLUGIN));
         const QByteArray placeholder = "how, and at which moment";
-        if (way == "symbol")
-            plugin.replace("10PluginInfoC", "10PluginInfoX");
-        writeFile(path, plugin.replace(placeholder, way.leftJustified(placeholder.size())));
+        return contentOf(QStringLiteral(FAILING_PLUGIN))
+            .replace(placeholder, way.leftJustified(placeholder.size()));
+    }
+    static QByteArray builtPlugin(const char* target)
+    {
+        return contentOf(QStringLiteral(BUILT_PLUGIN_DIR "/%1.dll").arg(QLatin1String(target)));
     }
 
     static QJsonObject jsonOf(const Outcome& outcome)

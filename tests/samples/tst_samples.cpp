@@ -6,9 +6,6 @@
 #include <registries/ExtendPluginInfo.h>
 #include <registries/ExtendPluginRegistry.h>
 
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QTcpSocket>
 #include <QtTest>
 
@@ -136,54 +133,6 @@ private Q_SLOTS:
         QTRY_COMPARE(client.state(), QTcpSocket::UnconnectedState);
         QCOMPARE(connected()->state(), QTcpSocket::UnconnectedState);
         samples.application().closeDocument();
-    }
-
-    void explanationOfEachVerdict()
-    {
-        const QTemporaryDir parent;
-        const QDir directory(parent.filePath("\u00c4 \u65e5\u672c"_s));
-        const QString samples = QStringLiteral(SAMPLE_PLUGIN_DIR "/");
-        const QString others = QStringLiteral(OTHER_PLUGIN_DIR "/");
-        const struct
-        {
-            QString file;
-            QString from;
-            const char* verdict;
-            const char* explanation;
-        } rows[] = {
-            {"accepted.dll"_s, samples + "rotary-axis.dll"_s, "accepted", "accepted"},
-            {"board.dll"_s, samples + "relief-engraving.dll"_s, "other-board",
-             "supportedBoardTypes() is 0x5"},
-            {"damaged.dll"_s, samples + "rotary-axis.dll"_s, "no-plugin", "truncated"},
-            {"interface.dll"_s, others + "OtherInterface.dll"_s, "no-interface", "Q_INTERFACES"},
-            {"no-id.dll"_s, others + "PluginWithoutIdentifier.dll"_s, "no-identifier",
-             "pluginID() is 0"},
-            {"program.dll"_s, QStringLiteral(OVAPP_HOST), "no-plugin", "Qt cannot load it"}};
-        for (const auto& row : rows)
-            writeFile(directory.filePath(row.file), contentOf(row.from));
-        // Short enough for Qt 6 too, which does not need the sections after the code and the data.
-        QVERIFY(QFile::resize(directory.filePath("damaged.dll"_s), 4096));
-
-        const QStringList command = words("plugins --json --board 2 --app-dir %1 --plugins %1")
-                                        .replaceInStrings("%1"_s, directory.path());
-        const Outcome outcome = runHost(command);
-        QCOMPARE(outcome.status, 1);
-        const QByteArray json = outcome.output.join(u'\n').toUtf8();
-        const auto plugins = QJsonDocument::fromJson(json).object().value("plugins"_s).toArray();
-        QCOMPARE(plugins.size(), 6);
-        for (int i = 0; i < 6; ++i) {
-            const QJsonObject plugin = plugins.at(i).toObject();
-            const QString file = directory.filePath(rows[i].file);
-            QCOMPARE(plugin.value("file"_s).toString(), file);
-            QCOMPARE(plugin.value("verdict"_s).toString(), QLatin1String(rows[i].verdict));
-            const QString explanation = plugin.value("explanation"_s).toString();
-            QVERIFY2(explanation.contains(QLatin1String(rows[i].explanation)),
-                     qPrintable(explanation));
-            QCOMPARE(plugin.value("accepted"_s).toBool(), i == 0);
-            QVERIFY(i < 2 || QFile::remove(file));
-        }
-        // The files that cannot be used have been removed.
-        QCOMPARE(runHost(command).status, 0);
     }
 
     void defaultSession()
