@@ -42,7 +42,7 @@ private Q_SLOTS:
 
     void namesItsFiles()
     {
-        // The last one's directory would have to lie in one that there is not.
+        // The directory of the last one cannot be created, since its parent is missing.
         const QString files[][3] = {{marker, "Marker/Marker.ini"_s, "Marker/Marker.cfg"_s},
                                     {QString(), ".ini"_s, ".cfg"_s},
                                     {"x/y"_s, QString(), "x/y/x/y.cfg"_s}};
@@ -223,28 +223,28 @@ private Q_SLOTS:
 
     void survivesBeingKilled()
     {
-        // Enough beside the counter for a half-written file to show.
+        // Large enough to make a half-written file noticeable.
         const QByteArray bulk(50000, 'x');
-        // What stays, at times, of a writer that was killed.
+        // A killed writer can leave an empty lock file.
         writeFile(path("Marker/Marker.ini.lock"_s));
         QElapsedTimer elapsed;
         elapsed.start();
         for (int round = 0; round < 20; ++round) {
             PluginBaseSettings(marker).setValue("bulk"_s, bulk);
-            QVERIFY2(elapsed.restart() < 20000, "waited for a lock that nobody holds");
+            QVERIFY2(elapsed.restart() < 20000, "waited for a lock that no process holds");
 
             QProcess child;
             child.start(QCoreApplication::applicationFilePath(), {"--count"_s, _directory->path()});
-            QByteArray told;
-            // The moment varies, so that the end comes at any point of a call.
-            while (told.count('\n') < 20 + 3 * round) {
+            QByteArray printed;
+            // The time varies, so that the process can end at any point of a call.
+            while (printed.count('\n') < 20 + 3 * round) {
                 QVERIFY(child.waitForReadyRead(20000));
-                told += child.readAll();
+                printed += child.readAll();
             }
             QTest::qSleep(1 + round % 5);
             child.kill();
             QVERIFY(child.waitForFinished());
-            const auto last = (told + child.readAll()).count('\n');
+            const auto last = (printed + child.readAll()).count('\n');
 
             PluginBaseSettings settings(marker);
             const int stored = settings.value(key).toInt();
@@ -264,7 +264,7 @@ int main(int argc, char* argv[])
         tst_plugin_settings test;
         return QTest::qExec(&test, argc, argv);
     }
-    // The child process, which counts in its settings, and ends a line once a number is stored.
+    // The child process counts in its settings and prints a line for each number that is stored.
     Core::Settings::instance().setApplicationDirPath(arguments.value(2));
     PluginBaseSettings settings(marker);
     for (int i = 1;; ++i) {
