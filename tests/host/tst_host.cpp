@@ -574,23 +574,23 @@ log: destruct application.)"_s;
 
     void widgets()
     {
-#ifdef WIDGET_PLUGIN
+#ifdef WINDOW_PLUGIN
         // A machine without a display and a desktop session.
         for (const char* variable :
              {"DISPLAY", "WAYLAND_DISPLAY", "XDG_RUNTIME_DIR", "QT_QPA_PLATFORM"})
             qunsetenv(variable);
         const QTemporaryDir directory;
-        QVERIFY(QFile::copy(QStringLiteral(WIDGET_PLUGIN), directory.filePath("below.dll"_s)));
+        QVERIFY(QFile::copy(QStringLiteral(WINDOW_PLUGIN), directory.filePath("below.dll"_s)));
         for (const char* command : {"plugins", "plugins --profile", "run"}) {
             const Outcome outcome = runHost(
-                words(command) + words("--board 4 --app-dir %1 --plugins %1", directory.path()));
+                words(command) + words("--board 1 --app-dir %1 --plugins %1", directory.path()));
             QCOMPARE(outcome.errors, QStringList());
             QCOMPARE(outcome.status, 0);
             QVERIFY(!outcome.output.filter(QRegularExpression("below.dll .*accepted"_s)).isEmpty());
         }
         qputenv("QT_QPA_PLATFORM", "none such");
         const Outcome outcome =
-            runHost(words("plugins --board 4 --app-dir %1 %1/below.dll", directory.path()));
+            runHost(words("plugins --board 1 --app-dir %1 %1/below.dll", directory.path()));
         qunsetenv("QT_QPA_PLATFORM");
         QCOMPARE(outcome.status, 1);
         QVERIFY(outcome.errors.join(u'\n').contains("platform plugin"_s));

@@ -74,22 +74,6 @@ class tst_netdiag : public QObject
 private Q_SLOTS:
     void init() { Tools::findIn(QStringLiteral(FAKE_TOOL_DIR)); }
 
-    void metaObjects()
-    {
-        const auto described = [](const QMetaObject& meta) {
-            QByteArrayList names{meta.className(), meta.superClass()->className()};
-            for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
-                names += meta.method(i).methodSignature();
-            return names.join(' ');
-        };
-        QCOMPARE(described(PingProcess::staticMetaObject), QByteArray("PingProcess QProcess"));
-        const QMetaObject& trace = TracerouteProcess::staticMetaObject;
-        QCOMPARE(described(trace),
-                 QByteArray("TracerouteProcess QObject readyReadStandardOutput() started() "
-                            "finished() slotOnChanged()"));
-        QCOMPARE(trace.method(trace.methodCount() - 1).access(), QMetaMethod::Protected);
-    }
-
     void ping()
     {
         PingProcess ping;

@@ -5,12 +5,10 @@
 #include <ovcore/Settings.h>
 #include <plugins/PluginBaseSettings.h>
 
-#include <QProcess>
 #include <QSettings>
 #include <QtTest>
 
 #include <atomic>
-#include <cstdio>
 #include <optional>
 #include <thread>
 
@@ -220,58 +218,7 @@ private Q_SLOTS:
         copy.setValue(key, 2);
         QVERIFY(store().contains("text=" + text + '\n'));
     }
-
-    void survivesBeingKilled()
-    {
-        // Large enough to make a half-written file noticeable.
-        const QByteArray bulk(50000, 'x');
-        // A killed writer can leave an empty lock file.
-        writeFile(path("Marker/Marker.ini.lock"_s));
-        QElapsedTimer elapsed;
-        elapsed.start();
-        for (int round = 0; round < 20; ++round) {
-            PluginBaseSettings(marker).setValue("bulk"_s, bulk);
-            QVERIFY2(elapsed.restart() < 20000, "waited for a lock that no process holds");
-
-            QProcess child;
-            child.start(QCoreApplication::applicationFilePath(), {"--count"_s, _directory->path()});
-            QByteArray printed;
-            // The time varies, so that the process can end at any point of a call.
-            while (printed.count('\n') < 20 + 3 * round) {
-                QVERIFY(child.waitForReadyRead(20000));
-                printed += child.readAll();
-            }
-            QTest::qSleep(1 + round % 5);
-            child.kill();
-            QVERIFY(child.waitForFinished());
-            const auto last = (printed + child.readAll()).count('\n');
-
-            PluginBaseSettings settings(marker);
-            const int stored = settings.value(key).toInt();
-            QVERIFY2(stored == last || stored == last + 1,
-                     qPrintable("%1 after %2"_s.arg(stored).arg(last)));
-            QCOMPARE(settings.qSettings().status(), QSettings::NoError);
-            QCOMPARE(settings.value("bulk"_s).toByteArray(), bulk);
-        }
-    }
 };
 
-int main(int argc, char* argv[])
-{
-    QCoreApplication application(argc, argv);
-    const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.value(1) != "--count"_s) {
-        tst_plugin_settings test;
-        return QTest::qExec(&test, argc, argv);
-    }
-    // The child process counts in its settings and prints a line for each number that is stored.
-    Core::Settings::instance().setApplicationDirPath(arguments.value(2));
-    PluginBaseSettings settings(marker);
-    for (int i = 1;; ++i) {
-        settings.setValue(key, i);
-        std::puts("");
-        std::fflush(stdout);
-    }
-}
-
+QTEST_GUILESS_MAIN(tst_plugin_settings)
 #include "tst_plugin_settings.moc"

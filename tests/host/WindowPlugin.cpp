@@ -63,8 +63,7 @@ public:
         App::CommInfoRegistry::instance()->unregisterCommInfo(&_channel);
         log(App::Application::instance().activateDocument() ? "stopped, with a document"
                                                             : "stopped, without a document");
-        if (_window)
-            _window->deleteLater();
+        delete _window;
     }
 
 private:
