@@ -256,7 +256,7 @@ QString fullDisks()
     int saved = 0;
     int stored = 0;
     for (int done = 0; done < all; ++done) {
-        fileSystem.setFreeBlocks(32);
+        fileSystem.setFreeBlocks(SmallFileSystem::enoughBlocks);
         const QByteArray more(1 + 29 * done, 'x');
         const Session session("[Debug]\nfile=true\n");
         Core::Settings& settings = Core::Settings::instance();
@@ -282,7 +282,7 @@ QString fullDisks()
         saved += isSaved;
         stored += full != ini;
 
-        fileSystem.setFreeBlocks(32);
+        fileSystem.setFreeBlocks(SmallFileSystem::enoughBlocks);
         settings.setValue("Soak/count"_s, 2);
         const QByteArray later = contentOf(iniPath);
         require(later.contains(more) && later.contains("count=2"), "a setting is lost");

@@ -1,16 +1,16 @@
 #include <system/SettingsFile.h>
 
 #include <QBasicTimer>
-#include <QDataStream>
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QEvent>
 #include <QFileInfo>
 #include <QLockFile>
 #include <QSettings>
-#include <QStorageInfo>
 #include <QThread>
 #include <QVector>
 
+#include <algorithm>
 #include <filesystem>
 #include <mutex>
 #include <system_error>
@@ -19,38 +19,25 @@ namespace System {
 
 namespace {
 
+/// Guards the list of open files and their use counts.
 std::mutex mutex;
 
-/// Waits while other processes write, and removes the lock file of a process that was killed.
-bool waitForLock(const QString& path)
+/// Waits while other processes write a settings file, and removes the lock file of a process that
+/// was killed. Returns false if the lock file cannot be removed.
+bool waitForLock(const QString& settingsPath)
 {
-    QFileInfo file(path);
-    QLockFile lock(path);
+    QFileInfo file(settingsPath + QLatin1String(".lock"));
+    QLockFile lock(file.filePath());
     // Until a process has locked the file that it created, only the file's age protects it.
     lock.setStaleLockTime(250);
     while (file.exists() && !lock.tryLock()) {
-        // Each write has a lock file of its own, which does not get old.
+        // Each write creates its lock file anew: an old one belongs to a process that is stuck.
         if (qAbs(file.lastModified().msecsTo(QDateTime::currentDateTimeUtc())) > 2000)
             return false;
         QThread::msleep(1);
         file.refresh();
     }
     return true;
-}
-
-/// Returns how many bytes must be free for the second file that `QSettings` writes and renames.
-std::uintmax_t requiredSpace(const QSettings& settings)
-{
-    QByteArray values;
-    QDataStream stream(&values, QIODevice::WriteOnly);
-    const QStringList keys = settings.allKeys();
-    for (const QString& key : keys)
-        stream << key << settings.value(key);
-    // A serialised byte takes up to four in the file. The size of the present file stands for keys
-    // outside of the current group; the blocks are for the lock file and the ends of the files.
-    const QFileInfo file(settings.fileName());
-    const qint64 blocks = 4 * QStorageInfo(file.path()).blockSize();
-    return static_cast<std::uintmax_t>(file.size() + 4 * qint64(values.size()) + blocks);
 }
 
 class SettingsFile : public QSettings
@@ -66,33 +53,27 @@ public:
 #endif
     }
 
+    /// Call it without the mutex, since it may wait for another process.
     bool canBeWritten() const
     {
         std::error_code error;
-        if (std::filesystem::exists(_lockPath, error) &&
-            !waitForLock(fileName() + QLatin1String(".lock")))
-            return false;
-        // Either the directory is missing, or no settings file is that large.
+        return (!std::filesystem::exists(_lockPath, error) || waitForLock(fileName())) && hasRoom();
+    }
+
+    bool hasRoom() const
+    {
+        // QSettings writes a second file and renames it. The reserve is for pending changes.
+        constexpr std::uintmax_t reserve = 1 << 20;
+        std::error_code error;
+        const auto size = static_cast<std::uintmax_t>(QFileInfo(fileName()).size());
         const auto available = std::filesystem::space(_directoryPath, error).available;
-        return error || available > 32 << 20 || available > requiredSpace(*this);
+        return error || available > size + reserve;
     }
 
     int users = 1;
 
 protected:
-    bool event(QEvent* event) override
-    {
-        if (event->type() != QEvent::UpdateRequest && event->type() != QEvent::Timer)
-            return QSettings::event(event);
-        const std::lock_guard<std::mutex> lock(mutex);
-        if (canBeWritten()) {
-            _retryTimer.stop();
-            sync();
-        } else if (!_retryTimer.isActive()) {
-            _retryTimer.start(1000, this);
-        }
-        return true;
-    }
+    bool event(QEvent* event) override;
 
 private:
     const std::filesystem::path _lockPath;
@@ -107,41 +88,90 @@ QVector<SettingsFile*>& openFiles()
     return files;
 }
 
+/// Returns an open file with this path; null if there is none.
+SettingsFile* findOpenFile(const QString& absolutePath)
+{
+    const auto& files = openFiles();
+    const auto file =
+        std::find_if(files.cbegin(), files.cend(), [&absolutePath](const SettingsFile* each) {
+            return each->fileName() == absolutePath;
+        });
+    return file == files.cend() ? nullptr : *file;
+}
+
+bool SettingsFile::event(QEvent* event)
+{
+    if (event->type() != QEvent::UpdateRequest && event->type() != QEvent::Timer)
+        return QSettings::event(event);
+    if (!canBeWritten()) {
+        if (!_retryTimer.isActive())
+            _retryTimer.start(1000, this);
+        return true;
+    }
+    _retryTimer.stop();
+    const std::lock_guard<std::mutex> lock(mutex);
+    sync();
+    if (users == 0 && openFiles().removeOne(this))
+        deleteLater();
+    return true;
+}
+
 } // namespace
 
 QSettings* openSettings(const QString& path)
 {
-    const std::lock_guard<std::mutex> lock(mutex);
     const QString absolutePath = QFileInfo(path).absoluteFilePath();
-    for (SettingsFile* file : openFiles()) {
-        if (file->fileName() != absolutePath)
-            continue;
-        if (!file->canBeWritten()) {
-            ++file->users;
-            return file;
+    std::unique_lock<std::mutex> lock(mutex);
+    if (findOpenFile(absolutePath)) {
+        lock.unlock();
+        const bool isLockable = waitForLock(absolutePath);
+        lock.lock();
+        // Another thread may have closed the file meanwhile.
+        if (SettingsFile* file = findOpenFile(absolutePath)) {
+            if (!isLockable || !file->hasRoom()) {
+                ++file->users;
+                return file;
+            }
+            // The constructor would write the changes before the encoding is set.
+            file->sync();
         }
-        // A constructor that writes the changes of this object does not know the encoding yet.
-        file->allKeys();
     }
-    openFiles().append(new SettingsFile(path));
+    openFiles().append(new SettingsFile(absolutePath));
     return openFiles().last();
 }
 
 void syncSettings(QSettings& settings)
 {
-    const std::lock_guard<std::mutex> lock(mutex);
-    if (static_cast<SettingsFile&>(settings).canBeWritten())
+    if (static_cast<SettingsFile&>(settings).canBeWritten()) {
+        const std::lock_guard<std::mutex> lock(mutex);
         settings.sync();
+    }
 }
 
 void closeSettings(QSettings* settings)
 {
     auto* file = static_cast<SettingsFile*>(settings);
-    const std::lock_guard<std::mutex> lock(mutex);
-    if (!file || --file->users > 0 || !file->canBeWritten())
+    if (!file)
         return;
-    openFiles().removeOne(file);
-    delete file;
+    const bool isWritable = file->canBeWritten();
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (--file->users > 0)
+        return;
+    if (isWritable) {
+        // Another thread may have reset the flag by which the destructor knows of changes.
+        file->sync();
+        openFiles().removeOne(file);
+        if (file->thread() == QThread::currentThread())
+            delete file;
+        else
+            file->deleteLater();
+        return;
+    }
+    while (!file->group().isEmpty())
+        file->endGroup();
+    // The event loop of this thread may end before the file can be written.
+    if (QCoreApplication::instance() && file->thread() == QThread::currentThread())
+        file->moveToThread(QCoreApplication::instance()->thread());
 }
 
 } // namespace System

@@ -17,12 +17,13 @@ namespace System {
 OVSYSTEM_EXPORT QSettings* openSettings(const QString& path);
 
 /// Writes the changes to an object of `openSettings`, and reads those of other processes. Does
-/// nothing if the disk has no room for the file, or if the lock file of another process cannot be
-/// removed, for which `QSettings::sync` would wait forever.
+/// nothing if the free space on the disk does not exceed the size of the file by 1 MiB, or if the
+/// lock file of another process cannot be removed, for which `QSettings::sync` would wait forever.
 OVSYSTEM_EXPORT void syncSettings(QSettings& settings);
 
 /// Writes the changes and deletes the object. Changes that cannot be written remain in memory, for
-/// the event loop and for the next caller of `openSettings`. Does nothing with null.
+/// the event loop of the main thread and for the next caller of `openSettings`. Does nothing with
+/// null.
 OVSYSTEM_EXPORT void closeSettings(QSettings* settings);
 
 } // namespace System

@@ -138,8 +138,9 @@ private Q_SLOTS:
         const auto open = [&]() -> Settings& { return openSettings(fileSystem.filePath(""_s)); };
         int written = 0;
         for (const QByteArray& before : {QByteArray("[Group]\na=1\nb=2\n"), QByteArray()}) {
-            for (int freeBlocks = 0; freeBlocks < 32; ++freeBlocks) {
-                fileSystem.setFreeBlocks(32);
+            // From a full disk to one with few blocks, and around the reserve that is kept free.
+            for (int freeBlocks = 0; freeBlocks < 272; freeBlocks += freeBlocks == 15 ? 225 : 1) {
+                fileSystem.setFreeBlocks(SmallFileSystem::enoughBlocks);
                 QFile::remove(path);
                 if (!before.isEmpty())
                     writeFile(path, before);
@@ -164,15 +165,15 @@ private Q_SLOTS:
                 QCOMPARE(open().value("Group/c"_s).toString(), longValue);
                 QVERIFY(isComplete());
 
-                fileSystem.setFreeBlocks(32);
-                if (freeBlocks % 8 != 0)
+                fileSystem.setFreeBlocks(SmallFileSystem::enoughBlocks);
+                if (freeBlocks != 0)
                     Settings::instance().setValue("Group/d"_s, 4);
                 QTRY_VERIFY(isWritten());
                 Settings::destruct();
                 QVERIFY(isWritten());
             }
         }
-        QVERIFY(written > 0 && written < 32);
+        QVERIFY(written > 0 && written < 64);
         QCOMPARE(QDir(fileSystem.filePath(QString())).entryList(QDir::Files),
                  words("filler ovapp.ini"));
 #else

@@ -136,7 +136,7 @@ private Q_SLOTS:
         const QString file = fileSystem.filePath("Marker/Marker.ini"_s);
         const QByteArray before = "[General]\nold=1\n";
         for (int freeBlocks = 0; freeBlocks < 8; ++freeBlocks) {
-            fileSystem.setFreeBlocks(16);
+            fileSystem.setFreeBlocks(SmallFileSystem::enoughBlocks);
             writeFile(file, before);
             std::optional<PluginBaseSettings> settings(marker);
             fileSystem.setFreeBlocks(freeBlocks);
@@ -150,8 +150,10 @@ private Q_SLOTS:
                     (PluginBaseSettings() = *settings).setValue("assigned"_s, 1);
                 else if (step == "set"_s)
                     settings->setValue("set"_s, 1);
-                else
+                else {
+                    settings->qSettings().beginGroup("Left"_s);
                     settings.emplace(marker);
+                }
                 const QByteArray content = contentOf(file);
                 QVERIFY2(content == before ||
                              (content.contains("\nold=1\n") &&
@@ -160,7 +162,7 @@ private Q_SLOTS:
                 QCOMPARE(settings->value(key), QVariant(step));
             }
             std::optional<PluginBaseSettings> copy(*settings);
-            fileSystem.setFreeBlocks(16);
+            fileSystem.setFreeBlocks(SmallFileSystem::enoughBlocks);
             copy.reset();
             settings->setValue("last"_s, 1);
             QCOMPARE(contentOf(file),
@@ -187,7 +189,11 @@ private Q_SLOTS:
         const auto storeValues = [&](const QString& thread) {
             PluginBaseSettings settings(marker);
             for (int i = 0; i < perThread; ++i) {
+                // Opening and closing a file must leave the group of another thread alone.
+                const PluginBaseSettings other(settings);
+                settings.qSettings().beginGroup(thread);
                 settings.qSettings().setValue("first%1_%2"_s.arg(thread).arg(i % 10), i);
+                settings.qSettings().endGroup();
                 settings.setValue("second%1_%2"_s.arg(thread).arg(i % 10), i);
 #ifndef Q_OS_WIN
                 // On Windows, the file cannot be replaced while it is read.
@@ -206,13 +212,13 @@ private Q_SLOTS:
         QCOMPARE(lost, 0);
     }
 
-    /// The constructor of a second store writes the changes of the first.
+    /// Opening the file again writes the changes, together with those of another process.
     void keepsEncoding()
     {
         const QByteArray text = "b\xc3\xb6se";
-        writeFile(path("Marker/Marker.ini"_s), "[General]\ntext=" + text + '\n');
         PluginBaseSettings settings(marker);
         settings.qSettings().setValue(key, 1);
+        writeFile(path("Marker/Marker.ini"_s), "[General]\ntext=" + text + '\n');
         PluginBaseSettings copy(settings);
         QCOMPARE(copy.value("text"_s).toString().toUtf8(), text);
         copy.setValue(key, 2);

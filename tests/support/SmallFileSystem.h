@@ -10,8 +10,8 @@
 #include <sched.h>
 #include <sys/mount.h>
 
-/// A file system of 64 blocks in memory, mounted for this process while the object exists. Mounting
-/// requires a permission.
+/// A file system of 1024 blocks in memory, mounted for this process while the object exists.
+/// Mounting requires a permission.
 class SmallFileSystem
 {
 public:
@@ -19,7 +19,7 @@ public:
     {
         _isMounted = ::unshare(CLONE_NEWNS) == 0 &&
                      ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-                     ::mount("none", _path.c_str(), "tmpfs", 0, "nr_blocks=64") == 0;
+                     ::mount("none", _path.c_str(), "tmpfs", 0, "nr_blocks=1024") == 0;
     }
     SmallFileSystem(const SmallFileSystem&) = delete;
     SmallFileSystem& operator=(const SmallFileSystem&) = delete;
@@ -28,6 +28,9 @@ public:
         if (_isMounted)
             ::umount2(_path.c_str(), MNT_DETACH);
     }
+
+    /// With so many blocks free, small settings files are written.
+    static constexpr int enoughBlocks = 512;
 
     bool isMounted() const { return _isMounted; }
     QString filePath(const QString& name) const { return _directory.filePath(name); }
