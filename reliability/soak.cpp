@@ -244,7 +244,7 @@ QString kills(int all)
                .arg(slowest);
 }
 
-/// Writes to a file system with 0, 1, 2, ... free blocks.
+/// Writes to a file system with 0, 1, 2, ... free blocks, or with about the reserve for settings.
 QString fullDisks()
 {
     constexpr int all = 300;
@@ -270,7 +270,7 @@ QString fullDisks()
         require(document.open(path), "a document cannot be opened");
         setCounts(document, 2);
 
-        fileSystem.setFreeBlocks(done % 16);
+        fileSystem.setFreeBlocks(done % 16 + done % 2 * 248);
         const bool isSaved = document.save();
         settings.setValue("Soak/more"_s, more);
         QCoreApplication::processEvents();
