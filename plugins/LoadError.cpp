@@ -1,6 +1,8 @@
 #include <plugins/LoadError.h>
 
-#include <QFile>
+#include <system/LibraryFile.h>
+
+#include <QByteArray>
 #include <QPluginLoader>
 
 namespace App {
@@ -11,12 +13,8 @@ namespace {
 /// otherwise 0. Searches the file for the names of the libraries that it links to.
 int otherQtOf(const QString& file)
 {
-    QFile library(file);
-    if (!library.open(QIODevice::ReadOnly))
-        return 0;
-    const QByteArray content = library.readAll();
-    const auto needs = [&content](int qt) {
-        return content.contains("Qt" + QByteArray::number(qt) + "Core");
+    const auto needs = [&file](int qt) {
+        return System::fileContains(file, "Qt" + QByteArray::number(qt) + "Core");
     };
     if (needs(QT_VERSION_MAJOR))
         return 0;

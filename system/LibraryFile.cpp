@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string_view>
 #include <vector>
 
 #ifdef Q_OF_ELF
@@ -196,5 +197,19 @@ QString libraryFileError(const QString&)
 }
 
 #endif
+
+bool fileContains(const QString& path, const char* text)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    // Mapped, since the file may be large.
+    const uchar* const content = file.map(0, file.size());
+    if (!content)
+        return false;
+    const std::string_view view(reinterpret_cast<const char*>(content),
+                                static_cast<std::size_t>(file.size()));
+    return view.find(text) != std::string_view::npos;
+}
 
 } // namespace System

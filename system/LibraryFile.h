@@ -15,4 +15,9 @@ namespace System {
 /// the file is not a library, only its header is read. May be called from any thread.
 OVSYSTEM_EXPORT QString libraryFileError(const QString& path);
 
+/// Returns whether a file contains a text, such as the name of a library that it is linked to.
+/// Returns false if the file cannot be mapped into memory. Call it only for files that
+/// `libraryFileError` does not reject. May be called from any thread.
+OVSYSTEM_EXPORT bool fileContains(const QString& path, const char* text);
+
 } // namespace System

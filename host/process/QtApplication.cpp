@@ -2,9 +2,10 @@
 
 #include "process/Output.h"
 
+#include <system/LibraryFile.h>
+
 #include <QByteArray>
 #include <QCoreApplication>
-#include <QFile>
 
 #include <algorithm>
 
@@ -21,12 +22,11 @@ QtApplication* theApplication = nullptr;
 /// Whether the file names Qt Gui or Qt Widgets, as a library does that is linked to them.
 bool needsGui(const QString& pluginFile)
 {
-    QFile file(pluginFile);
-    if (!file.open(QIODevice::ReadOnly))
+    if (!System::libraryFileError(pluginFile).isEmpty())
         return false;
-    const QByteArray content = file.readAll();
     const QByteArray prefix = "Qt" + QByteArray::number(QT_VERSION_MAJOR);
-    return content.contains(prefix + "Gui") || content.contains(prefix + "Widgets");
+    return System::fileContains(pluginFile, prefix + "Gui") ||
+           System::fileContains(pluginFile, prefix + "Widgets");
 }
 
 #ifdef OVAPP_HOST_WIDGETS

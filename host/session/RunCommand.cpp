@@ -16,6 +16,7 @@
 #include <events/SwitchScreenLayoutEvent.h>
 #include <ovcore/BoardEthDescHandler.h>
 #include <ovcore/ConsoleSingleton.h>
+#include <ovcore/Settings.h>
 #include <ovdoc/DocObject.h>
 #include <ovdoc/Document.h>
 #include <ovdoc/Storage.h>
@@ -26,7 +27,6 @@
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QDir>
-#include <QDirIterator>
 #include <QEventLoop>
 #include <QTimer>
 
@@ -210,13 +210,10 @@ void unloadPlugins(SessionProgress& progress)
 /// Creates the application object of Qt that the plug-ins need.
 void prepareForPlugins(const QString& directory)
 {
-    QStringList files;
-    QDirIterator entries(directory, QStringList(QLatin1String("*.") + PluginLoader::pluginSuffix()),
-                         QDir::Files, QDirIterator::Subdirectories | QDirIterator::FollowSymlinks);
-    while (entries.hasNext())
-        files << entries.next();
+    Core::Settings::instance().setPluginDirPath(directory);
+    const QStringList files = PluginLoader::pluginFiles();
     QtApplication::prepareFor(files);
-    for (const QString& file : qAsConst(files)) {
+    for (const QString& file : files) {
         const QString error = QtApplication::widgetsError(file);
         if (!error.isEmpty())
             warn(quoted(file) + QLatin1String(": ") + error);
