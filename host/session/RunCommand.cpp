@@ -78,31 +78,38 @@ void changeDocument(Doc::Document* document, SessionReceiver& receiver)
 }
 
 /// Keeps the channels started until an interrupt if `stay` is true, otherwise for some heartbeats.
-void runChannels(bool stay, EventPrinter& printer)
+/// Returns the exit code.
+int runChannels(bool stay, EventPrinter& printer)
 {
     App::CommInfoRegistry& channels = *App::CommInfoRegistry::instance();
     HeartbeatChannel heartbeat(printer, std::chrono::milliseconds(stay ? 1000 : 20));
     channels.registerCommInfo(&heartbeat);
     channels.start();
     QEventLoop loop;
+    bool isEnded = false;
+    const auto end = [&loop, &isEnded] {
+        isEnded = true;
+        loop.quit();
+    };
     std::optional<InterruptWatcher> watcher;
     QTimer readerTimer;
     if (stay) {
         printer.print(host, QStringLiteral("keeps the channels started until Ctrl+C"));
-        watcher.emplace([&loop] { loop.quit(); });
-        QObject::connect(&readerTimer, &QTimer::timeout, &loop, [&loop] {
+        watcher.emplace(end);
+        QObject::connect(&readerTimer, &QTimer::timeout, &loop, [&end] {
             // The reader of the output has ended.
             if (std::ferror(stdout))
-                loop.quit();
+                end();
         });
         readerTimer.start(1000);
     } else {
-        QTimer::singleShot(70, &loop, &QEventLoop::quit);
+        QTimer::singleShot(70, &loop, end);
     }
     loop.exec();
     watcher.reset();
     channels.stop();
     channels.unregisterCommInfo(&heartbeat);
+    return isEnded ? Success : fail(Failure, QStringLiteral("a plug-in has ended the event loop"));
 }
 
 /// The path of a plug-in file as the session shows it.
@@ -153,10 +160,9 @@ int useDocument(const QString& path, bool stay, SessionReceiver& receiver,
     QCoreApplication::processEvents();
 
     progress.beginStep(QStringLiteral("starts and stops the channels"));
-    runChannels(stay, progress.printer());
+    int exitCode = runChannels(stay, progress.printer());
 
     progress.beginStep(QStringLiteral("reverts the document to the file's content"));
-    int exitCode = Success;
     auto onDisk = std::make_unique<Doc::Document>(new Doc::Storage);
     if (onDisk->open(path))
         application.setActivateDocument(onDisk.release());

@@ -6,6 +6,7 @@
 #include <registries/ExtendPluginInfo.h>
 #include <registries/ExtendPluginRegistry.h>
 
+#include <QCoreApplication>
 #include <QObject>
 #include <QTimer>
 
@@ -24,6 +25,20 @@
 
 /// When and how the plug-in fails. Tests replace this text in copies of the file.
 static const volatile char wayOfFailing[] = "how, and at which moment";
+
+static QByteArray wayOf()
+{
+    QByteArray way;
+    for (const volatile char& letter : wayOfFailing)
+        way += letter;
+    return way;
+}
+
+[[maybe_unused]] static const bool isInitialised = [] {
+    if (wayOf().startsWith("initialised throw"))
+        throw std::runtime_error("of no use");
+    return true;
+}();
 
 class Extension : public App::ExtendPluginInfo
 {
@@ -63,14 +78,6 @@ public:
     }
 
 private:
-    static QByteArray wayOf()
-    {
-        QByteArray way;
-        for (const volatile char& letter : wayOfFailing)
-            way += letter;
-        return way;
-    }
-
     void registerAll()
     {
         App::CommInfoRegistry::instance()->registerCommInfo(&_channel);
@@ -113,6 +120,8 @@ private:
             throw std::runtime_error("of no use");
         if (way.contains("_exit"))
             std::_Exit(0);
+        if (way.contains("quit"))
+            QCoreApplication::exit();
         if (way.contains("exit"))
             std::thread([] { std::exit(3); }).join();
 #ifdef Q_OS_UNIX

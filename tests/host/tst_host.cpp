@@ -668,10 +668,11 @@ log: destruct application.)"_s;
 #else
         writeFile(directory.filePath("c.dll"_s), "text");
 #endif
-        writeFile(directory.filePath("d.dll"_s), failingPlugin(""));
+        writeFile(directory.filePath("d.dll"_s), failingPlugin("started quit"));
         const Outcome outcome =
             runHost(words("run --board 4 --app-dir %1 --plugins %1", directory.path()));
-        QCOMPARE(outcome.status, 0);
+        QCOMPARE(outcome.errors, QStringList("ovapp-host: a plug-in has ended the event loop"_s));
+        QCOMPARE(outcome.status, 1);
         QStringList lines = outcome.output.filter(".dll"_s);
         lines.replaceInStrings(QRegularExpression("^ *[0-9]+ ms  (host +)?"_s), QString());
         lines = lines.filter(QRegularExpression("^(?!log)"_s));
