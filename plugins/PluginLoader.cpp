@@ -223,8 +223,10 @@ PluginRecord PluginLoader::recordOf(const QString& file, QPluginLoader& loader)
         return record;
     loader.setFileName(file);
     loader.setLoadHints(loader.loadHints() | QLibrary::ResolveAllSymbolsHint);
+    // An exception must not leave the system's loader, which would keep its lock.
+    const auto load = [&loader]() noexcept { return loader.load(); };
     // Without load(), instance() adds no reference to a file that another loader has loaded.
-    if (loader.load()) {
+    if (load()) {
         record.reason =
             callPlugin(file, "its constructor", [&] { record.rootObject = loader.instance(); });
     }

@@ -696,6 +696,10 @@ log: destruct application.)"_s;
         QTest::newRow("exit")
             << QByteArray("started exit")
             << "a call of exit while the host loads and starts failing.dll (1 of 1)";
+        QTest::newRow("static object")
+            << QByteArray("initialised throw")
+            << "an uncaught exception (of no use) while the host loads and starts failing.dll "
+               "(1 of 1)";
         QTest::newRow("exception") << QByteArray("later throw")
                                    << "an uncaught exception (of no use) while the host runs "
                                       "the event loop";
