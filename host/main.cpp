@@ -18,7 +18,7 @@ int main(int argc, char** argv)
     QCoreApplication::setApplicationName(QStringLiteral("ovapp-host"));
     QCoreApplication::setApplicationVersion(QString::fromUtf8(Core::Version::versionString()));
     const int exitCode = Host::runCommand(QCoreApplication::arguments());
-    if (exitCode == Host::Success && std::ferror(stdout))
+    if (std::ferror(stdout))
         return Host::fail(Host::Failure, QStringLiteral("cannot write to standard output"));
     return exitCode;
 }

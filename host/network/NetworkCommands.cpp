@@ -112,7 +112,6 @@ int runPing(const QString& host, int count)
 {
     PingProcess process;
     QEventLoop loop;
-    bool isStarted = true;
     QByteArray errorOutput;
     QObject::connect(&process, &QProcess::readyReadStandardOutput, &loop, [&] {
         if (!printOutput(process.readAllStandardOutput()))
@@ -120,33 +119,35 @@ int runPing(const QString& host, int count)
     });
     QObject::connect(&process, &QProcess::readyReadStandardError, &loop,
                      [&] { errorOutput += process.readAllStandardError(); });
-    QObject::connect(&process, &QProcess::errorOccurred, &loop, [&](QProcess::ProcessError error) {
-        isStarted = isStarted && error != QProcess::FailedToStart;
-        if (!isStarted)
+    QObject::connect(&process, &QProcess::stateChanged, &loop, [&](QProcess::ProcessState state) {
+        if (state == QProcess::NotRunning)
             loop.quit();
     });
-    QObject::connect(&process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), &loop,
-                     &QEventLoop::quit);
     // At the first interrupt the tool prints its summary; a second one ends it.
-    const InterruptWatcher watcher([&process, interrupted = false]() mutable {
-        if (interrupted)
+    bool isInterrupted = false;
+    const InterruptWatcher watcher([&] {
+        if (isInterrupted)
             process.kill();
         else
             System::interruptProcess(process.processId());
-        interrupted = true;
+        isInterrupted = true;
     });
 
     process.setCount(count);
     process.doPing(host);
-    if (isStarted)
+    if (process.state() != QProcess::NotRunning)
         loop.exec();
-    if (!isStarted)
+    if (process.error() == QProcess::FailedToStart)
         return reportStartFailure(QStringLiteral("ping"), QLatin1String(SystemTools::ping),
                                   QStringLiteral("iputils-ping"), process.errorString());
-    if (process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0)
-        return Success;
+    if (std::ferror(stdout))
+        return Success; // main() reports the error
     if (process.exitStatus() == QProcess::CrashExit)
         return fail(Failure, QStringLiteral("the ping tool was terminated"));
+    if (process.exitCode() == 0)
+        return Success;
+    if (isInterrupted)
+        return fail(Failure, QStringLiteral("interrupted"));
     errorOutput = errorOutput.trimmed();
     return fail(Failure, errorOutput.isEmpty()
                              ? QStringLiteral("%1 did not answer").arg(quoted(host))

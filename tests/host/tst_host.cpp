@@ -293,6 +293,9 @@ log: destruct application.)"_s;
         using Signals = QList<int>;
         QTest::newRow("ping") << "ping endless"
                               << "endless" << Signals{SIGINT} << "summary" << 0 << "";
+        QTest::newRow("ping without a reply")
+            << "ping late"
+            << "late" << Signals{SIGINT} << "summary" << 1 << "ovapp-host: interrupted";
         QTest::newRow("ping that ignores interrupts")
             << "ping stubborn"
             << "stubborn" << Signals{SIGINT, SIGTERM} << "stubborn" << 1 << "ping tool";
@@ -352,6 +355,10 @@ log: destruct application.)"_s;
         const QStringList written("ovapp-host: cannot write to standard output"_s);
         QTest::newRow("full") << R"(("$@"; echo $? >&2) >/dev/full)"
                               << "--version" << written;
+        QTest::newRow("full after a failure")
+            << R"(("$@"; echo $? >&2) >/dev/full)"
+            << "run --app-dir %1 --plugins %1 --document none"
+            << QStringList("ovapp-host: cannot open 'none': there is no such file"_s) + written;
         const QString unread = R"(("$@"; echo $? >&2) | :)"_s;
         QTest::newRow("unread ping") << unread << "ping --count 0 late" << written;
         QTest::newRow("unread trace") << unread << "trace late" << written;

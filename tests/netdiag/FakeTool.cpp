@@ -48,5 +48,5 @@ int main(int argc, char* argv[])
         waitForInterrupt(30s);
         printLine(stdout, "summary");
     }
-    return is("unanswered") ? 1 : 0;
+    return is("unanswered") || is("late") ? 1 : 0;
 }
