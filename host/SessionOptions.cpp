@@ -51,10 +51,13 @@ std::optional<int> SessionOptions::parse(QCommandLineParser& parser, const QStri
     if (parser.isSet(_boardOption)) {
         bool isNumber = false;
         const QString type = parser.value(_boardOption);
-        _boardType = type.toInt(&isNumber, type.startsWith(QLatin1String("0x")) ? 16 : 10);
+        // Hexadecimal numbers are masks, in which every bit can be set.
+        _boardType = type.startsWith(QLatin1String("0x"), Qt::CaseInsensitive)
+                         ? static_cast<int>(type.toUInt(&isNumber, 16))
+                         : type.toInt(&isNumber);
         if (!isNumber) {
-            return fail(UsageError, QStringLiteral("--board: %1 is not a 32-bit integer")
-                                        .arg(quoted(parser.value(_boardOption))));
+            return fail(UsageError,
+                        QStringLiteral("--board: %1 is not a 32-bit integer").arg(quoted(type)));
         }
     }
     return std::nullopt;

@@ -13,6 +13,8 @@
 #include <QJsonObject>
 #include <QRegularExpression>
 
+#include <limits>
+
 #ifdef Q_OS_UNIX
 #include <csignal>
 #include <signal.h>
@@ -455,15 +457,15 @@ log: destruct application.)"_s;
              "pluginID() threw an exception: of no use"}};
         for (const auto& row : rows)
             writeFile(directory.filePath(row.file), row.content);
-        const QStringList command =
-            words("plugins --profile --json --timeout 4 --board 0x4 --app-dir %1 --plugins %1",
-                  directory.path());
+        const QStringList command = words(
+            "plugins --profile --json --timeout 4 --board 0X80000004 --app-dir %1 --plugins %1",
+            directory.path());
         const Outcome outcome = runHost(command);
         QCOMPARE(outcome.status, 1);
         QCOMPARE(outcome.errors.last(), "ovapp-host: 10 of 13 plug-in files cannot be used"_s);
         const QJsonObject json = jsonOf(outcome);
         QCOMPARE(json.value("directory"_s).toString(), directory.path());
-        QCOMPARE(json.value("board"_s).toInt(), 4);
+        QCOMPARE(json.value("board"_s).toInt(), std::numeric_limits<int>::min() + 4);
         const QJsonArray plugins = json.value("plugins"_s).toArray();
         QCOMPARE(plugins.size(), 13);
         for (int i = 0; i < plugins.size(); ++i) {
