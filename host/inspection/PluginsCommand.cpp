@@ -146,7 +146,7 @@ void printTable(const Reports& reports, const QStringList& names, bool isProfile
                 << report.time(QStringLiteral("stop_ms"));
         }
         row << report.text(QStringLiteral("explanation"));
-        std::transform(row.cbegin(), row.cend(), row.begin(), escapeControlCharacters);
+        std::transform(row.cbegin(), row.cend(), row.begin(), escapeNonPrintable);
         rows.push_back(row);
     }
 

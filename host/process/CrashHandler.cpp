@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <exception>
+#include <vector>
 
 #ifdef Q_OS_WIN
 #include <qt_windows.h>
@@ -23,14 +24,17 @@ namespace {
 /// The end of the message; null if there is no activity. A crash may occur anywhere, so the
 /// handlers use only data that exists before.
 std::atomic<const QByteArray*> activityText{nullptr};
-#ifndef Q_OS_WIN
+std::terminate_handler previousTerminateHandler = nullptr;
+#ifdef Q_OS_WIN
+using SignalAction = void (*)(int);
+LPTOP_LEVEL_EXCEPTION_FILTER previousFilter = nullptr;
+#else
+using SignalAction = struct sigaction;
 /// The process that created the handler. The handler does not affect its forked children.
 pid_t handledProcess = 0;
 #endif
-std::terminate_handler previousTerminateHandler = nullptr;
-#ifdef Q_OS_WIN
-LPTOP_LEVEL_EXCEPTION_FILTER previousFilter = nullptr;
-#endif
+/// Those of the fatal signals, in their order.
+std::vector<SignalAction> previousActions;
 
 void writeError(const char* text, std::size_t size)
 {
@@ -98,15 +102,27 @@ void setAlternateStack()
 }
 #endif
 
-void setHandler(int signal)
+SignalAction ownAction()
 {
 #ifdef Q_OS_WIN
-    std::signal(signal, handleSignal);
+    return handleSignal;
 #else
-    struct sigaction action = {};
+    SignalAction action = {};
     action.sa_handler = handleSignal;
     action.sa_flags = SA_ONSTACK;
-    ::sigaction(signal, &action, nullptr);
+    return action;
+#endif
+}
+
+/// Sets the action and returns the previous one.
+SignalAction setAction(int signal, SignalAction action)
+{
+#ifdef Q_OS_WIN
+    return std::signal(signal, action);
+#else
+    SignalAction previous = {};
+    ::sigaction(signal, &action, &previous);
+    return previous;
 #endif
 }
 
@@ -118,7 +134,7 @@ CrashHandler::CrashHandler()
     previousTerminateHandler = std::set_terminate([] {
         if (isForkedChild())
             std::abort();
-        reportAndExit(escapeControlCharacters(describeCurrentException()).toUtf8());
+        reportAndExit(escapeNonPrintable(describeCurrentException()).toUtf8());
     });
 #ifdef Q_OS_WIN
     previousFilter = SetUnhandledExceptionFilter(
@@ -128,14 +144,15 @@ CrashHandler::CrashHandler()
     setAlternateStack();
 #endif
     for (const FatalSignal* signal = fatalSignals; signal->name; ++signal)
-        setHandler(signal->number);
+        previousActions.push_back(setAction(signal->number, ownAction()));
 }
 
 CrashHandler::~CrashHandler()
 {
     activityText = nullptr;
-    for (const FatalSignal* signal = fatalSignals; signal->name; ++signal)
-        std::signal(signal->number, SIG_DFL);
+    for (std::size_t i = 0; i < previousActions.size(); ++i)
+        setAction(fatalSignals[i].number, previousActions[i]);
+    previousActions.clear();
 #ifdef Q_OS_WIN
     SetUnhandledExceptionFilter(previousFilter);
 #endif
@@ -145,7 +162,7 @@ CrashHandler::~CrashHandler()
 void CrashHandler::setActivity(const QString& activity)
 {
     activityText = nullptr;
-    _text = QStringLiteral(" while %1\n").arg(escapeControlCharacters(activity)).toUtf8();
+    _text = QStringLiteral(" while %1\n").arg(escapeNonPrintable(activity)).toUtf8();
     activityText = &_text;
 }
 

@@ -14,7 +14,7 @@ public:
     CrashHandler();
     CrashHandler(const CrashHandler&) = delete;
     CrashHandler& operator=(const CrashHandler&) = delete;
-    /// Restores the system's handling of crashes.
+    /// Restores the previous handling of crashes.
     ~CrashHandler();
 
     /// Sets the current activity, in words that follow "while". Nothing is printed before the first

@@ -17,13 +17,13 @@ void print(std::FILE* file, const QString& text)
 
 int fail(ExitCode exitCode, const QString& message)
 {
-    print(stderr, programName + QLatin1String(": ") + escapeControlCharacters(message));
+    print(stderr, programName + QLatin1String(": ") + escapeNonPrintable(message));
     return exitCode;
 }
 
 void warn(const QString& message)
 {
-    print(stderr, programName + QLatin1String(": warning: ") + escapeControlCharacters(message));
+    print(stderr, programName + QLatin1String(": warning: ") + escapeNonPrintable(message));
 }
 
 QString quoted(const QString& text)
@@ -31,11 +31,15 @@ QString quoted(const QString& text)
     return QLatin1Char('\'') + text + QLatin1Char('\'');
 }
 
-QString escapeControlCharacters(const QString& text)
+QString escapeNonPrintable(const QString& text)
 {
     QString result;
     for (const QChar character : text) {
-        if (character.category() == QChar::Other_Control)
+        // Characters outside the basic plane are pairs of surrogates. For Qt, the separators of
+        // lines and paragraphs are printable.
+        const bool isPrintable = character.isSurrogate() || character.isPrint();
+        if (!isPrintable || character.category() == QChar::Separator_Line ||
+            character.category() == QChar::Separator_Paragraph)
             result += QStringLiteral("\\x%1").arg(character.unicode(), 2, 16, QLatin1Char('0'));
         else
             result += character;

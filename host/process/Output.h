@@ -24,16 +24,16 @@ const QLatin1String executableName(OVAPP_HOST_NAME);
 bool write(std::FILE* file, const QByteArray& bytes);
 /// Writes a line, encoded in UTF-8.
 void print(std::FILE* file, const QString& text);
-/// Prints an error message on standard error and returns the exit code. Control characters in the
-/// message are escaped, so that it is one line.
+/// Prints an error message on standard error and returns the exit code. Characters that are
+/// not printable are escaped, so that the message is one line.
 int fail(ExitCode exitCode, const QString& message);
 /// Prints a warning on standard error, in the same way.
 void warn(const QString& message);
 
 /// Returns a text of the user's in quotes, as messages show it.
 QString quoted(const QString& text);
-/// Returns a text with its control characters escaped, so that it is one line and cannot control a
-/// terminal.
-QString escapeControlCharacters(const QString& text);
+/// Returns a text with the characters escaped that are not printable, so that it is one line and
+/// cannot control a terminal.
+QString escapeNonPrintable(const QString& text);
 
 } // namespace Host

@@ -18,7 +18,7 @@ void EventPrinter::print(const QString& source, const QString& description)
                              .arg(_elapsed.elapsed(), 5)
                              .arg(source, -24)
                              .arg(description);
-    Host::print(stdout, escapeControlCharacters(text));
+    Host::print(stdout, escapeNonPrintable(text));
 }
 
 void EventPrinter::write(Severity severity, const QByteArray& line)

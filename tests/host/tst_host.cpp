@@ -96,7 +96,8 @@ log: destruct application.)"_s;
 #ifdef Q_OS_UNIX
         QTest::newRow("FIFO") << "fifo" << QByteArray() << "regular file";
 #endif
-        QTest::newRow("name of two lines") << "a\nb" << QByteArray() << "a\\x0ab";
+        QTest::newRow("name that controls the terminal")
+            << "a\nb\u202e\u2028\U0001f600" << QByteArray() << "a\\x0ab\\x202e\\x2028\U0001f600";
         // This file can be opened, but not even root can read it.
         QTest::newRow("unreadable") << "/proc/self/mem" << QByteArray() << "Input/output error";
     }
