@@ -25,7 +25,7 @@ enum class PluginVerdict
     Exception
 };
 
-/// What `PluginLoader` knows about one plug-in file, for example for a dialog that lists them. A
+/// The result of loading one plug-in file, for example for a dialog that lists them. A
 /// copy remains valid when the plug-in is unloaded. Main thread only.
 struct PluginRecord
 {

@@ -186,7 +186,7 @@ void loadPlugins(SessionProgress& progress)
     });
     PluginLoader::loadPlugins(true);
     PluginLoader::setProgressHandler(nullptr);
-    progress.beginStep(QStringLiteral("has loaded the plug-ins"));
+    progress.beginStep(QStringLiteral("lists the plug-ins"));
     const QList<App::PluginRecord> records = PluginLoader::records();
     for (const App::PluginRecord& record : records) {
         QString result = relativePluginPath(record.filePath);
@@ -233,7 +233,7 @@ int useApplication(const QString& document, bool stay, SessionProgress& progress
     SessionReceiver receiver(progress.printer());
     QCoreApplication::instance()->installEventFilter(&receiver);
     loadPlugins(progress);
-    progress.beginStep(QStringLiteral("has completed its own start-up"));
+    progress.beginStep(QStringLiteral("completes its start-up"));
     App::Application::instance().doAppStartFinished();
 
     const int exitCode = useDocument(document, stay, receiver, progress);

@@ -32,7 +32,7 @@ public:
     /// Saves the document to `filePath()`. Returns false on failure; the file is then unchanged.
     bool save() const;
 
-    /// Returns the path as it was passed to `setFilePath` or the last successful `open`.
+    /// Returns the path passed to `setFilePath` or the last successful `open`, unchanged.
     QString filePath() const;
     /// Sets the path that `save` writes to. Does not access the file.
     void setFilePath(const QString& path);

@@ -51,9 +51,9 @@ private Q_SLOTS:
         const QString expected = R"(host: starts the library
 log: Application::attachObservers.
 host: loads and starts the plug-ins
-host: has loaded the plug-ins
+host: lists the plug-ins
 plug-in-state listener: state 0
-host: has completed its own start-up
+host: completes its start-up
 start-finish listener: start-up is complete
 log: Application::doAppStartFinished:: application started.
 host: opens the document
