@@ -462,7 +462,7 @@ int main(int argc, char** argv)
         std::fflush(stdout);
     };
     run("documents", [all] { return cycles(all); });
-    run("kills", [all] { return kills(all * 6 / 100); });
+    run("kills", [all] { return kills(std::max(60, all * 6 / 100)); });
     run("shared settings", [all] { return sharedSettings(all * 8); });
     run("disks", [] { return fullDisks(); });
     run("connections", [all] { return connections(all); });
