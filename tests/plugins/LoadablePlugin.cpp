@@ -1,6 +1,6 @@
 #include "RecordingPlugin.h"
 
-/// Takes no room in the file.
+/// Not stored in the file.
 static volatile char buffer[1 << 20];
 
 class LoadablePlugin : public RecordingPlugin
@@ -12,7 +12,7 @@ public:
     LoadablePlugin() : RecordingPlugin(QStringLiteral(PLUGIN_NAME), PLUGIN_ID, PLUGIN_BOARD_TYPES)
     {
         buffer[0] = 1;
-        throwIfAsked("construct"_s);
+        throwIfRequested("construct"_s);
     }
 };
 

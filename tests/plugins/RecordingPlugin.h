@@ -7,8 +7,9 @@
 
 #include <stdexcept>
 
-/// Records what is done with it in the run value "calls", and throws where the run value "throw"
-/// says so: "P start" a std::exception, "P start!" something else. Plug-ins and tests share these.
+/// Records its calls in the run value "calls". The run value "throw" selects a function that
+/// throws: "P start" a std::exception, "P start!" another type. Plug-ins and tests share these run
+/// values.
 class RecordingPlugin : public QObject, public App::PluginInterface
 {
     Q_OBJECT
@@ -33,7 +34,7 @@ public:
         return info;
     }
 
-    /// What was written down since the last call.
+    /// Returns the calls recorded since the last call of this function.
     static QStringList takeCalls()
     {
         const QStringList calls = Core::Settings::instance().runValue("calls"_s).toStringList();
@@ -42,12 +43,12 @@ public:
     }
 
 protected:
-    void throwIfAsked(const QString& call) const
+    void throwIfRequested(const QString& call) const
     {
-        const QString asked = Core::Settings::instance().runValue("throw"_s).toString();
-        if (asked == _name + u' ' + call)
+        const QString requested = Core::Settings::instance().runValue("throw"_s).toString();
+        if (requested == _name + u' ' + call)
             throw std::runtime_error("no 100% " + call.toStdString());
-        if (asked == _name + u' ' + call + u'!')
+        if (requested == _name + u' ' + call + u'!')
             throw 100;
     }
 
@@ -60,7 +61,7 @@ private:
     void record(const QString& call) const
     {
         addCall(call);
-        throwIfAsked(call);
+        throwIfRequested(call);
     }
 
     const QString _name;
@@ -68,7 +69,7 @@ private:
     const int _boards;
 };
 
-/// "P x", "P y", "Q x", "Q y" for the plug-ins "P Q" and what is done with each, "x y".
+/// Returns "P x", "P y", "Q x", "Q y" for the plug-ins "P Q" and the calls of each, "x y".
 inline QStringList calls(const char* plugins, const char* names)
 {
     QStringList all;

@@ -38,7 +38,7 @@ static void hide(const QString& path)
 #ifdef Q_OF_ELF
 #include <link.h>
 
-/// The same plug-in with another number in the section header of Qt's metadata.
+/// Returns the plug-in with another number in the section header of Qt's metadata.
 template <typename Number>
 static QByteArray withMetaData(QByteArray plugin, Number ElfW(Shdr)::*member, Number number)
 {
@@ -52,8 +52,8 @@ static QByteArray withMetaData(QByteArray plugin, Number ElfW(Shdr)::*member, Nu
     return plugin;
 }
 
-/// The same plug-in with one more segment to load, behind everything else, as tools lay it out that
-/// change a library path. The system clears the segment's last page beyond what the file holds. Its
+/// Returns the plug-in with an additional segment at the end, as tools add one that change a
+/// library path. The system clears the last page of the segment after the end of the file. The
 /// addresses are above those of the buffer, which is not in the file.
 static QByteArray withSegmentAtEnd(QByteArray plugin)
 {
@@ -76,7 +76,7 @@ static QByteArray withSegmentAtEnd(QByteArray plugin)
 }
 #endif
 
-/// Has all that a plug-in has, but does not say so.
+/// Implements the interface but does not name it in Q_INTERFACES.
 struct Undeclared : QObject, App::ExtendPluginInterface
 {
     quint64 pluginID() const override { return 1; }
@@ -92,7 +92,7 @@ class tst_plugin_loader : public QObject
 
     std::optional<PluginFixture> _fixture;
 
-    /// The names of the first four plug-ins.
+    /// Returns the names of the first four plug-ins.
     static QString names()
     {
         QStringList all;
@@ -140,7 +140,7 @@ private Q_SLOTS:
                                    "sub/de/e/p.dll Sub2/y.dLl"));
 
         // A relative path is resolved once.
-        writeFile(_fixture->plugin("b.dll"_s), PluginFixture::built("PluginB"_s));
+        _fixture->copy("PluginB", "b.dll");
         const QString current = QDir::currentPath();
         QVERIFY(QDir::setCurrent(_fixture->path(QString())));
         Core::Settings::instance().setPluginDirPath("plugins"_s);
@@ -158,7 +158,7 @@ private Q_SLOTS:
             writeFile(file);
         hide(_fixture->plugin(".hidden.dll"_s));
         hide(_fixture->plugin(".hidden"_s));
-        // Links to a directory above, to one that the scan would come to later, and to one outside.
+        // Links to a parent directory, to one that is scanned later, and to one outside.
         const QString plugins = _fixture->plugin(QString());
         QVERIFY(QFile::link(plugins, plugins + "sub/loop.lnk"_s));
         QVERIFY(QFile::link(plugins + "real"_s, plugins + "link.lnk"_s));
@@ -203,13 +203,13 @@ private Q_SLOTS:
             Core::BoardEthDescHandler::instance()->setCurrentBoardEthDescType(board);
             RecordingPlugin plugin("P"_s, id, boardTypes);
 
-            const char* asked = verdict == Verdict::OtherBoard ? "boards" : "boards id";
+            const char* queries = verdict == Verdict::OtherBoard ? "boards" : "boards id";
             QCOMPARE(PluginLoader::verdictOn(&plugin), verdict);
-            QCOMPARE(RecordingPlugin::takeCalls(), calls("P", asked));
+            QCOMPARE(RecordingPlugin::takeCalls(), calls("P", queries));
             const bool isAccepted = verdict == Verdict::Accepted;
             QCOMPARE(PluginLoader::loadPlugin(&plugin, true, QString()), isAccepted);
             QCOMPARE(RecordingPlugin::takeCalls(),
-                     calls("P", isAccepted ? "boards id info start" : asked));
+                     calls("P", isAccepted ? "boards id info start" : queries));
         }
         QCOMPARE(names(), "P,P,,"_s);
     }
@@ -236,12 +236,9 @@ private Q_SLOTS:
 
     void loadsAndUnloadsInOrder()
     {
-        const QStringList targets = words(
-            "PluginA PluginOfOtherBoard PluginB OtherInterface PluginC PluginWithoutIdentifier");
-        const QStringList files =
-            _fixture->plugins("A.dll a1.dll b.dll b1.dll sub/C.dll sub/d.dll");
-        for (int i = 0; i < files.size(); ++i)
-            writeFile(files.at(i), PluginFixture::built(targets.at(i)));
+        _fixture->copy("PluginA PluginOfOtherBoard PluginB OtherInterface PluginC "
+                       "PluginWithoutIdentifier",
+                       "A.dll a1.dll b.dll b1.dll sub/C.dll sub/d.dll");
         const auto loading = [](const char* taken) {
             return calls("PluginA", taken) + calls("PluginOfOtherBoard", "boards destroy") +
                    calls("PluginB PluginC", taken) +
@@ -268,8 +265,8 @@ private Q_SLOTS:
         PluginLoader::loadPlugins(true);
         QCOMPARE(RecordingPlugin::takeCalls(), loading("boards id info start"));
         QCOMPARE(names(), accepted);
-        // While the file of the last one is gone, none can be unloaded. Each is loaded twice over,
-        // and gone only with the second.
+        // While the file of the last plug-in is missing, none can be unloaded. Each is loaded
+        // twice, so only the second call unloads it.
         const QString file = _fixture->plugin("sub/C.dll"_s);
         QVERIFY(QFile::rename(file, file + u'~'));
         PluginLoader::unloadPlugins();
@@ -283,12 +280,10 @@ private Q_SLOTS:
 
     void keepsRecords()
     {
-        const QString a = _fixture->plugin("a.dll"_s);
         const QString link = _fixture->plugin("sub/link.dll"_s);
-        writeFile(a, PluginFixture::built("PluginA"_s));
-        writeFile(_fixture->plugin("b.dll"_s), PluginFixture::built("PluginOfOtherBoard"_s));
-        writeFile(_fixture->plugin("c.dll"_s), PluginFixture::built("OtherInterface"_s));
-        writeFile(_fixture->plugin("d.dll"_s), PluginFixture::built("PluginWithoutIdentifier"_s));
+        const QString a = _fixture->plugin("a.dll"_s);
+        _fixture->copy("PluginA PluginOfOtherBoard OtherInterface PluginWithoutIdentifier",
+                       "a.dll b.dll c.dll d.dll");
         writeFile(_fixture->plugin("e.dll"_s), "no library");
         QDir().mkpath(_fixture->plugin("sub"_s));
 #ifdef Q_OS_WIN
@@ -326,7 +321,7 @@ private Q_SLOTS:
                               "no-plugin||"_s + System::libraryFileError(files.at(4)),
                               "accepted|PluginA|"_s}));
 
-        // The plug-in of a file that is gone stays loaded, through the link too.
+        // The plug-in of a missing file stays loaded, through the link too.
         QVERIFY(QFile::rename(a, a + u'~'));
         PluginLoader::unloadPlugins();
         const auto loaded = [&records] {
@@ -348,8 +343,7 @@ private Q_SLOTS:
 
     void keepsReferences()
     {
-        const QString file = _fixture->plugin("a.dll"_s);
-        writeFile(file, PluginFixture::built("PluginA"_s));
+        const QString file = _fixture->copy("PluginA", "a.dll").first();
         PluginLoader::loadPlugins(false);
         QPluginLoader loader;
         const QPointer<QObject> object = PluginLoader::rootObjectOf(file, loader);
@@ -379,12 +373,10 @@ private Q_SLOTS:
         QFETCH(QString, called);
         const QString moment = QString::fromLatin1(QTest::currentDataTag());
         const Verdict verdict = isAccepted ? Verdict::Accepted : Verdict::Exception;
-        const QStringList files = _fixture->plugins("a.dll b.dll c.dll");
-        for (int i = 0; i < 3; ++i)
-            writeFile(files.at(i), PluginFixture::built("Plugin"_s + QChar(u'A' + i)));
+        const QStringList files = _fixture->copy("PluginA PluginB PluginC", "a.dll b.dll c.dll");
         const QString failure = function + " threw an exception: "_s;
 
-        // Each way of throwing, twice, and then once more without.
+        // Both kinds of exceptions, each twice, and then none.
         for (const char* suffix : {"", "", "!", "!", "-"}) {
             const bool throws = *suffix != '-';
             const QString sentence =
@@ -517,7 +509,7 @@ private Q_SLOTS:
         const int openCount = countOpenFiles();
         PluginLoader::loadPlugins(true);
         QCOMPARE(countOpenFiles(), openCount);
-        // All but the links that lead to no file, and the directory.
+        // All except the broken links and the directory.
         QVERIFY(PluginLoader::pluginCount() >= number - firstNumber - 6);
         QCOMPARE(RecordingPlugin::takeCalls(),
                  calls("PluginB PluginC PluginA", "boards id info start"));
@@ -533,7 +525,7 @@ private Q_SLOTS:
         QCOMPARE(runValue(), QVariant(0ULL));
         PluginLoader::initPluginIDValue();
         QCOMPARE(runValue(), QVariant(ULLONG_MAX));
-        // As it is after a restart.
+        // After a restart, the value is a string.
         Core::Settings::instance().setValue("Plugin/value"_s, QString::number(ULLONG_MAX));
         QCOMPARE(PluginLoader::readPluginIDValue(), ULLONG_MAX);
         Core::Settings::instance().setValue("Plugin/value"_s, "many"_s);
