@@ -7,7 +7,7 @@ namespace App {
 /// A listener that is called when the program's start-up is complete.
 ///
 /// `Application::doAppStartFinished`, which the executable calls once, and every call of
-/// `Application::notifyStartFinishListener` notify the listeners that are registered by then.
+/// `Application::notifyStartFinishListener` notify the listeners that are registered at that time.
 ///
 /// Register it with `Application`, and remove it there before destroying it. Main thread only.
 class OVAPP_EXPORT AppStartFinishListener

@@ -39,7 +39,7 @@ class TransactionListener;
 ///     App::Application::init();
 ///     // ... load plug-ins, create the user interface ...
 ///     App::Application::instance().doAppStartFinished();
-///     const int status = qtApplication.exec();
+///     const int exitCode = QCoreApplication::exec();
 ///     App::Application::destruct();
 ///
 /// Call all functions from the main thread, except `post...()`, which any thread may call. No
@@ -95,11 +95,11 @@ public:
     /// document is set to 0.
     ///
     /// Returns null, and changes nothing, if `path` is empty, its directory does not exist, or the
-    /// file is not a valid document.
+    /// file exists but cannot be read or is not a valid document.
     Doc::Document* newDocument(const QString& path);
     /// Opens an existing file as `newDocument` does. Returns the active document, and does nothing
     /// else, if that has the same absolute path. Returns null, and changes nothing, if there is no
-    /// regular file at `path` or the file is not a valid document.
+    /// regular file at `path`, or the file cannot be read or is not a valid document.
     Doc::Document* openDocument(const QString& path);
     /// Makes `document` the active document and takes ownership of it; null means none. Notifies
     /// the active-document listeners, and sets "File/Document" to the path of the document. The
@@ -183,8 +183,8 @@ public:
     /// Posts a `TransactionEvent` with a copy of `transaction` to `receiver`.
     void postTransactionEvent(Doc::Transaction& transaction, bool hasOnlyChanges,
                               int objectTypeFilter, QObject* receiver);
-    /// Has no effect: there is no event for plug-in states. It exists for callers that use the
-    /// three functions alike.
+    /// Does nothing: there is no event for plug-in states. It exists for callers that call all
+    /// three functions.
     void postPluginStateChangedEvent(QObject* receiver);
 
     /// @}

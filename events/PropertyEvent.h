@@ -40,7 +40,7 @@ public:
 
     /// Returns the property that changed.
     Core::PropertyTypeID propertyTypeID() const;
-    /// Returns the value that belongs to the change.
+    /// Returns the value of the change; its meaning is application-defined.
     QVariant value() const;
     /// Returns the type of the objects concerned.
     int objectType() const;

@@ -6,7 +6,7 @@
 
 namespace Core {
 
-/// Requests a Qt object to switch to the screen layout for a board type.
+/// Requests that a Qt object switches to the screen layout for a board type.
 ///
 /// The library itself never posts this event: create it with `new` and pass it to
 /// `QCoreApplication::postEvent`, on any thread. It is handled on the receiver's thread.

@@ -26,11 +26,12 @@ public:
     ~PingProcess() override;
 
     /// Sets the number of requests of the next run, one per second: 4 by default, no limit if it is
-    /// 0 or less. It is not an argument of the tool: on systems on which the tool runs until it is
-    /// stopped, it is interrupted half a second after the last request, and prints its summary. On
-    /// Windows, where the tool ends by itself, it sends its own number of requests. The time counts
-    /// from the first output of the tool, which looks up the host name first; a tool without output
-    /// is interrupted half a minute later.
+    /// 0 or less. Ignored on Windows, where the tool sends its own number of requests.
+    ///
+    /// The number is not passed to the tool. Instead, the tool is interrupted half a second after
+    /// the last request, and prints its summary. The time starts with the first output, after the
+    /// tool has looked up the host name. Without any output, the tool is interrupted 30 seconds
+    /// later.
     void setCount(int count);
     /// Sets the size of a request in bytes, 64 by default. It is not used: requests have the
     /// tool's own size.

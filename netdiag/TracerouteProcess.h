@@ -56,11 +56,11 @@ public:
     QByteArray readAllStandardOutput() const;
 
 Q_SIGNALS:
-    /// The report has changed.
+    /// Emitted when the report has changed.
     void readyReadStandardOutput();
-    /// The run has begun; emitted before `doTraceroute` returns.
+    /// Emitted when a run begins, before `doTraceroute` returns.
     void started();
-    /// The report has not changed for seven seconds, whether or not the tool has ended.
+    /// Emitted when the report has not changed for seven seconds, even if the tool is running.
     void finished();
 
 protected Q_SLOTS:

@@ -5,10 +5,10 @@
 
 namespace App {
 
-/// The interface of the root object of an extension plug-in, with two more queries for the
-/// executable. The class declares `Q_INTERFACES(App::PluginInterface)`, as every plug-in does; the
-/// executable recognises an extension by a `dynamic_cast` of the `PluginInterface`. Main thread
-/// only.
+/// The interface of the root object of an extension plug-in, with two more queries, which only the
+/// executable calls. The class declares `Q_INTERFACES(App::PluginInterface)`, as every plug-in
+/// does; the executable recognises an extension by a `dynamic_cast` of the `PluginInterface`. Main
+/// thread only.
 class OVAPP_EXPORT ExtendPluginInterface : public PluginInterface
 {
 public:

@@ -25,12 +25,12 @@ namespace App {
 /// If the directory cannot be created or entered, stored values remain in memory, and are lost with
 /// the last object of that name. If the file cannot be written, for example on a full disk, it is
 /// unchanged and the values remain in memory; they are written by the next call, or by the event
-/// loop within a second after the file can be written again. Until then, new objects and copies
-/// share one `qSettings()`, its group included. No function reports an error.
+/// loop within a second after the file can be written again. Until then, new objects of that name,
+/// including copies, share one `QSettings` with its current group. No function reports an error.
 ///
 /// The name becomes the name of a directory and of files. It should consist of letters, digits, "-"
-/// and "_", and differ from the names of other plug-ins in more than case. A name with a separator,
-/// or "..", refers to a place outside of the application directory, or to none.
+/// and "_", and differ from the names of other plug-ins in more than case. With a separator or
+/// ".." in the name, the directory may be outside of the application directory or not exist.
 ///
 /// Use an object in one thread at a time. Objects with the same name, also in different threads and
 /// processes, share the stored values.
@@ -40,8 +40,8 @@ public:
     /// Creates the plug-in's directory in the application directory if it is missing, and opens the
     /// INI file in it. If `name` is empty, the file is `.ini` in the application directory.
     explicit PluginBaseSettings(const QString& name = QString());
-    /// Copies the name and the run values, and opens the same file, outside of any group. Both
-    /// objects share the stored values.
+    /// Copies the name and the run values, and opens the same file. Both objects share the stored
+    /// values, but not the current group of `qSettings`.
     PluginBaseSettings(const PluginBaseSettings& other);
     /// Closes the file, as the destructor does, and copies `other`.
     PluginBaseSettings& operator=(const PluginBaseSettings& other);

@@ -17,7 +17,8 @@ namespace App {
 ///         void stop() override { _port.close(); }
 ///     ...
 ///
-/// The registry calls all functions on the thread on which it is called itself, the main thread.
+/// The registry calls all functions on the thread that calls the registry, normally the main
+/// thread.
 class OVAPP_EXPORT CommInfo
 {
 public:

@@ -18,7 +18,7 @@ class OVAPP_EXPORT ExtendPluginRegistry
 public:
     /// Creates an empty registry; does nothing if there is one. `Application::init` calls it.
     static void init();
-    /// Returns the registry. Call it only between `init` and `destruct`: it does not create one.
+    /// Returns the registry. Valid between `init` and `destruct` only.
     static ExtendPluginRegistry& instance();
     /// Deletes the registry, but not the descriptions; does nothing if there is none.
     /// `Application::destruct` calls it.

@@ -244,7 +244,7 @@ QString kills(int all)
                .arg(slowest);
 }
 
-/// Writes to a file system with 0, 1, 2, ... free blocks, or with about the reserve for settings.
+/// Writes to a file system with 0, 2, 4, ... free blocks, or with about the reserve for settings.
 QString fullDisks()
 {
     constexpr int all = 300;

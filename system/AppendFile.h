@@ -6,8 +6,8 @@ class QFile;
 
 namespace System {
 
-/// Whether the system may cache written data, or writes it to the disk at once. File watchers on
-/// Windows are notified only when the data reaches the disk. Other systems ignore the mode.
+/// Whether the system caches written data or writes it to the disk at once. On Windows, file
+/// watchers are only notified when the data reaches the disk. Other systems ignore the mode.
 enum class WriteMode
 {
     Cached,

@@ -8,7 +8,7 @@
 namespace System {
 
 /// Starts a program in a detached process, and appends its standard output and standard error to a
-/// file. A program name without a path is searched for as the system does.
+/// file. A program name without a path is looked up in the system's search path.
 ///
 /// Others may append to the file, truncate and read it at the same time, and remove it while no
 /// process has it open. No writer overwrites the data of another.

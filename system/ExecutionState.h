@@ -10,8 +10,8 @@ namespace System {
 /// Keep-awake requests; the values are those of Windows.
 enum ExecutionStateFlag : quint32
 {
-    /// Keeps the other requests in force until the next call with this flag; on its own it
-    /// withdraws them. Without it, the other flags only reset the idle timers once.
+    /// The other flags are in effect until the next call with this flag; on its own it clears them.
+    /// Without it, the other flags only reset the idle timers once.
     ExecutionContinuous = 0x80000000,
     /// The system does not go to sleep when idle.
     ExecutionSystemRequired = 0x00000001,
@@ -26,12 +26,12 @@ enum ExecutionStateFlag : quint32
 ///
 /// On Linux, `ExecutionSystemRequired` with `ExecutionContinuous` requests an inhibitor from
 /// logind, which then neither suspends the system nor considers it idle; `systemd-inhibit --list`
-/// shows it. The request is made and completes in the event loop of the calling thread; a thread
-/// without one requests nothing. The inhibitor is released when the thread withdraws the request or
-/// ends, and at the latest when the process ends, however it ends. If users may not prevent the
-/// system from being suspended, it is only not considered idle. If there is no logind or no answer,
-/// or the library was built without libsystemd, the system may go to sleep. The call waits for no
-/// answer. On other systems nothing prevents sleep.
+/// shows it. The request is sent and completed by the event loop of the calling thread; without an
+/// event loop, nothing is requested. The inhibitor is released when the thread withdraws the
+/// request or ends, and at the latest when the process ends, even in a crash. If the user is not
+/// permitted to block suspension, the system is only kept from being considered idle. If there is
+/// no logind or no answer, or the library was built without libsystemd, the system may go to sleep.
+/// The function does not wait for the answer. On other systems nothing prevents sleep.
 OVSYSTEM_EXPORT quint32 setThreadExecutionState(quint32 flags);
 
 } // namespace System

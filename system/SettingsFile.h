@@ -6,9 +6,9 @@ class QSettings;
 class QString;
 
 /// INI files that remain complete on a full disk. `QSettings` reports success for a file that was
-/// truncated, and it writes in its event, its destructor, and the constructor of another object for
-/// the same file. An object of `openSettings` checks first whether it can write; until then, its
-/// changes remain in memory. All functions are thread-safe.
+/// truncated, and it writes in its event handler, its destructor, and the constructor of another
+/// object for the same file. Objects of `openSettings` first check whether the file can be written;
+/// until it can, changes remain in memory. All functions are thread-safe.
 namespace System {
 
 /// Opens an INI file in UTF-8, for the current thread. The event loop writes changes later, as it
@@ -17,8 +17,9 @@ namespace System {
 OVSYSTEM_EXPORT QSettings* openSettings(const QString& path);
 
 /// Writes the changes to an object of `openSettings`, and reads those of other processes. Does
-/// nothing if the free space on the disk does not exceed the size of the file by 1 MiB, or if the
-/// lock file of another process cannot be removed, for which `QSettings::sync` would wait forever.
+/// nothing if the free space on the disk is not larger than the size of the file plus 1 MiB, or if
+/// the lock file of another process cannot be removed, for which `QSettings::sync` would wait
+/// forever.
 OVSYSTEM_EXPORT void syncSettings(QSettings& settings);
 
 /// Writes the changes and deletes the object. Changes that cannot be written remain in memory, for

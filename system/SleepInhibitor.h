@@ -11,9 +11,9 @@ namespace System {
 
 /// Asks logind to keep the system awake while this object exists.
 ///
-/// The request is made and completes in the event loop of the thread that creates the object; the
-/// same thread has to destroy it. No function waits for an answer. If there is no bus, no logind or
-/// no answer, nothing happens and nothing is printed.
+/// The request is sent and completed by the event loop of the thread that creates the object; the
+/// same thread has to destroy the object. No function waits for an answer. If there is no bus, no
+/// logind or no answer, nothing happens and nothing is printed.
 class SleepInhibitor final : public QObject
 {
 public:

@@ -11,7 +11,7 @@ namespace Core {
 class OVCORE_EXPORT ConsoleObserver
 {
 public:
-    /// The severity of a line: written by `log` or by `warning`.
+    /// The severity of a line: logged with `log` or with `warning`.
     enum class Severity
     {
         Log,

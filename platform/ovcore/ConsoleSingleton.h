@@ -25,11 +25,11 @@ public:
     /// Removes an observer. When this function returns, no other thread is calling the observer.
     void detachObserver(ConsoleObserver* observer);
 
-    /// Writes one line of any length, formatted as by `printf`. If formatting fails, writes
-    /// `format` itself. The observers receive the bytes unchanged. The library logs in the local
-    /// 8-bit encoding (`QString::toLocal8Bit`); other callers should do so too.
+    /// Passes one line of any length to the observers, formatted as by `printf`. If formatting
+    /// fails, the line is `format` itself. The observers receive the bytes unchanged. The library
+    /// logs in the local 8-bit encoding (`QString::toLocal8Bit`); other callers should do so too.
     void log(const char* format, ...) Q_ATTRIBUTE_FORMAT_PRINTF(2, 3);
-    /// Writes one line like `log`, with the severity `Warning`.
+    /// Passes on one line as `log` does, with the severity `Warning`.
     void warning(const char* format, ...) Q_ATTRIBUTE_FORMAT_PRINTF(2, 3);
 
 private:

@@ -20,7 +20,7 @@ public:
     /// Returns the only instance; creates it if there is none.
     static Settings& instance();
     /// Deletes the instance, with its run values and paths. Stored values that cannot be written
-    /// yet remain in memory until they can, or until the process ends.
+    /// yet remain in memory until they can be written, or until the process ends.
     static void destruct();
 
     Settings(const Settings&) = delete;
@@ -41,12 +41,12 @@ public:
     /// Sets a run value; also before `init`.
     void setRunValue(const QString& key, const QVariant& value);
 
-    /// Returns the directory of the program's files, by default that of the executable.
+    /// Returns the directory of the program's files, by default the executable's directory.
     QString applicationDirPath() const;
     /// Sets the directory of the program's files. After `init`, the INI file remains the same.
     void setApplicationDirPath(const QString& path);
 
-    /// Returns the directory of the plug-ins, by default `plugins` in that of the executable.
+    /// Returns the directory of the plug-ins, by default `plugins` in the executable's directory.
     QString pluginDirPath() const;
     /// Sets the directory of the plug-ins, which does not have to exist; the default if empty.
     void setPluginDirPath(const QString& path);

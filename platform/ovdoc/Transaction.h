@@ -6,7 +6,7 @@
 
 namespace Doc {
 
-/// A change of a document, with its name. Copies are cheap: the name is implicitly shared.
+/// A change of a document, which has a name. Copies are cheap: the name is implicitly shared.
 class OVDOC_EXPORT Transaction
 {
 public:

@@ -13,7 +13,7 @@ ChannelsDock::ChannelsDock() : QDockWidget(tr("Channels")), _list(new QTreeWidge
 {
     setObjectName(QStringLiteral("channels"));
     _list->setRootIsDecorated(false);
-    // A channel does not say whether it is started: the event log shows what it reports.
+    // Channels have no function that returns whether they are started; they only write to the log.
     _list->setHeaderLabels({tr("Channel"), tr("Last command")});
     auto* startButton = new QPushButton(tr("S&tart"));
     auto* stopButton = new QPushButton(tr("Sto&p"));

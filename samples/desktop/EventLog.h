@@ -15,8 +15,8 @@
 
 class QTreeWidget;
 
-/// Shows what happens in the program: what listeners of all kinds are notified of, the events that
-/// are posted to this widget, and what is logged.
+/// Shows the notifications of listeners of all kinds, the events that are posted to this widget,
+/// and the lines of the log.
 class EventLog : public QDockWidget,
                  public App::ActiveDocumentListener,
                  public App::AppStartFinishListener,

@@ -23,8 +23,8 @@ private:
     void ping();
     void trace();
     void stop();
-    /// Returns the host that the user has typed, and prepares the dialog for a run; shows an error
-    /// and returns an empty text if it is not one.
+    /// Returns the host that the user has typed, and prepares the dialog for a run. If the text is
+    /// not a host, shows an error and returns an empty string.
     QString startRun();
     void endRun();
     void showReport(const QByteArray& report);

@@ -6,8 +6,7 @@
 
 class QTreeWidget;
 
-/// Lists the plug-in files that the last scan found: which are accepted, and why the others are
-/// not.
+/// Lists the plug-in files that the last scan found, with the verdict and the reason for each.
 class PluginsDock : public QDockWidget, public App::PluginStateListener
 {
     Q_OBJECT

@@ -46,7 +46,7 @@ void loadPlugins(QSplashScreen& splash)
     App::Application::instance().notifyPluginStateChangeListener(App::PluginLoader::pluginCount());
 }
 
-/// Deletes what has been passed to `deleteLater`, which otherwise the event loop does.
+/// Deletes the objects passed to `deleteLater`, since the event loop no longer runs.
 void deleteDeferredObjects()
 {
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -61,7 +61,7 @@ Program::Program(const QString& applicationDir, const QString& pluginDir)
     Core::Settings::instance().setPluginDirPath(pluginDir);
     App::Application::init();
 
-    // Before the plug-ins, so that its listeners miss nothing that the plug-ins do.
+    // Before the plug-ins are loaded, so that its listeners are notified of everything they do.
     _window = std::make_unique<MainWindow>();
     if (!isWritable) {
         Core::ConsoleSingleton::instance().warning(
@@ -78,7 +78,7 @@ Program::Program(const QString& applicationDir, const QString& pluginDir)
 
 Program::~Program()
 {
-    // Closes the windows of plug-ins. That of the program has asked its questions already.
+    // Closes the windows of plug-ins. The main window has already asked about unsaved changes.
     _window->hide();
     QApplication::closeAllWindows();
     deleteDeferredObjects();
@@ -87,7 +87,7 @@ Program::~Program()
     App::PluginLoader::unloadPlugins();
     deleteDeferredObjects();
 
-    // The window owns the closed document, and removes its listeners while the library is there.
+    // The window owns the closed document, and removes its listeners, which requires the library.
     App::Application::instance().closeDocument();
     _window.reset();
     App::Application::destruct();

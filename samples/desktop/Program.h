@@ -5,8 +5,8 @@
 class MainWindow;
 class QString;
 
-/// The whole program from start-up to shutdown, except the event loop: construct it after the
-/// `QApplication`, and destroy it before that.
+/// The whole program from start-up to shutdown, except the event loop. Construct it after the
+/// `QApplication`, and destroy it before the `QApplication`.
 class Program
 {
 public:
