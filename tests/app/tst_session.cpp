@@ -1,11 +1,11 @@
 #include <support/ConsoleRecorder.h>
+#include <support/Extension.h>
 #include <support/Listener.h>
 #include <support/Literals.h>
 #include <support/Session.h>
 
 #include <ovcore/BoardEthDescHandler.h>
 #include <ovdoc/Storage.h>
-#include <registries/ExtendPluginInfo.h>
 #include <registries/ExtendPluginRegistry.h>
 #include <system/ExecutionState.h>
 
@@ -52,12 +52,6 @@ QByteArrayList linesOf(const QString& path)
     return contentOf(path).split('\n');
 }
 
-struct Description : App::ExtendPluginInfo
-{
-    QString description() const override { return QString(); }
-    int supportedBoardTypes() const override { return 1; }
-};
-
 } // namespace
 
 /// The library with the layer below: the log file, the state after a shutdown, and invalid
@@ -95,7 +89,7 @@ private Q_SLOTS:
     {
         // The library must not delete any of these; they are not on the heap.
         Listener listener([](const QString&) {});
-        Description description;
+        Extension extension;
         Doc::Document document(new Doc::Storage);
         document.setFilePath("left.ovdoc"_s);
         {
@@ -105,7 +99,7 @@ private Q_SLOTS:
             Core::BoardEthDescHandler::instance()->setCurrentBoardEthDescType(8);
             Core::BoardEthDescHandler::init();
             QCOMPARE(Core::BoardEthDescHandler::instance()->currentBoardEthDescType(), 8);
-            App::ExtendPluginRegistry::instance().registerExtendInfo(&description);
+            App::ExtendPluginRegistry::instance().registerExtendInfo(&extension);
             add(session.application(), &listener);
             session.application().setActivateDocument(&document);
         }

@@ -1,9 +1,9 @@
+#include <support/Extension.h>
 #include <support/Listener.h>
 
 #include <plugins/PluginInterface.h>
 #include <registries/CommInfo.h>
 #include <registries/CommInfoRegistry.h>
-#include <registries/ExtendPluginInfo.h>
 #include <registries/ExtendPluginRegistry.h>
 
 #include <QCoreApplication>
@@ -39,13 +39,6 @@ static QByteArray wayOf()
         throw std::runtime_error("of no use");
     return true;
 }();
-
-class Extension : public App::ExtendPluginInfo
-{
-public:
-    QString description() const override { return QString(); }
-    int supportedBoardTypes() const override { return 4; }
-};
 
 /// Prints each moment of its life, and fails at the moment and in the way that its file contains.
 class FailingPlugin : public QObject, public App::PluginInterface

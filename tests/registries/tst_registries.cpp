@@ -1,9 +1,9 @@
 #include <support/ConsoleRecorder.h>
+#include <support/Extension.h>
 #include <support/Literals.h>
 
 #include <registries/CommInfo.h>
 #include <registries/CommInfoRegistry.h>
-#include <registries/ExtendPluginInfo.h>
 #include <registries/ExtendPluginRegistry.h>
 
 #include <QtTest>
@@ -31,12 +31,6 @@ struct Channel : App::CommInfo
     std::function<void()> onStart;
     QString _name;
     QString& _log;
-};
-
-struct Description : App::ExtendPluginInfo
-{
-    QString description() const override { return "engraves"_s; }
-    int supportedBoardTypes() const override { return 1; }
 };
 
 /// Checks adding and removing; leaves `b` and `a` in the registry, in this order.
@@ -72,8 +66,8 @@ private Q_SLOTS:
         ExtendPluginRegistry::destruct();
         ExtendPluginRegistry::init();
         ExtendPluginRegistry& registry = ExtendPluginRegistry::instance();
-        Description a;
-        Description b;
+        Extension a;
+        Extension b;
         checkList<ExtendPluginRegistry, App::ExtendPluginInfo>(
             registry, &ExtendPluginRegistry::registerExtendInfo,
             &ExtendPluginRegistry::unregisterExtendInfo, &a, &b);
