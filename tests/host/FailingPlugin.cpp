@@ -23,8 +23,8 @@
 #include <unistd.h>
 #endif
 
-/// When and how the plug-in fails. Tests replace this text in copies of the file.
-static const volatile char wayOfFailing[] = "how, and at which moment";
+/// The stage and the way in which the plug-in fails. Tests replace this text in copies of the file.
+static const volatile char wayOfFailing[] = "the stage and the failure";
 
 static QByteArray wayOf()
 {
@@ -36,11 +36,11 @@ static QByteArray wayOf()
 
 [[maybe_unused]] static const bool isInitialised = [] {
     if (wayOf().startsWith("initialised throw"))
-        throw std::runtime_error("of no use");
+        throw std::runtime_error("test exception");
     return true;
 }();
 
-/// Prints each moment of its life, and fails at the moment and in the way that its file contains.
+/// Prints each stage of its lifetime, and fails at the stage and in the way that its file contains.
 class FailingPlugin : public QObject, public App::PluginInterface
 {
     Q_OBJECT
@@ -48,21 +48,21 @@ class FailingPlugin : public QObject, public App::PluginInterface
     Q_INTERFACES(App::PluginInterface)
 
 public:
-    FailingPlugin() { passMoment("loaded"); }
-    ~FailingPlugin() override { passMoment("unloaded"); }
-    quint64 pluginID() const override { return passMoment("asked"), 0x1f; }
+    FailingPlugin() { enterStage("loaded"); }
+    ~FailingPlugin() override { enterStage("unloaded"); }
+    quint64 pluginID() const override { return enterStage("queried"), 0x1f; }
     int supportedBoardTypes() const override { return 4; }
     void start() override
     {
-        passMoment("started");
+        enterStage("started");
         const QByteArray way = wayOf();
         if (way.startsWith("registers"))
             registerAll();
         if (way.startsWith("listens"))
             listen(way.at(8) - '0');
-        QTimer::singleShot(0, [] { passMoment("later"); });
+        QTimer::singleShot(0, [] { enterStage("later"); });
     }
-    void stop() override { passMoment("stopped"); }
+    void stop() override { enterStage("stopped"); }
     App::PluginInfo pluginInfo() const override
     {
         App::PluginInfo info;
@@ -98,19 +98,19 @@ private:
         registrations[kind]();
     }
 
-    static void passMoment(const char* moment)
+    static void enterStage(const char* stage)
     {
-        std::puts(moment);
+        std::puts(stage);
         std::fflush(stdout);
         const QByteArray way = wayOf();
-        if (!way.startsWith(QByteArray(moment) + ' '))
+        if (!way.startsWith(QByteArray(stage) + ' '))
             return;
         if (way.contains("crash"))
             crash();
         if (way.contains("overflow"))
             overflow(0);
         if (way.contains("throw"))
-            throw std::runtime_error("of no use");
+            throw std::runtime_error("test exception");
         if (way.contains("_exit"))
             std::_Exit(0);
         if (way.contains("quit"))

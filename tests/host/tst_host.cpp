@@ -454,8 +454,8 @@ log: destruct application.)"_s;
             {"symbol.dll"_s, failingPlugin("").replace("10PluginInfoC", "10PluginInfoX"),
              Tools::isWine() ? "crashed" : "no-plugin",
              Tools::isWine() ? "while its queries were called" : "Qt cannot load it"},
-            {"throw.dll"_s, failingPlugin("asked throw"), "exception",
-             "pluginID() threw an exception: of no use"}};
+            {"throw.dll"_s, failingPlugin("queried throw"), "exception",
+             "pluginID() threw an exception: test exception"}};
         for (const auto& row : rows)
             writeFile(directory.filePath(row.file), row.content);
         const QStringList command = words(
@@ -483,7 +483,7 @@ log: destruct application.)"_s;
         // The files that cannot be used have been removed.
         const Outcome accepted = runHost(command);
         QCOMPARE(accepted.status, 0);
-        QCOMPARE(accepted.errors, words("loaded asked asked started stopped unloaded"));
+        QCOMPARE(accepted.errors, words("loaded queried queried started stopped unloaded"));
         QVERIFY(QFile::remove(directory.filePath("board.dll"_s)));
         const QJsonObject plugin = jsonOf(accepted).value("plugins"_s).toArray().at(0).toObject();
         QCOMPARE(plugin.value("identifier"_s).toString(), "0x1f"_s);
@@ -567,7 +567,7 @@ log: destruct application.)"_s;
                          .size(),
                      1);
         QStringList errors = outcome.errors;
-        for (const char* printed : {"loaded", "asked", "unloaded"})
+        for (const char* printed : {"loaded", "queried", "unloaded"})
             errors.removeAll(QLatin1String(printed));
         QCOMPARE(errors,
                  QStringList({"ovapp-host: warning: '../b/other.so' would be skipped in a plug-in "
@@ -670,7 +670,7 @@ log: destruct application.)"_s;
     {
         const QTemporaryDir directory;
         writeFile(directory.filePath("a.dll"_s), failingPlugin("started throw"));
-        writeFile(directory.filePath("b.dll"_s), failingPlugin("asked throw"));
+        writeFile(directory.filePath("b.dll"_s), failingPlugin("queried throw"));
 #ifdef Q_OS_UNIX
         // Opening it would block.
         QCOMPARE(::mkfifo(QFile::encodeName(directory.filePath("pipe"_s)).constData(), 0600), 0);
@@ -691,8 +691,8 @@ log: destruct application.)"_s;
             QStringList(
                 {"loads and starts a.dll (1 of 4)"_s, "loads and starts b.dll (2 of 4)"_s,
                  "loads and starts c.dll (3 of 4)"_s, "loads and starts d.dll (4 of 4)"_s,
-                 "a.dll is accepted: start() threw an exception: of no use"_s,
-                 "b.dll is refused: pluginID() threw an exception: of no use"_s,
+                 "a.dll is accepted: start() threw an exception: test exception"_s,
+                 "b.dll is refused: pluginID() threw an exception: test exception"_s,
                  "c.dll is refused: "_s + System::libraryFileError(directory.filePath("c.dll"_s)),
                  "d.dll is accepted"_s, "stops and unloads d.dll"_s, "stops and unloads a.dll"_s}));
         // The output of the plug-ins shows that each one is unloaded in its own step.
@@ -708,10 +708,10 @@ log: destruct application.)"_s;
             << "a call of exit while the host loads and starts failing.dll (1 of 1)";
         QTest::newRow("static object")
             << QByteArray("initialised throw")
-            << "an uncaught exception (of no use) while the host loads and starts failing.dll "
+            << "an uncaught exception (test exception) while the host loads and starts failing.dll "
                "(1 of 1)";
         QTest::newRow("exception") << QByteArray("later throw")
-                                   << "an uncaught exception (of no use) while the host runs "
+                                   << "an uncaught exception (test exception) while the host runs "
                                       "the event loop";
 #ifdef Q_OS_UNIX
         QTest::newRow("children") << QByteArray("started fork") << "";
@@ -745,7 +745,7 @@ private:
     /// Returns the content of a plug-in that fails in the given way.
     static QByteArray failingPlugin(const QByteArray& way)
     {
-        const QByteArray placeholder = "how, and at which moment";
+        const QByteArray placeholder = "the stage and the failure";
         return contentOf(QStringLiteral(FAILING_PLUGIN))
             .replace(placeholder, way.leftJustified(placeholder.size()));
     }

@@ -27,7 +27,7 @@ bool findsSystemTool(const char* tool)
     return !QStandardPaths::findExecutable(QLatin1String(tool)).isEmpty();
 }
 
-/// A TracerouteProcess with an application directory of its own, and a record of its signals.
+/// A TracerouteProcess with a separate application directory. Records the signals.
 struct Trace
 {
     explicit Trace(const char* subdirectory = ".")

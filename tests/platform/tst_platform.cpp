@@ -76,7 +76,8 @@ private Q_SLOTS:
 #ifdef Q_OS_UNIX
     void interruptsOneProcessOnly()
     {
-        // In a process group of its own, so that an interrupt of the group would not hit others.
+        // In a separate process group, so that an interrupt of the group would not reach other
+        // processes.
         QCOMPARE(::setpgid(0, 0), 0);
         static volatile std::sig_atomic_t isInterrupted = 0;
         const auto previous = std::signal(SIGINT, [](int) { isInterrupted = 1; });
