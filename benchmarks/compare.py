@@ -3,11 +3,11 @@
 
 Results of the same program are combined. A benchmark is named "group/side" or "group/side/size". The
 sides of a group that have the same size are compared with the side "ovapp", each by the smallest time
-of its repetitions, on which other work on the machine has the least effect. The target ratio of a side
+of its repetitions, which other work on the machine affects least. The target ratio of a side
 is in the context of the run, as "target group/side/size": "ovapp/it <= 1.5" or "it/ovapp >= 6".
 
-The exit status is 1 if a benchmark has failed or the results do not fit together. A target that is not
-met is only reported: timings depend on the machine.
+The exit code is 1 if a benchmark has failed or the results are inconsistent. A target that is not met is
+only reported: times depend on the machine.
 """
 
 import argparse

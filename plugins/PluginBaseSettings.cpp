@@ -14,7 +14,7 @@ namespace App {
 PluginBaseSettings::PluginBaseSettings(const QString& name) : _p_settings(nullptr), _name(name)
 {
     QDir directory(Core::Settings::instance().applicationDirPath());
-    // Qt complains about an empty name.
+    // Qt prints a warning about an empty name.
     if (!_name.isEmpty())
         directory.mkdir(_name);
     if (!directory.cd(_name))

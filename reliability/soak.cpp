@@ -103,7 +103,7 @@ void setCounts(const Doc::Document& document, int count)
     document.storage()->queryDocObjectDirect()->setPrintCountData(counts);
 }
 
-/// Returns the count in a document; fails if a save was only partly written.
+/// Returns the count in a document; fails if the document was only partly saved.
 int countIn(const QString& path)
 {
     Doc::Document document(new Doc::Storage);

@@ -26,7 +26,7 @@ constexpr std::string_view printCountKey = "printCount";
 constexpr std::string_view finishedKey = "finished";
 constexpr std::string_view targetKey = "target";
 
-/// Returns the value of a member, undefined if it is missing; nullopt if it is given twice.
+/// Returns the value of a member, undefined if it is missing; nullopt if it is duplicate.
 std::optional<QJsonValue> readMember(const RawJsonObject& object, std::string_view name)
 {
     if (object.hasDuplicate(name))
@@ -36,7 +36,7 @@ std::optional<QJsonValue> readMember(const RawJsonObject& object, std::string_vi
                           : QJsonDocument::fromJson('[' + text + ']').array().at(0);
 }
 
-/// Returns 0 if the member is missing, nullopt if it is not a 32-bit integer or is given twice.
+/// Returns 0 if the member is missing, nullopt if it is not a 32-bit integer or is duplicate.
 std::optional<int> readCount(const RawJsonObject& object, std::string_view name)
 {
     const std::optional<QJsonValue> value = readMember(object, name);

@@ -53,7 +53,7 @@ QString untitledPath()
     return path;
 }
 
-/// Returns why the library, which only returns null, does not open a document.
+/// Returns the reason why a document cannot be opened: the library itself only returns null.
 QString openError(const QString& path)
 {
     QFile file(path);
@@ -151,7 +151,7 @@ void MainWindow::createDocks()
 
 void MainWindow::createMenus()
 {
-    // Not every desktop has a standard key for each of these.
+    // Some desktops have no standard key for some of these actions.
     const auto add = [this](QMenu* menu, const QString& text, QKeySequence::StandardKey standardKey,
                             const QString& otherKey, QStyle::StandardPixmap icon, auto function) {
         QAction* const action = menu->addAction(style()->standardIcon(icon), text);
