@@ -34,7 +34,8 @@ namespace App {
 /// exception's text, and continues. If the constructor of the root object, `supportedBoardTypes`,
 /// `pluginID` or `pluginInfo` throws, the file is refused. A plug-in whose `start` throws stays
 /// loaded, since it may have registered something, and one whose `stop` throws is unloaded: both as
-/// if they had returned. A static object that throws while the library is loaded ends the program.
+/// if they had returned. A static object that throws while the library is loaded ends the program;
+/// on Windows, the file is refused.
 ///
 /// Main thread only. A plug-in must not load or unload plug-ins while the loader calls it.
 class OVAPP_EXPORT PluginLoader

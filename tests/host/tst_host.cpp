@@ -706,14 +706,15 @@ log: destruct application.)"_s;
         QTest::newRow("exit")
             << QByteArray("started exit")
             << "a call of exit while the host loads and starts failing.dll (1 of 1)";
-        QTest::newRow("static object")
-            << QByteArray("initialised throw")
-            << "an uncaught exception (test exception) while the host loads and starts failing.dll "
-               "(1 of 1)";
         QTest::newRow("exception") << QByteArray("later throw")
                                    << "an uncaught exception (test exception) while the host runs "
                                       "the event loop";
 #ifdef Q_OS_UNIX
+        // On Windows the file is refused.
+        QTest::newRow("static object")
+            << QByteArray("initialised throw")
+            << "an uncaught exception (test exception) while the host loads and starts failing.dll "
+               "(1 of 1)";
         QTest::newRow("children") << QByteArray("started fork") << "";
         QTest::newRow("stop") << QByteArray("stopped crash")
                               << "SIGSEGV while the host stops and unloads failing.dll";
