@@ -24,24 +24,13 @@ namespace System {
 
 namespace {
 
+constexpr QLatin1String notRegular("it is not a regular file");
+constexpr QLatin1String notLibrary("it is not a library for this system");
+constexpr QLatin1String damaged("it is truncated or damaged");
+
 QString readError(const QString& reason)
 {
-    return QStringLiteral("it cannot be read: %1").arg(reason);
-}
-
-QString notRegular()
-{
-    return QStringLiteral("it is not a regular file");
-}
-
-QString notLibrary()
-{
-    return QStringLiteral("it is not a library for this system");
-}
-
-QString damaged()
-{
-    return QStringLiteral("it is truncated or damaged");
+    return QLatin1String("it cannot be read: ") + reason;
 }
 
 /// Returns true if the part is within a file of this size. Does not overflow.
@@ -97,13 +86,13 @@ QString fileError(int file, quint64 size)
     if (count < 0)
         return readError(qt_error_string(errno));
     if (count < SELFMAG || std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0)
-        return notLibrary();
+        return notLibrary;
     if (count < static_cast<ssize_t>(sizeof header))
-        return damaged();
+        return damaged;
     if (header.e_ident[EI_CLASS] != ownClass || header.e_ident[EI_DATA] != ownByteOrder)
-        return notLibrary();
+        return notLibrary;
     return containsSegments(file, size, header) && containsSections(file, size, header) ? QString()
-                                                                                        : damaged();
+                                                                                        : damaged;
 }
 
 #endif
@@ -164,7 +153,7 @@ QString libraryFileError(const QString& path)
     if (::stat(name.constData(), &status) != 0)
         return readError(qt_error_string(errno));
     if (!S_ISREG(status.st_mode))
-        return notRegular();
+        return notRegular;
     const int file = ::open(name.constData(), O_RDONLY | O_CLOEXEC);
     if (file < 0)
         return readError(qt_error_string(errno));
@@ -179,14 +168,14 @@ QString libraryFileError(const QString& path)
 {
     const QFileInfo info(path);
     if (info.exists() && !info.isFile())
-        return notRegular();
+        return notRegular;
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return readError(file.errorString());
     IMAGE_DOS_HEADER dos;
     if (!readAt(file, 0, &dos.e_magic, sizeof dos.e_magic) || dos.e_magic != IMAGE_DOS_SIGNATURE)
-        return notLibrary();
-    return readAt(file, 0, &dos, sizeof dos) && containsSections(file, dos) ? QString() : damaged();
+        return notLibrary;
+    return readAt(file, 0, &dos, sizeof dos) && containsSections(file, dos) ? QString() : damaged;
 }
 
 #else
@@ -204,11 +193,8 @@ bool fileContains(const QString& path, const char* text)
     if (!file.open(QIODevice::ReadOnly))
         return false;
     // Mapped, since the file may be large.
-    const uchar* const content = file.map(0, file.size());
-    if (!content)
-        return false;
-    const std::string_view view(reinterpret_cast<const char*>(content),
-                                static_cast<std::size_t>(file.size()));
+    const auto* const content = reinterpret_cast<const char*>(file.map(0, file.size()));
+    const std::string_view view(content, content ? static_cast<std::size_t>(file.size()) : 0);
     return view.find(text) != std::string_view::npos;
 }
 

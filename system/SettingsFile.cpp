@@ -10,7 +10,6 @@
 #include <QThread>
 #include <QVector>
 
-#include <algorithm>
 #include <filesystem>
 #include <mutex>
 #include <system_error>
@@ -91,12 +90,11 @@ QVector<SettingsFile*>& openFiles()
 /// Returns an open file with this path; null if there is none.
 SettingsFile* findOpenFile(const QString& absolutePath)
 {
-    const auto& files = openFiles();
-    const auto file =
-        std::find_if(files.cbegin(), files.cend(), [&absolutePath](const SettingsFile* each) {
-            return each->fileName() == absolutePath;
-        });
-    return file == files.cend() ? nullptr : *file;
+    for (SettingsFile* file : openFiles()) {
+        if (file->fileName() == absolutePath)
+            return file;
+    }
+    return nullptr;
 }
 
 bool SettingsFile::event(QEvent* event)
