@@ -39,7 +39,7 @@ quint32 setThreadExecutionState(quint32 flags)
     return ::SetThreadExecutionState(flags);
 #else
 #ifdef OVSYSTEM_SLEEP_INHIBITOR
-    // Other flags leave a continuous request in force.
+    // Without the flag, a continuous request remains in effect.
     if (flags & ExecutionContinuous)
         setSleepInhibited(flags & ExecutionSystemRequired);
 #endif
