@@ -21,7 +21,7 @@ public:
     /// Returns the exit code after --help, --version and a usage error, otherwise an empty value.
     std::optional<int> parse(QCommandLineParser& parser, const QStringList& arguments);
 
-    /// The plug-in directory; it may not exist.
+    /// Returns the plug-in directory, which does not have to exist.
     QString pluginDir() const;
     /// Initialises the library.
     void startLibrary() const;
@@ -35,7 +35,7 @@ private:
     std::optional<int> _boardType;
 };
 
-/// Says on standard error if the settings of this session will be lost.
+/// Prints a warning if the settings of this session will be lost.
 void warnIfSettingsCannotBeKept();
 
 } // namespace Host

@@ -30,7 +30,7 @@ namespace App {
 /// so that the strings of the plug-in's info remain valid. Refused files are skipped silently;
 /// `records` returns the reasons.
 ///
-/// No function throws what a plug-in throws: the loader logs a warning with the file and the
+/// The loader catches the exceptions of plug-ins: it logs a warning with the file and the
 /// exception's text, and continues. If the constructor of the root object, `supportedBoardTypes`,
 /// `pluginID` or `pluginInfo` throws, the file is refused. A plug-in whose `start` throws stays
 /// loaded, since it may have registered something, and one whose `stop` throws is unloaded: both as
@@ -59,8 +59,8 @@ public:
     /// ignoring case. Hidden files and directories are skipped. Links to directories are followed,
     /// but no directory is searched twice.
     static QStringList pluginFiles();
-    /// Returns whether the file is on the discard list of files that are never loaded, by its name
-    /// up to the first dot, and if so, logs a warning. At present the list is empty.
+    /// Returns true, and logs a warning, if the file's name up to the first dot is on the list of
+    /// files that are never loaded. The list is currently empty.
     static bool isDiscard(const QString& file);
 
     /// Scans the plug-in directory and loads every plug-in file in the order of `pluginFiles`. If
@@ -100,9 +100,9 @@ public:
     /// leaves the object unchanged. `filePath`, the file of the object, is used for warnings only.
     /// The loader does not own the object, does not unload it, and keeps no record of it.
     static bool loadPlugin(QObject* object, bool startPlugins, const QString& filePath);
-    /// Returns whether an object, which may be null, would be accepted as a plug-in with the board
-    /// in use, and if not, why. Calls `supportedBoardTypes` and, if the board is supported,
-    /// `pluginID`. Without a board description no board is supported.
+    /// Returns the verdict on an object, which may be null, with the board in use. Calls
+    /// `supportedBoardTypes` and, if the board is supported, `pluginID`. Without a board
+    /// description no board is supported.
     static Verdict verdictOn(QObject* object);
     /// Stops and unloads the plug-in that was loaded last if it was loaded from `file` and the file
     /// exists; otherwise does nothing.

@@ -25,8 +25,8 @@ enum class PluginVerdict
     Exception
 };
 
-/// The result of loading one plug-in file, for example for a dialog that lists them. A
-/// copy remains valid when the plug-in is unloaded. Main thread only.
+/// The result of loading one plug-in file, for example for a dialog that lists the files. A copy
+/// remains valid when the plug-in is unloaded. Main thread only.
 struct PluginRecord
 {
     /// The absolute path.
@@ -39,7 +39,7 @@ struct PluginRecord
     QString reason;
     /// The plug-in's own description; a default record unless it is accepted.
     PluginInfo info;
-    /// The root object; null if there is none, and from the moment when it is unloaded. Not owned.
+    /// The root object; null if there is none or it has been unloaded. Not owned.
     QPointer<QObject> rootObject;
 };
 

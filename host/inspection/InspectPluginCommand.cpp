@@ -48,7 +48,7 @@ std::FILE* resultPipe = nullptr;
 
 void sendMessage(const QJsonObject& parts)
 {
-    // If nobody reads the results, nobody needs the rest.
+    // Without a reader of the results, the inspection is not needed.
     if (!write(resultPipe, QJsonDocument(parts).toJson(QJsonDocument::Compact) + '\n'))
         std::_Exit(Failure);
 }

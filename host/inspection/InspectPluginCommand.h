@@ -4,12 +4,12 @@
 
 namespace Host {
 
-/// The messages that a process which inspects a plug-in sends to its parent: one JSON object per
-/// line, with parts of the report as they become known, and these.
+/// The messages that a process which inspects a plug-in sends to its parent. Each one is a JSON
+/// object on one line: it contains new parts of the report, or one of these members.
 namespace InspectionProtocol {
-/// What the process does next, in words that follow "while".
+/// The next activity of the process, as a clause that follows "while".
 constexpr char activity[] = "activity";
-/// What terminates the process, in words that follow "ended by".
+/// The reason for the end of the process, as a phrase that follows "ended by".
 constexpr char terminationReason[] = "terminationReason";
 /// The activity after the inspection.
 constexpr char lastActivity[] = "the program ended";

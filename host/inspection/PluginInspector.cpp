@@ -48,7 +48,7 @@ void killChildrenOnExit()
 }
 
 /// Returns an environment in which the C library overwrites freed memory, so that a process which
-/// uses it crashes. The C library does not overwrite what it keeps in the caches of its threads.
+/// uses it crashes. The C library does not overwrite memory in the caches of its threads.
 QProcessEnvironment inspectionEnvironment()
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -61,7 +61,7 @@ QProcessEnvironment inspectionEnvironment()
     return environment;
 }
 
-/// Returns what ended a process that has crashed, in words that follow "ended by".
+/// Returns the reason for the crash of a process, as a phrase that follows "ended by".
 QString terminationReasonOf(const QProcess& process)
 {
 #ifdef Q_OS_WIN
@@ -126,11 +126,11 @@ std::vector<PluginReport> PluginInspector::inspect(const QStringList& files)
     killChildrenOnExit();
     std::vector<PluginReport> reports(files.cbegin(), files.cend());
     for (PluginReport& report : reports) {
-        const QString problem = System::libraryFileError(report.text(QStringLiteral("file")));
-        if (problem.isEmpty())
+        const QString error = System::libraryFileError(report.text(QStringLiteral("file")));
+        if (error.isEmpty())
             _waiting.push_back(&report);
         else
-            report.add(verdictParts(QStringLiteral("no-plugin"), problem));
+            report.add(verdictParts(QStringLiteral("no-plugin"), error));
     }
     while (!_waiting.empty() && _running < _maxProcesses)
         startNext();

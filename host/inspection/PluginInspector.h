@@ -25,7 +25,7 @@ public:
 
     /// Returns a report for each file, in the same order.
     std::vector<PluginReport> inspect(const QStringList& files);
-    /// Returns why not all files were inspected; empty if they were.
+    /// Returns the reason if some files were not inspected; empty if all were.
     QString error() const { return _error; }
 
 private:

@@ -18,7 +18,7 @@ public:
     /// Removes a part and returns it as text; empty if there is none.
     QString take(const QString& key);
 
-    /// Whether the file cannot be used with any board.
+    /// Returns true unless the plug-in is accepted or is for another board.
     bool isUnusable() const;
     /// Returns a part as text; empty if there is none or it is null.
     QString text(const QString& key) const;
@@ -30,8 +30,8 @@ private:
     QJsonObject _parts;
 };
 
-/// Returns the parts of a report for a verdict, which is one word for programs, with the reason in
-/// the sentence for users.
+/// Returns the parts of a report for a verdict: the verdict itself, one word for programs, and an
+/// explanation for users, which contains the reason.
 QJsonObject verdictParts(const QString& verdict, const QString& reason);
 
 } // namespace Host

@@ -34,7 +34,7 @@ using Reports = std::vector<PluginReport>;
 struct Files
 {
     QStringList paths;
-    /// As the table shows them.
+    /// The names for the table.
     QStringList names;
 };
 

@@ -17,8 +17,8 @@ public:
     /// Restores the previous handling of crashes.
     ~CrashHandler();
 
-    /// Sets the current activity, in words that follow "while". Nothing is printed before the first
-    /// call.
+    /// Sets the current activity, as a clause that follows "while". Nothing is printed before the
+    /// first call.
     void setActivity(const QString& activity);
 
 private:

@@ -4,18 +4,18 @@
 
 namespace Host {
 
-/// A signal that a crash raises, and its name.
+/// A signal that is raised by a crash, and its name.
 struct FatalSignal
 {
     int number;
     const char* name;
 };
 
-/// All of them that a program can catch; the last element is 0 and null.
+/// The fatal signals that a program can catch. The last element has the number 0.
 extern const FatalSignal fatalSignals[];
 
-/// Describes the exception for which `std::terminate` was called, or the call if there is none, in
-/// words that follow "ended by". For terminate handlers.
+/// Describes the exception for which `std::terminate` was called, or the call if there is no
+/// exception, as a phrase that follows "ended by". For terminate handlers.
 QString describeCurrentException();
 
 } // namespace Host

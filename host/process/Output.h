@@ -30,7 +30,7 @@ int fail(ExitCode exitCode, const QString& message);
 /// Prints a warning on standard error, in the same way.
 void warn(const QString& message);
 
-/// Returns a text of the user's in quotes, as messages show it.
+/// Returns a text from the user in quotes, for messages.
 QString quoted(const QString& text);
 /// Returns a text with the characters escaped that are not printable, so that it is one line and
 /// cannot control a terminal.

@@ -20,10 +20,10 @@ public:
 
     /// Replaces the application object by a `QApplication`, on the platform "offscreen" unless
     /// QT_QPA_PLATFORM is set, if one of the plug-in files needs Qt Gui or Qt Widgets. Call it
-    /// before the library is initialised. Prints no warnings of Qt.
+    /// before the library is initialised. Suppresses Qt's warnings.
     static void prepareFor(const QStringList& pluginFiles);
-    /// Returns that a file needs Qt Gui or Qt Widgets and the host is built without them, in one
-    /// sentence; empty if it does not.
+    /// Returns an error message if the file needs Qt Gui or Qt Widgets and the host is built
+    /// without them; otherwise an empty string.
     static QString widgetsError(const QString& pluginFile);
 
 private:

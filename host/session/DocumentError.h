@@ -4,8 +4,8 @@ class QString;
 
 namespace Host {
 
-/// Returns why the library does not open a document, which itself only returns null: a sentence
-/// that follows the file's name and a colon.
+/// Returns the reason why a document cannot be opened, as a clause that follows the file name and a
+/// colon. The library itself only returns null.
 QString documentError(const QString& path);
 
 } // namespace Host

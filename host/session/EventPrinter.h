@@ -9,7 +9,7 @@ class QString;
 namespace Host {
 
 /// Prints one line per event: the time in ms since the printer was created, the source and the
-/// description. As an observer of the console service, it prints each line of the log too.
+/// description. As an observer of `Core::ConsoleSingleton`, it prints each line of the log too.
 class EventPrinter : public Core::ConsoleObserver
 {
 public:

@@ -10,8 +10,8 @@ namespace Host {
 
 class EventPrinter;
 
-/// A minimal communication channel: while it is started, it prints at intervals, from the event
-/// loop, that it is alive.
+/// A minimal communication channel. While it is started, it prints a line at regular intervals,
+/// from the event loop.
 class HeartbeatChannel : public App::CommInfo
 {
 public:

@@ -226,7 +226,7 @@ void prepareForPlugins(const QString& directory)
     }
 }
 
-/// What an executable does between start-up and shutdown.
+/// Executes the session between start-up and shutdown.
 int useApplication(const QString& document, bool stay, SessionProgress& progress)
 {
     SessionListener listener(progress.printer());
