@@ -82,8 +82,8 @@ public:
     /// is not a Qt plug-in, cannot be loaded, or the object's constructor throws. Unlike
     /// `QPluginLoader`, it does not open files that `System::libraryFileError` rejects, which could
     /// crash Qt or the system's loader; `loader` then has no file. It also resolves all symbols at
-    /// once, as Windows always does: a plug-in that lacks a function is refused, instead of ending
-    /// the program when it first calls it.
+    /// once, as Windows always does: a plug-in with an unresolved symbol is refused, instead of
+    /// ending the program when it first uses the symbol.
     ///
     /// All loaders of a file share the object, which must not be deleted. It exists until the last
     /// of them unloads the file; the destructor of a loader does not unload it.
