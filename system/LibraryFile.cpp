@@ -24,9 +24,9 @@ namespace System {
 
 namespace {
 
-constexpr QLatin1String notRegular("it is not a regular file");
-constexpr QLatin1String notLibrary("it is not a library for this system");
-constexpr QLatin1String damaged("it is truncated or damaged");
+const QLatin1String notRegular("it is not a regular file");
+const QLatin1String notLibrary("it is not a library for this system");
+const QLatin1String damaged("it is truncated or damaged");
 
 QString readError(const QString& reason)
 {

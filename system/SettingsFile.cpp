@@ -90,7 +90,7 @@ QVector<SettingsFile*>& openFiles()
 /// Returns an open file with this path; null if there is none.
 SettingsFile* findOpenFile(const QString& absolutePath)
 {
-    for (SettingsFile* file : openFiles()) {
+    for (SettingsFile* file : qAsConst(openFiles())) {
         if (file->fileName() == absolutePath)
             return file;
     }
