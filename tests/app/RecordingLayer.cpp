@@ -54,12 +54,12 @@ QString text(const QVariant& value)
 
 } // namespace
 
-#define RECORDED(call)                                                                             \
-    void call()                                                                                    \
+#define RECORDED(call, parameters)                                                                 \
+    void call parameters                                                                           \
     {                                                                                              \
         RecordingLayer::record(QStringLiteral(#call));                                             \
     }
-#define RECORDED_SERVICE(name) RECORDED(name::init) RECORDED(name::destruct)
+#define RECORDED_SERVICE(name) RECORDED(name::init, ()) RECORDED(name::destruct, ())
 
 RECORDED_SERVICE(App::CommInfoRegistry)
 RECORDED_SERVICE(App::ExtendPluginRegistry)
@@ -73,12 +73,14 @@ RECORDED_SERVICE(Database::MemoryDatabaseManager)
 RECORDED_SERVICE(Doc::EntityClipboard)
 RECORDED_SERVICE(Doc::EntityInfoRegistry)
 RECORDED_SERVICE(FontLibrary::FontPluginLoader)
-RECORDED(Core::Object::initPropertyType)
-RECORDED(Doc::DocObject::initPropertyType)
-RECORDED(Doc::Entity::initPropertyType)
-RECORDED(Doc::GroupEntity::initPropertyType)
-RECORDED(Doc::Layer::initPropertyType)
-RECORDED(Doc::ObjectGroupEntity::initPropertyType)
+RECORDED(Core::Object::initPropertyType, ())
+RECORDED(Doc::DocObject::initPropertyType, ())
+RECORDED(Doc::Entity::initPropertyType, ())
+RECORDED(Doc::GroupEntity::initPropertyType, ())
+RECORDED(Doc::Layer::initPropertyType, ())
+RECORDED(Doc::ObjectGroupEntity::initPropertyType, ())
+RECORDED(Core::ConsoleSingleton::attachObserver, (ConsoleObserver*))
+RECORDED(Core::ConsoleSingleton::detachObserver, (ConsoleObserver*))
 
 quint32 System::setThreadExecutionState(quint32 flags)
 {
@@ -140,16 +142,6 @@ ConsoleSingleton& ConsoleSingleton::instance()
 {
     static ConsoleSingleton console;
     return console;
-}
-
-void ConsoleSingleton::attachObserver(ConsoleObserver*)
-{
-    RecordingLayer::record("Core::ConsoleSingleton::attachObserver"_s);
-}
-
-void ConsoleSingleton::detachObserver(ConsoleObserver*)
-{
-    RecordingLayer::record("Core::ConsoleSingleton::detachObserver"_s);
 }
 
 void ConsoleSingleton::log(const char* format, ...)

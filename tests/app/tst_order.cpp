@@ -81,13 +81,6 @@ private Q_SLOTS:
         layer.calls.clear();
     }
 
-    void startUpAndShutdown_data()
-    {
-        QTest::addColumn<bool>("toFile");
-        QTest::newRow("no log file") << false;
-        QTest::newRow("log file") << true;
-    }
-
     void startUpAndShutdown()
     {
         const QStringList startUp = parts(u'\n', R"(
@@ -136,24 +129,24 @@ private Q_SLOTS:
         const QStringList logFile{
             "Core::ConsoleObserverFile(log.txt)"_s, "Core::ConsoleSingleton::attachObserver"_s,
             "Core::ConsoleSingleton::detachObserver"_s, "Core::~ConsoleObserverFile"_s};
-        QFETCH(bool, toFile);
-        if (toFile)
-            layer.settings.insert("Debug/file"_s, true);
-
         layer.onCall = [](const QString& call) {
             if (call == "Core::BoardEthDescHandler::init"_s)
                 QVERIFY(!Application::instance().activateDocument());
         };
-        Application::init();
-        QCOMPARE(layer.calls, toFile ? startUp : without(startUp, logFile));
-        layer.calls.clear();
-        Application::destruct();
-        QCOMPARE(layer.calls, toFile ? shutdown : without(shutdown, logFile));
+        for (const bool toFile : {false, true}) {
+            layer.settings.insert("Debug/file"_s, toFile);
+            Application::init();
+            QCOMPARE(layer.calls, toFile ? startUp : without(startUp, logFile));
+            layer.calls.clear();
+            Application::destruct();
+            QCOMPARE(layer.calls, toFile ? shutdown : without(shutdown, logFile));
 
-        // A shutdown without a start-up is allowed.
-        layer.calls.clear();
-        Application::destruct();
-        QCOMPARE(layer.calls, without(shutdown, logFile + QStringList{shutdown.last()}));
+            // A shutdown without a start-up is allowed.
+            layer.calls.clear();
+            Application::destruct();
+            QCOMPARE(layer.calls, without(shutdown, logFile + QStringList{shutdown.last()}));
+            layer.calls.clear();
+        }
     }
 
     void startFinished()
