@@ -82,20 +82,8 @@ private:
     /// that is never deleted.
     void listen(int kind)
     {
-        App::Application& application = App::Application::instance();
         static auto& forever = *new Listener([](const QString&) {});
-        Listener* listener = kind % 2 == 0 ? &_listener : &forever;
-        const std::function<void()> registrations[] = {
-            [&] { application.addNewDocumentListener(listener); },
-            [&] { application.addCloseDocumentListener(listener); },
-            [&] { application.addActiveDocumentListener(listener); },
-            [&] { application.addObjectListListener(listener); },
-            [&] { application.addTransactionListener(listener); },
-            [&] { application.addSelectionListener(listener); },
-            [&] { application.addPropertyListener(listener); },
-            [&] { application.addPluginStateChangeListener(listener); },
-            [&] { application.addStartFinishListener(listener); }};
-        registrations[kind]();
+        additions[kind](App::Application::instance(), kind % 2 == 0 ? &_listener : &forever);
     }
 
     static void enterStage(const char* stage)

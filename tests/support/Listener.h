@@ -37,31 +37,25 @@ struct Listener : App::ActiveDocumentListener,
 
     void updateActiveDocumentListener(Doc::Document* document) override
     {
-        called("active", document);
+        pass("active", document);
     }
     void updateAppStartFinishListener() override { _onCall("started"_s); }
-    void updateCloseDocumentListener(Doc::Document* document) override
-    {
-        called("close", document);
-    }
-    void updateNewDocumentListener(Doc::Document* document) override { called("new", document); }
-    void updateObjectListListener(Doc::Document* document) override { called("objects", document); }
+    void updateCloseDocumentListener(Doc::Document* document) override { pass("close", document); }
+    void updateNewDocumentListener(Doc::Document* document) override { pass("new", document); }
+    void updateObjectListListener(Doc::Document* document) override { pass("objects", document); }
     void updatePluginStateListener(int state) override { _onCall("state %1"_s.arg(state)); }
     void updatePropertyListener(Doc::Document* document, bool flag, int value) override
     {
         _onCall("property %1 %2 %3"_s.arg(nameOf(document)).arg(flag).arg(value));
     }
-    void updateSelectionListener(Doc::Document* document) override
-    {
-        called("selection", document);
-    }
+    void updateSelectionListener(Doc::Document* document) override { pass("selection", document); }
     void updateTransactionListener(Doc::Document* document, Doc::Transaction* transaction) override
     {
         _onCall("transaction %1 %2"_s.arg(nameOf(document), transaction->name()));
     }
 
 private:
-    void called(const char* kind, const Doc::Document* document)
+    void pass(const char* kind, const Doc::Document* document)
     {
         _onCall(QLatin1String(kind) + u' ' + nameOf(document));
     }
@@ -69,18 +63,24 @@ private:
     const std::function<void(const QString&)> _onCall;
 };
 
+/// Add a listener, each to the list of one kind.
+inline constexpr void (*additions[])(App::Application&, Listener*) = {
+    [](App::Application& to, Listener* listener) { to.addNewDocumentListener(listener); },
+    [](App::Application& to, Listener* listener) { to.addCloseDocumentListener(listener); },
+    [](App::Application& to, Listener* listener) { to.addActiveDocumentListener(listener); },
+    [](App::Application& to, Listener* listener) { to.addObjectListListener(listener); },
+    [](App::Application& to, Listener* listener) { to.addTransactionListener(listener); },
+    [](App::Application& to, Listener* listener) { to.addSelectionListener(listener); },
+    [](App::Application& to, Listener* listener) { to.addPropertyListener(listener); },
+    [](App::Application& to, Listener* listener) { to.addPluginStateChangeListener(listener); },
+    [](App::Application& to, Listener* listener) { to.addStartFinishListener(listener); },
+};
+
 /// Adds `listener` to the lists of every kind.
 inline void add(App::Application& application, Listener* listener)
 {
-    application.addNewDocumentListener(listener);
-    application.addCloseDocumentListener(listener);
-    application.addActiveDocumentListener(listener);
-    application.addObjectListListener(listener);
-    application.addTransactionListener(listener);
-    application.addSelectionListener(listener);
-    application.addPropertyListener(listener);
-    application.addPluginStateChangeListener(listener);
-    application.addStartFinishListener(listener);
+    for (const auto addToOne : additions)
+        addToOne(application, listener);
 }
 
 /// Removes `listener` from the lists of every kind.
