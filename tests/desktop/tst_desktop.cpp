@@ -21,11 +21,9 @@
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QTemporaryDir>
 #include <QTreeWidget>
 #include <QtTest>
 
-#include <algorithm>
 #include <functional>
 #include <optional>
 
@@ -336,12 +334,11 @@ private Q_SLOTS:
                 "WindowPlugin: channel started",          "WindowPlugin: channel stopped",
                 "WindowPlugin: window deleted",           "WindowPlugin: channel stopped",
                 "WindowPlugin: stopped, with a document", "destruct application."};
-            QByteArrayList lines = console.lines;
-            lines.erase(std::remove_if(lines.begin(), lines.end(),
-                                       [&expected](const QByteArray& line) {
-                                           return !expected.contains(line);
-                                       }),
-                        lines.end());
+            QByteArrayList lines;
+            for (const QByteArray& line : console.lines) {
+                if (expected.contains(line))
+                    lines += line;
+            }
             QCOMPARE(lines, expected);
         }
     }
@@ -354,9 +351,7 @@ private Q_SLOTS:
         auto* dialog = desktop.window.findChild<QDialog*>();
         auto* host = dialog->findChild<QLineEdit*>();
         const auto* output = dialog->findChild<QPlainTextEdit*>();
-        const auto button = [dialog](int index) {
-            return dialog->findChildren<QPushButton*>().at(index);
-        };
+        const QList<QPushButton*> buttons = dialog->findChildren<QPushButton*>();
         for (const QString& text : {"-f localhost"_s, "two hosts"_s, "-v"_s, QString()}) {
             host->setText(text);
             QTest::keyClick(host, Qt::Key_Return);
@@ -366,32 +361,31 @@ private Q_SLOTS:
         host->setText("endless"_s);
         QTest::keyClick(host, Qt::Key_Return);
         QTRY_VERIFY(output->toPlainText().startsWith("endless\n"_s));
-        QVERIFY(!button(0)->isEnabled());
-        QTest::mouseClick(button(2), Qt::LeftButton);
+        QVERIFY(!buttons.at(0)->isEnabled());
+        QTest::mouseClick(buttons.at(2), Qt::LeftButton);
         QTRY_VERIFY(output->toPlainText().endsWith("summary\n"_s));
-        QTRY_VERIFY(button(0)->isEnabled());
+        QTRY_VERIFY(buttons.at(0)->isEnabled());
 
         QTest::keyClick(dialog, Qt::Key_T, Qt::AltModifier);
         QTRY_VERIFY(output->toPlainText().contains("10\nendless\n"_s));
         QTest::keyClick(dialog, Qt::Key_Escape);
-        QVERIFY(!dialog->isVisible() && button(0)->isEnabled());
+        QVERIFY(!dialog->isVisible() && buttons.at(0)->isEnabled());
         QTRY_VERIFY(contentOf(desktop.path("traceroute.out"_s)).endsWith("summary\n"));
 
         Tools::findIn(_user.path());
-        QTest::mouseClick(button(0), Qt::LeftButton);
+        QTest::mouseClick(buttons.at(0), Qt::LeftButton);
         QTRY_VERIFY(output->toPlainText().startsWith("ping: "_s));
-        QTest::mouseClick(button(1), Qt::LeftButton);
+        QTest::mouseClick(buttons.at(1), Qt::LeftButton);
         QCOMPARE(output->toPlainText(), "The traceroute tool cannot be started."_s);
-        QVERIFY(button(0)->isEnabled() && !button(2)->isEnabled());
+        QVERIFY(buttons.at(0)->isEnabled() && !buttons.at(2)->isEnabled());
     }
 
     void keyboard()
     {
         Desktop desktop(_user.path());
-        MainWindow& window = desktop.window;
         desktop.press(Qt::Key_N);
         QSet<QKeySequence> shortcuts;
-        const QList<QAction*> menus = window.menuBar()->actions();
+        const QList<QAction*> menus = desktop.window.menuBar()->actions();
         QCOMPARE(menus.size(), 4);
         for (const QAction* menu : menus) {
             QVERIFY2(menu->text().contains(u'&'), qPrintable(menu->text()));
@@ -403,7 +397,7 @@ private Q_SLOTS:
                 shortcuts += action->shortcut();
             }
         }
-        const QList<QDockWidget*> docks = window.findChildren<QDockWidget*>();
+        const QList<QDockWidget*> docks = desktop.window.findChildren<QDockWidget*>();
         for (const Qt::Key key : {Qt::Key_1, Qt::Key_2, Qt::Key_3}) {
             desktop.press(key);
             QVERIFY(!docks.at(key - Qt::Key_1)->isVisible());
@@ -419,7 +413,7 @@ private Q_SLOTS:
         for (const QDockWidget* dock : docks)
             expected += dock->findChild<QTreeWidget*>();
         for (const char* button : {"start", "stop"})
-            expected += window.findChild<QPushButton*>(QLatin1String(button));
+            expected += desktop.window.findChild<QPushButton*>(QLatin1String(button));
         QVERIFY(reached.contains(expected));
     }
 

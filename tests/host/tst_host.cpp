@@ -8,12 +8,8 @@
 
 #include <QtTest>
 
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QRegularExpression>
-
 #include <limits>
+#include <optional>
 
 #ifdef Q_OS_UNIX
 #include <csignal>
@@ -25,17 +21,25 @@ class tst_host : public QObject
 {
     Q_OBJECT
 
+    std::optional<QTemporaryDir> _directory;
+
+    QString path(const QString& name) const { return _directory->filePath(name); }
+    /// Runs ovapp-host with arguments in which "%1" is the test's directory.
+    Outcome run(const char* arguments) const
+    {
+        return runHost(words(arguments, _directory->path()));
+    }
+
 private Q_SLOTS:
+    void init() { _directory.emplace(); }
+
     void session()
     {
-        const QTemporaryDir directory;
-        const QString document = directory.filePath("coaster.ovdoc"_s);
         const QByteArray content =
             contentOf(QStringLiteral(OVAPP_SAMPLES "/documents/coaster.ovdoc"));
-        writeFile(document, content);
+        writeFile(path("coaster.ovdoc"_s), content);
         const Outcome outcome =
-            runHost(words("run --board 4 --app-dir %1 --plugins %1 --document %1/coaster.ovdoc",
-                          directory.path()));
+            run("run --board 4 --app-dir %1 --plugins %1 --document %1/coaster.ovdoc");
         QCOMPARE(outcome.errors, QStringList());
         QCOMPARE(outcome.status, 0);
 
@@ -80,7 +84,7 @@ host: stops and unloads the plug-ins
 host: stops the library
 log: destruct application.)"_s;
         QCOMPARE(events, expected.split(u'\n'));
-        QCOMPARE(contentOf(document), content);
+        QCOMPARE(contentOf(path("coaster.ovdoc"_s)), content);
     }
 
     void documents_data()
@@ -109,7 +113,7 @@ log: destruct application.)"_s;
         QFETCH(QString, problem);
         if (name.startsWith(u'/') && QSysInfo::kernelType() != "linux"_s)
             QSKIP("No file here that opens and cannot be read");
-        const QString path = QDir(_directory.path()).absoluteFilePath(name);
+        const QString path = QDir(_directory->path()).absoluteFilePath(name);
         if (!content.isNull())
             writeFile(path, content);
 #ifdef Q_OS_UNIX
@@ -117,7 +121,7 @@ log: destruct application.)"_s;
             QCOMPARE(::mkfifo(QFile::encodeName(path).constData(), 0600), 0);
 #endif
         const Outcome outcome =
-            runHost({"run"_s, "--app-dir"_s, _directory.path(), "--document"_s, path});
+            runHost({"run"_s, "--app-dir"_s, _directory->path(), "--document"_s, path});
         QCOMPARE(outcome.status, 1);
         QCOMPARE(outcome.errors.size(), 1);
         const QString error = outcome.errors.first();
@@ -129,11 +133,9 @@ log: destruct application.)"_s;
 
     void fullCounter()
     {
-        const QString path = _directory.filePath("full.ovdoc"_s);
-        writeFile(path, R"({"format": "ovdoc", "version": 1,
+        writeFile(path("full.ovdoc"_s), R"({"format": "ovdoc", "version": 1,
                             "printCount": {"finished": 2147483647, "target": 0}})");
-        const Outcome outcome =
-            runHost(words("run --app-dir %1 --document %1/full.ovdoc", _directory.path()));
+        const Outcome outcome = run("run --app-dir %1 --document %1/full.ovdoc");
         QCOMPARE(outcome.status, 0);
         QVERIFY(outcome.output.filter("changed in"_s).first().contains("2147483647 of 0"_s));
     }
@@ -207,21 +209,19 @@ log: destruct application.)"_s;
 
     void settingsThatCannotBeWritten()
     {
-        const QTemporaryDir directory;
-        writeFile(directory.filePath("file"_s));
-        QVERIFY(QDir().mkpath(directory.filePath("locked/ovapp.ini.lock"_s)));
+        writeFile(path("file"_s));
+        QVERIFY(QDir().mkpath(path("locked/ovapp.ini.lock"_s)));
         const std::pair<QString, QString> reasons[] = {
             {"file/below"_s, "no file can be created in its directory"_s},
             {"locked"_s, "its lock file, ovapp.ini.lock, is in use or cannot be removed"_s}};
         for (const auto& [name, reason] : reasons) {
-            const QString path = directory.filePath(name);
-            const Outcome outcome = runHost({"run"_s, "--app-dir"_s, path});
+            const Outcome outcome = runHost({"run"_s, "--app-dir"_s, path(name)});
             QCOMPARE(outcome.status, 0);
             QCOMPARE(
                 outcome.errors,
                 QStringList("ovapp-host: warning: '%1/ovapp.ini' cannot be written: %2; "
                             "settings will be lost, unless --app-dir names another directory"_s.arg(
-                                path, reason)));
+                                path(name), reason)));
         }
     }
 
@@ -237,24 +237,23 @@ log: destruct application.)"_s;
             return QStringList("ovapp-host: cannot start the system's %1 tool; on Debian, "
                                "install %2"_s.arg(QLatin1String(tool), QLatin1String(package)));
         };
-        QTest::newRow("answered") << true << "ping --count 0 here" << 0 << words("here") << none;
-        QTest::newRow("until the count")
-            << true << "ping --count 1 endless" << 0 << words("endless summary") << none;
-        QTest::newRow("until the default count")
-            << true << "ping endless" << 0 << words("endless summary") << none;
-        QTest::newRow("not answered") << true << "ping unanswered" << 1 << words("unanswered")
-                                      << QStringList("ovapp-host: complaint"_s);
-        QTest::newRow("no ping") << false << "ping here" << 1 << none
-                                 << missing("ping", "iputils-ping");
+        const auto row = [](const char* name, bool installed, const char* arguments, int status,
+                            const QStringList& output, const QStringList& errors) {
+            QTest::newRow(name) << installed << arguments << status << output << errors;
+        };
+        row("answered", true, "ping --count 0 here", 0, words("here"), none);
+        const QStringList summary = words("endless summary");
+        row("until the count", true, "ping --count 1 endless", 0, summary, none);
+        row("until the default count", true, "ping endless", 0, summary, none);
+        row("not answered", true, "ping unanswered", 1, words("unanswered"),
+            {"ovapp-host: complaint"_s});
+        row("no ping", false, "ping here", 1, none, missing("ping", "iputils-ping"));
         const QStringList hops{QLatin1String(SystemTools::tracerouteMaxHops)};
-        QTest::newRow("traced") << true << "trace --max-hops 1 slow" << 0
-                                << hops + words("1 slow complaint") + QStringList(" 1  later"_s)
-                                << none;
-        QTest::newRow("not traced")
-            << true << "trace here" << 1 << hops + words("10 here complaint")
-            << QStringList("ovapp-host: no hop to 'here' was found"_s);
-        QTest::newRow("no traceroute")
-            << false << "trace here" << 1 << none << missing("traceroute", "traceroute");
+        row("traced", true, "trace --max-hops 1 slow", 0,
+            hops + words("1 slow complaint") + QStringList(" 1  later"_s), none);
+        row("not traced", true, "trace here", 1, hops + words("10 here complaint"),
+            {"ovapp-host: no hop to 'here' was found"_s});
+        row("no traceroute", false, "trace here", 1, none, missing("traceroute", "traceroute"));
     }
 
     void networkTools()
@@ -319,7 +318,7 @@ log: destruct application.)"_s;
         QFETCH(QString, error);
         Tools::findIn(QStringLiteral(FAKE_TOOL_DIR));
         QProcess host;
-        host.start(QStringLiteral(OVAPP_HOST), words(qPrintable(arguments), _directory.path()));
+        host.start(QStringLiteral(OVAPP_HOST), words(qPrintable(arguments), _directory->path()));
         while (!QString::fromUtf8(host.peek(100000)).contains(QRegularExpression(readyOutput)))
             QVERIFY(host.waitForReadyRead());
         QElapsedTimer elapsed;
@@ -394,15 +393,14 @@ log: destruct application.)"_s;
         QFETCH(QString, arguments);
         QFETCH(QStringList, errors);
         Tools::findIn(QStringLiteral(FAKE_TOOL_DIR));
-        const QTemporaryDir directory;
-        writeFile(directory.filePath("ovapp.ini"_s), "[Debug]\nfile=true\n");
+        writeFile(path("ovapp.ini"_s), "[Debug]\nfile=true\n");
         const QTemporaryDir temporary;
         const auto previous = qgetenv("TMPDIR");
         qputenv("TMPDIR", QFile::encodeName(temporary.path()));
         QProcess shell;
-        shell.setWorkingDirectory(directory.path());
+        shell.setWorkingDirectory(_directory->path());
         shell.start("/bin/sh"_s, QStringList{"-c"_s, script, "sh"_s, QStringLiteral(OVAPP_HOST)} +
-                                     words(qPrintable(arguments), directory.path()));
+                                     words(qPrintable(arguments), _directory->path()));
         const Outcome outcome = outcomeOf(shell);
         previous.isNull() ? qunsetenv("TMPDIR") : qputenv("TMPDIR", previous);
 
@@ -412,10 +410,10 @@ log: destruct application.)"_s;
         printed.replaceInStrings(QRegularExpression("(cannot start [^:]*): .*"_s), "\\1"_s);
         QCOMPARE(printed, errors + QStringList("1"_s));
         QVERIFY(QDir(temporary.path()).isEmpty());
-        const QByteArray log = contentOf(directory.filePath("log.txt"_s));
+        const QByteArray log = contentOf(path("log.txt"_s));
         QVERIFY2(!log.contains(" ms "), log);
         for (const QString& process : QDir("/proc"_s).entryList(QDir::Dirs)) {
-            QVERIFY2(QFile::symLinkTarget("/proc/"_s + process + "/cwd"_s) != directory.path(),
+            QVERIFY2(QFile::symLinkTarget("/proc/"_s + process + "/cwd"_s) != _directory->path(),
                      "a process is still running");
         }
     }
@@ -426,7 +424,7 @@ log: destruct application.)"_s;
         // Sanitizers would turn the crashes into exits.
         for (const char* options : {"ASAN_OPTIONS", "TSAN_OPTIONS"})
             qputenv(options, "handle_segv=0");
-        const QTemporaryDir directory(QDir::temp().filePath("\u00c4 \u65e5\u672c-XXXXXX"_s));
+        _directory.emplace(QDir::temp().filePath("\u00c4 \u65e5\u672c-XXXXXX"_s));
         const struct
         {
             QString file;
@@ -457,34 +455,34 @@ log: destruct application.)"_s;
             {"throw.dll"_s, failingPlugin("queried throw"), "exception",
              "pluginID() threw an exception: test exception"}};
         for (const auto& row : rows)
-            writeFile(directory.filePath(row.file), row.content);
+            writeFile(path(row.file), row.content);
         const QStringList command = words(
             "plugins --profile --json --timeout 4 --board 0X80000004 --app-dir %1 --plugins %1",
-            directory.path());
+            _directory->path());
         const Outcome outcome = runHost(command);
         QCOMPARE(outcome.status, 1);
         QCOMPARE(outcome.errors.last(), "ovapp-host: 10 of 13 plug-in files cannot be used"_s);
         const QJsonObject json = jsonOf(outcome);
-        QCOMPARE(json.value("directory"_s).toString(), directory.path());
+        QCOMPARE(json.value("directory"_s).toString(), _directory->path());
         QCOMPARE(json.value("board"_s).toInt(), std::numeric_limits<int>::min() + 4);
         const QJsonArray plugins = json.value("plugins"_s).toArray();
         QCOMPARE(plugins.size(), 13);
         for (int i = 0; i < plugins.size(); ++i) {
             const QJsonObject plugin = plugins.at(i).toObject();
-            QCOMPARE(plugin.value("file"_s).toString(), directory.filePath(rows[i].file));
+            QCOMPARE(plugin.value("file"_s).toString(), path(rows[i].file));
             const QString verdict = QLatin1String(rows[i].verdict);
             QCOMPARE(plugin.value("verdict"_s).toString(), verdict);
             QCOMPARE(plugin.value("accepted"_s).toBool(), verdict == "accepted"_s);
             const QString explanation = plugin.value("explanation"_s).toString();
             QVERIFY2(explanation.contains(QLatin1String(rows[i].explanation)),
                      qPrintable(explanation));
-            QVERIFY(i < 2 || QFile::remove(directory.filePath(rows[i].file)));
+            QVERIFY(i < 2 || QFile::remove(path(rows[i].file)));
         }
         // The files that cannot be used have been removed.
         const Outcome accepted = runHost(command);
         QCOMPARE(accepted.status, 0);
         QCOMPARE(accepted.errors, words("loaded queried queried started stopped unloaded"));
-        QVERIFY(QFile::remove(directory.filePath("board.dll"_s)));
+        QVERIFY(QFile::remove(path("board.dll"_s)));
         const QJsonObject plugin = jsonOf(accepted).value("plugins"_s).toArray().at(0).toObject();
         QCOMPARE(plugin.value("identifier"_s).toString(), "0x1f"_s);
         QVERIFY(plugin.value("start_ms"_s).toDouble() > 300);
@@ -498,28 +496,27 @@ log: destruct application.)"_s;
             " +[0-9]{1,2}\\.[0-9]+  +accepted$"_s);
         QVERIFY2(row.contains(expected), qPrintable(row));
 
-        QVERIFY(QFile::remove(directory.filePath("accepted.dll"_s)));
+        QVERIFY(QFile::remove(path("accepted.dll"_s)));
         const Outcome empty = runHost(tableCommand);
         QCOMPARE(empty.status, 0);
-        QVERIFY(empty.output.join(u'\n').contains(directory.path()));
+        QVERIFY(empty.output.join(u'\n').contains(_directory->path()));
     }
 
     void remainingRegistrations()
     {
         for (const char* options : {"ASAN_OPTIONS", "TSAN_OPTIONS"})
             qputenv(options, "handle_segv=0");
-        const QTemporaryDir directory;
-        writeFile(directory.filePath("registers.dll"_s), failingPlugin("registers"));
+        writeFile(path("registers.dll"_s), failingPlugin("registers"));
         int listenerKinds = 0;
 #ifdef Q_OS_LINUX
         listenerKinds = 9;
         for (int kind = 0; kind < listenerKinds; ++kind) {
             const QByteArray way = "listens " + QByteArray::number(kind);
-            writeFile(directory.filePath(QString::fromLatin1(way) + ".dll"_s), failingPlugin(way));
+            writeFile(path(QString::fromLatin1(way) + ".dll"_s), failingPlugin(way));
         }
 #endif
-        const QStringList command =
-            words("plugins --profile --json --board 4 --app-dir %1 --plugins %1", directory.path());
+        const QStringList command = words(
+            "plugins --profile --json --board 4 --app-dir %1 --plugins %1", _directory->path());
         const QJsonArray plugins = jsonOf(runHost(command)).value("plugins"_s).toArray();
         QCOMPARE(plugins.size(), listenerKinds + 1);
         for (int i = 0; i < listenerKinds; ++i) {
@@ -536,28 +533,24 @@ log: destruct application.)"_s;
 
     void givenFiles()
     {
-        const QTemporaryDir directory;
-        const auto path = [&directory](const char* name) {
-            return directory.filePath(QLatin1String(name));
-        };
-        for (const char* name : {"a/my.dll", "b/my.dll", "b/other.so", "c.dll", "text.dll"})
+        for (const QString& name : words("a/my.dll b/my.dll b/other.so c.dll"))
             writeFile(path(name), failingPlugin(""));
-        writeFile(path("text.dll"), "text");
-        const QString current = QDir::currentPath();
-        QVERIFY(QDir::setCurrent(path("a")));
-        const QStringList command = words("plugins --board 4 --app-dir %1", _directory.path());
+        writeFile(path("text.dll"_s), "text");
+        const auto goBack =
+            qScopeGuard([current = QDir::currentPath()] { QDir::setCurrent(current); });
+        QVERIFY(QDir::setCurrent(path("a"_s)));
+        const QStringList command = words("plugins --board 4 --app-dir %1", _directory->path());
+        for (const auto& [file, error] :
+             {std::pair("missing.dll"_s, "'missing.dll' does not exist"_s),
+              {"../b"_s, "'../b' is a directory; use --plugins for it"_s},
+              {"../a/my.dll"_s, "'../a/my.dll' is given twice"_s}}) {
+            const Outcome outcome = runHost(command + QStringList{"my.dll"_s, file});
+            QCOMPARE(outcome.status, 2);
+            QCOMPARE(outcome.output, QStringList());
+            QCOMPARE(outcome.errors, QStringList("ovapp-host: "_s + error));
+        }
         const Outcome outcome =
             runHost(command + words("my.dll ../b/my.dll ../b/other.so ../text.dll"));
-        const auto error = [&](const QString& file) {
-            const Outcome failed = runHost(command + words("my.dll") + QStringList(file));
-            return failed.status == 2 && failed.output.isEmpty() ? failed.errors.join(u'\n')
-                                                                 : QString();
-        };
-        const QString missing = error("missing.dll"_s);
-        const QString isDirectory = error("../b"_s);
-        const QString twice = error("../a/my.dll"_s);
-        QVERIFY(QDir::setCurrent(current));
-
         QCOMPARE(outcome.status, 1);
         QCOMPARE(outcome.output.size(), 5);
         for (const char* name : {"my.dll", "../b/my.dll", "../b/other.so"})
@@ -577,9 +570,6 @@ log: destruct application.)"_s;
                               "ovapp-host: warning: my.dll, ../b/my.dll, ../b/other.so have the "
                               "same name, 'Failing'"_s,
                               "ovapp-host: 1 of 4 plug-in files cannot be used"_s}));
-        QCOMPARE(missing, "ovapp-host: 'missing.dll' does not exist"_s);
-        QCOMPARE(isDirectory, "ovapp-host: '../b' is a directory; use --plugins for it"_s);
-        QCOMPARE(twice, "ovapp-host: '../a/my.dll' is given twice"_s);
     }
 
     void widgets()
@@ -589,18 +579,16 @@ log: destruct application.)"_s;
         for (const char* variable :
              {"DISPLAY", "WAYLAND_DISPLAY", "XDG_RUNTIME_DIR", "QT_QPA_PLATFORM"})
             qunsetenv(variable);
-        const QTemporaryDir directory;
-        QVERIFY(QFile::copy(QStringLiteral(WINDOW_PLUGIN), directory.filePath("below.dll"_s)));
+        QVERIFY(QFile::copy(QStringLiteral(WINDOW_PLUGIN), path("below.dll"_s)));
         for (const char* command : {"plugins", "plugins --profile", "run"}) {
             const Outcome outcome = runHost(
-                words(command) + words("--board 1 --app-dir %1 --plugins %1", directory.path()));
+                words(command) + words("--board 1 --app-dir %1 --plugins %1", _directory->path()));
             QCOMPARE(outcome.errors, QStringList());
             QCOMPARE(outcome.status, 0);
             QVERIFY(!outcome.output.filter(QRegularExpression("below.dll .*accepted"_s)).isEmpty());
         }
         qputenv("QT_QPA_PLATFORM", "none such");
-        const Outcome outcome =
-            runHost(words("plugins --board 1 --app-dir %1 %1/below.dll", directory.path()));
+        const Outcome outcome = run("plugins --board 1 --app-dir %1 %1/below.dll");
         qunsetenv("QT_QPA_PLATFORM");
         QCOMPARE(outcome.status, 1);
         QVERIFY(outcome.errors.join(u'\n').contains("platform plugin"_s));
@@ -609,51 +597,42 @@ log: destruct application.)"_s;
 #endif
     }
 
+#ifdef Q_OS_UNIX
     void skippedFiles()
     {
-#ifdef Q_OS_UNIX
-        const QTemporaryDir directory;
-        const auto path = [&directory](const char* name) {
-            return directory.filePath(QLatin1String(name));
-        };
-        const QFile::Permissions all = QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner;
-        for (const char* name : {"below/my.so", "notes.txt", ".hidden.so", "closed/none"})
+        for (const QString& name : words("below/my.so notes.txt .hidden.so closed/none"))
             writeFile(path(name));
-        QVERIFY(QFile::link(directory.path(), path("below/loop")));
-        QVERIFY(QFile::link("nowhere"_s, path("gone.dll")));
-        QCOMPARE(::mkfifo(QFile::encodeName(path("pipe.dll")).constData(), 0600), 0);
-        QVERIFY(QFile::setPermissions(path("closed"), {}));
-        const bool canRead = QFileInfo(path("closed")).isReadable();
-        const Outcome outcome =
-            runHost(words("plugins --app-dir %1 --plugins %1", directory.path()));
-        QVERIFY(QFile::setPermissions(path("closed"), all));
+        QVERIFY(QFile::link(_directory->path(), path("below/loop"_s)));
+        QVERIFY(QFile::link("nowhere"_s, path("gone.dll"_s)));
+        QCOMPARE(::mkfifo(QFile::encodeName(path("pipe.dll"_s)).constData(), 0600), 0);
+        QVERIFY(QFile::setPermissions(path("closed"_s), {}));
+        const bool canRead = QFileInfo(path("closed"_s)).isReadable();
+        const Outcome outcome = run("plugins --app-dir %1 --plugins %1");
+        QVERIFY(QFile::setPermissions(path("closed"_s),
+                                      QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
         QCOMPARE(outcome.status, 0);
         QStringList expected;
-        const auto add = [&](const char* name, const char* reason) {
-            expected +=
-                "ovapp-host: warning: '%1' is skipped: %2"_s.arg(path(name), QLatin1String(reason));
+        const auto add = [&](const QString& name, const QString& reason) {
+            expected += "ovapp-host: warning: '%1' is skipped: %2"_s.arg(path(name), reason);
         };
-        add("below/my.so", "the suffix of plug-in files is .dll");
+        add("below/my.so"_s, "the suffix of plug-in files is .dll"_s);
         // Root can read everything.
         if (!canRead)
-            add("closed", "the directory cannot be read");
-        add("gone.dll", "it is a link to a missing file");
-        add("pipe.dll", "it is not a regular file");
+            add("closed"_s, "the directory cannot be read"_s);
+        add("gone.dll"_s, "it is a link to a missing file"_s);
+        add("pipe.dll"_s, "it is not a regular file"_s);
         QCOMPARE(outcome.errors, expected);
-#else
-        QSKIP("This system has neither these files nor these permissions");
-#endif
     }
+#endif
 
+#ifdef Q_OS_LINUX
     void endOfParent()
     {
-#ifdef Q_OS_LINUX
-        const QTemporaryDir directory;
-        writeFile(directory.filePath("hang.dll"_s), failingPlugin("loaded hang"));
+        writeFile(path("hang.dll"_s), failingPlugin("loaded hang"));
         QProcess host;
         host.setReadChannel(QProcess::StandardError);
         host.start(QStringLiteral(OVAPP_HOST),
-                   words("plugins --app-dir %1 --plugins %1", directory.path()));
+                   words("plugins --app-dir %1 --plugins %1", _directory->path()));
         QVERIFY(host.waitForReadyRead());
         const QByteArray child = contentOf("/proc/%1/task/%1/children"_s.arg(host.processId()));
         const QString command = "/proc/%1/cmdline"_s.arg(child.toInt());
@@ -661,26 +640,22 @@ log: destruct application.)"_s;
         host.kill();
         QVERIFY(host.waitForFinished());
         QTRY_COMPARE(contentOf(command), QByteArray());
-#else
-        QSKIP("no way to find the process that inspects the plug-in on this system");
-#endif
     }
+#endif
 
     void pluginsInSession()
     {
-        const QTemporaryDir directory;
-        writeFile(directory.filePath("a.dll"_s), failingPlugin("started throw"));
-        writeFile(directory.filePath("b.dll"_s), failingPlugin("queried throw"));
+        writeFile(path("a.dll"_s), failingPlugin("started throw"));
+        writeFile(path("b.dll"_s), failingPlugin("queried throw"));
 #ifdef Q_OS_UNIX
         // Opening it would block.
-        QCOMPARE(::mkfifo(QFile::encodeName(directory.filePath("pipe"_s)).constData(), 0600), 0);
-        QVERIFY(QFile::link("pipe"_s, directory.filePath("c.dll"_s)));
+        QCOMPARE(::mkfifo(QFile::encodeName(path("pipe"_s)).constData(), 0600), 0);
+        QVERIFY(QFile::link("pipe"_s, path("c.dll"_s)));
 #else
-        writeFile(directory.filePath("c.dll"_s), "text");
+        writeFile(path("c.dll"_s), "text");
 #endif
-        writeFile(directory.filePath("d.dll"_s), failingPlugin("started quit"));
-        const Outcome outcome =
-            runHost(words("run --board 4 --app-dir %1 --plugins %1", directory.path()));
+        writeFile(path("d.dll"_s), failingPlugin("started quit"));
+        const Outcome outcome = run("run --board 4 --app-dir %1 --plugins %1");
         QCOMPARE(outcome.errors, QStringList("ovapp-host: a plug-in has ended the event loop"_s));
         QCOMPARE(outcome.status, 1);
         QStringList lines = outcome.output.filter(".dll"_s);
@@ -688,13 +663,13 @@ log: destruct application.)"_s;
         lines = lines.filter(QRegularExpression("^(?!log)"_s));
         QCOMPARE(
             lines,
-            QStringList(
-                {"loads and starts a.dll (1 of 4)"_s, "loads and starts b.dll (2 of 4)"_s,
-                 "loads and starts c.dll (3 of 4)"_s, "loads and starts d.dll (4 of 4)"_s,
-                 "a.dll is accepted: start() threw an exception: test exception"_s,
-                 "b.dll is refused: pluginID() threw an exception: test exception"_s,
-                 "c.dll is refused: "_s + System::libraryFileError(directory.filePath("c.dll"_s)),
-                 "d.dll is accepted"_s, "stops and unloads d.dll"_s, "stops and unloads a.dll"_s}));
+            QStringList({"loads and starts a.dll (1 of 4)"_s, "loads and starts b.dll (2 of 4)"_s,
+                         "loads and starts c.dll (3 of 4)"_s, "loads and starts d.dll (4 of 4)"_s,
+                         "a.dll is accepted: start() threw an exception: test exception"_s,
+                         "b.dll is refused: pluginID() threw an exception: test exception"_s,
+                         "c.dll is refused: "_s + System::libraryFileError(path("c.dll"_s)),
+                         "d.dll is accepted"_s, "stops and unloads d.dll"_s,
+                         "stops and unloads a.dll"_s}));
         // The output of the plug-ins shows that each one is unloaded in its own step.
         QCOMPARE(outcome.output.filter("unloaded"_s).size(), 3);
     }
@@ -703,23 +678,21 @@ log: destruct application.)"_s;
     {
         QTest::addColumn<QByteArray>("way");
         QTest::addColumn<QString>("ending");
-        QTest::newRow("exit")
-            << QByteArray("started exit")
-            << "a call of exit while the host loads and starts failing.dll (1 of 1)";
-        QTest::newRow("exception") << QByteArray("later throw")
-                                   << "an uncaught exception (test exception) while the host runs "
-                                      "the event loop";
+        const auto row = [](const char* name, const QByteArray& way, const char* ending) {
+            QTest::newRow(name) << way << ending;
+        };
+        row("exit", "started exit",
+            "a call of exit while the host loads and starts failing.dll (1 of 1)");
+        row("exception", "later throw",
+            "an uncaught exception (test exception) while the host runs the event loop");
 #ifdef Q_OS_UNIX
         // On Windows the file is refused.
-        QTest::newRow("static object")
-            << QByteArray("initialised throw")
-            << "an uncaught exception (test exception) while the host loads and starts failing.dll "
-               "(1 of 1)";
-        QTest::newRow("children") << QByteArray("started fork") << "";
-        QTest::newRow("stop") << QByteArray("stopped crash")
-                              << "SIGSEGV while the host stops and unloads failing.dll";
-        QTest::newRow("stack") << QByteArray("later overflow")
-                               << "SIGSEGV while the host runs the event loop";
+        row("static object", "initialised throw",
+            "an uncaught exception (test exception) while the host loads and starts failing.dll (1 "
+            "of 1)");
+        row("children", "started fork", "");
+        row("stop", "stopped crash", "SIGSEGV while the host stops and unloads failing.dll");
+        row("stack", "later overflow", "SIGSEGV while the host runs the event loop");
 #endif
     }
 
@@ -727,10 +700,8 @@ log: destruct application.)"_s;
     {
         QFETCH(QByteArray, way);
         QFETCH(QString, ending);
-        const QTemporaryDir directory;
-        writeFile(directory.filePath("failing.dll"_s), failingPlugin(way));
-        const Outcome outcome =
-            runHost(words("run --board 4 --app-dir %1 --plugins %1", directory.path()));
+        writeFile(path("failing.dll"_s), failingPlugin(way));
+        const Outcome outcome = run("run --board 4 --app-dir %1 --plugins %1");
         const QString error = "ovapp-host: ended by "_s + ending + "; "_s + executableName() +
                               " plugins --profile inspects the plug-ins"_s;
         QCOMPARE(outcome.errors, ending.isEmpty() ? QStringList() : QStringList(error));
@@ -759,8 +730,6 @@ private:
     {
         return QJsonDocument::fromJson(outcome.output.join(u'\n').toUtf8()).object();
     }
-
-    QTemporaryDir _directory;
 };
 
 QTEST_GUILESS_MAIN(tst_host)

@@ -7,7 +7,6 @@
 #include <plugins/ExtendPluginInterface.h>
 #include <system/LibraryFile.h>
 
-#include <QPluginLoader>
 #include <QtTest>
 
 #include <climits>
@@ -23,17 +22,6 @@
 using App::PluginInfo;
 using App::PluginLoader;
 using Verdict = PluginLoader::Verdict;
-
-/// Hides a file whose name begins with a dot. On Unix, the name is enough.
-static void hide(const QString& path)
-{
-#ifdef Q_OS_WIN
-    const auto name = reinterpret_cast<const wchar_t*>(path.utf16());
-    QVERIFY(SetFileAttributesW(name, FILE_ATTRIBUTE_HIDDEN));
-#else
-    Q_UNUSED(path)
-#endif
-}
 
 #ifdef Q_OF_ELF
 #include <link.h>
@@ -156,8 +144,12 @@ private Q_SLOTS:
         for (const QString& file :
              _fixture->plugins("b.dll .hidden.dll .hidden/d.dll sub/c.dll real/r.dll"))
             writeFile(file);
-        hide(_fixture->plugin(".hidden.dll"_s));
-        hide(_fixture->plugin(".hidden"_s));
+#ifdef Q_OS_WIN
+        // On Unix, the names are enough.
+        for (const QString& file : _fixture->plugins(".hidden.dll .hidden"))
+            QVERIFY(SetFileAttributesW(reinterpret_cast<const wchar_t*>(file.utf16()),
+                                       FILE_ATTRIBUTE_HIDDEN));
+#endif
         // Links to a parent directory, to one that is scanned later, and to one outside.
         const QString plugins = _fixture->plugin(QString());
         QVERIFY(QFile::link(plugins, plugins + "sub/loop.lnk"_s));
