@@ -32,12 +32,6 @@
 
 #include <cstdarg>
 
-RecordingLayer& RecordingLayer::instance()
-{
-    static RecordingLayer layer;
-    return layer;
-}
-
 void RecordingLayer::record(const QString& call)
 {
     if (instance().onCall)
@@ -45,14 +39,21 @@ void RecordingLayer::record(const QString& call)
     instance().calls.append(call);
 }
 
-namespace {
-
-QString text(const QVariant& value)
+static QString text(const QVariant& value)
 {
     return QLatin1String(value.typeName()) + u' ' + value.toString();
 }
 
-} // namespace
+#define SINGLETON(type)                                                                            \
+    type& type::instance()                                                                         \
+    {                                                                                              \
+        static type object;                                                                        \
+        return object;                                                                             \
+    }
+SINGLETON(RecordingLayer)
+SINGLETON(Core::ConsoleSingleton)
+SINGLETON(Core::Settings)
+SINGLETON(FontLibrary::FontDatabase)
 
 #define RECORDED(call, parameters)                                                                 \
     void call parameters                                                                           \
@@ -101,12 +102,6 @@ struct Settings::Private
 Settings::Settings() = default;
 Settings::~Settings() = default;
 
-Settings& Settings::instance()
-{
-    static Settings settings;
-    return settings;
-}
-
 QVariant Settings::value(const QString& key, const QVariant& defaultValue) const
 {
     RecordingLayer::record("Core::Settings::value(%1, %2)"_s.arg(key, text(defaultValue)));
@@ -138,12 +133,6 @@ const char* Version::versionString()
     return RecordingLayer::instance().version;
 }
 
-ConsoleSingleton& ConsoleSingleton::instance()
-{
-    static ConsoleSingleton console;
-    return console;
-}
-
 void ConsoleSingleton::log(const char* format, ...)
 {
     va_list arguments;
@@ -168,12 +157,6 @@ void ConsoleObserverFile::write(Severity, const QByteArray&)
 }
 
 } // namespace Core
-
-FontLibrary::FontDatabase& FontLibrary::FontDatabase::instance()
-{
-    static FontDatabase database;
-    return database;
-}
 
 void FontLibrary::FontDatabase::addFontsFromDirectory(const QString& directory, bool flag)
 {

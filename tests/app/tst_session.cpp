@@ -17,8 +17,6 @@
 
 using App::Application;
 
-namespace {
-
 // Outside the class, since moc does not parse these raw strings correctly.
 const QByteArray invalidDocuments[] = {
     "",
@@ -47,13 +45,6 @@ const QByteArray invalidDocuments[] = {
     QByteArray(50 << 20, '['),
 };
 
-QByteArrayList linesOf(const QString& path)
-{
-    return contentOf(path).split('\n');
-}
-
-} // namespace
-
 /// The library with the layer below: the log file, the state after a shutdown, and invalid
 /// documents.
 class tst_session : public QObject
@@ -71,18 +62,18 @@ private Q_SLOTS:
         Core::ConsoleSingleton::instance().warning("two\nlines\r\t\x1b[0m\\n\x7f");
         QVERIFY(console.lines.last().startsWith("warning: two"));
         const QString log = session.path("log.txt"_s);
-        const QByteArrayList written = linesOf(log);
+        const QByteArrayList written = contentOf(log).split('\n');
         QCOMPARE(written, QByteArrayList({"Application::attachObservers.",
                                           "Application::doAppStartFinished:: application started.",
                                           longLine, "two\\nlines\\r\\t\\x1b[0m\\\\n\\x7f", ""}));
 
         Application::destruct();
         QCOMPARE(console.lines.last(), "destruct application.");
-        QCOMPARE(linesOf(log), written);
+        QCOMPARE(contentOf(log).split('\n'), written);
         Core::Settings::instance().setApplicationDirPath(QFileInfo(log).path());
         Application::init();
         Application::attachObservers();
-        QCOMPARE(linesOf(log).size(), written.size() + 2);
+        QCOMPARE(contentOf(log).split('\n').size(), written.size() + 2);
     }
 
     void secondSessionStartsFresh()
