@@ -23,10 +23,7 @@ struct Engraving : Operation
     bool execute() override { return true; }
 };
 
-PropertyEvent someEvent()
-{
-    return PropertyEvent(Core::PropertyTypeID(1), "two"_s, 3, {4, 5, 6}, 7);
-}
+const PropertyEvent someEvent(Core::PropertyTypeID(1), "two"_s, 3, {4, 5, 6}, 7);
 
 /// Returns the fields in order, with the IDs in one string.
 QVariantList fields(const PropertyEvent& event)
@@ -78,7 +75,7 @@ private Q_SLOTS:
                  QVariantList({1, 2.5, 3, QString(), 7}));
         QCOMPARE(fields(PropertyEvent()), QVariantList({-1, QVariant(), -1, QString(), -1}));
 
-        const PropertyEvent first = someEvent();
+        const PropertyEvent first = someEvent;
         PropertyEvent second;
         second = first;
         const PropertyEvent third(second);
@@ -89,10 +86,10 @@ private Q_SLOTS:
         QCOMPARE(fields(first), someFields);
         QCOMPARE(fields(third), someFields);
 
-        PropertyEvent source = someEvent();
+        PropertyEvent source = someEvent;
         QCOMPARE(fields(PropertyEvent(std::move(source))), someFields);
         QCOMPARE(fields(source), QVariantList({1, QVariant(), 3, QString(), 7}));
-        source = someEvent();
+        source = someEvent;
         PropertyEvent target(Core::PropertyTypeID(9), 9, 9, {9, 9}, 9);
         target = std::move(source);
         QCOMPARE(fields(target), someFields);

@@ -31,8 +31,6 @@
 using Core::ConsoleSingleton;
 using Core::Settings;
 
-namespace {
-
 struct Counter : Core::ConsoleObserver
 {
     void write(Severity, const QByteArray& line) override
@@ -44,8 +42,6 @@ struct Counter : Core::ConsoleObserver
     int calls = 0;
     Core::ConsoleObserver* other = nullptr;
 };
-
-} // namespace
 
 /// The guarantees of the layer below and of the operating-system calls.
 class tst_platform : public QObject
@@ -133,10 +129,8 @@ private Q_SLOTS:
             const QString file = path("ovapp.ini"_s);
             writeFile(file, key + value + '\n');
             openSettings();
-            const QString text = QString::fromUtf8("b\xc3\xb6se \xe2\x82\xac");
-            QCOMPARE(Settings::instance().value(QString::fromUtf8("Gr\xc3\xb6\xc3\x9f"
-                                                                  "e/H\xc3\xb6he")),
-                     QVariant(text));
+            const QString text = "b\xc3\xb6se \xe2\x82\xac"_s;
+            QCOMPARE(Settings::instance().value("Gr\u00f6\u00dfe/H\u00f6he"_s), QVariant(text));
             Settings::instance().setValue("other"_s, 1);
             QVERIFY(contentOf(file).contains(text.toUtf8()));
             Settings::destruct();

@@ -10,8 +10,7 @@ class ConsoleRecorder : public Core::ConsoleObserver
 {
 public:
     ConsoleRecorder() { Core::ConsoleSingleton::instance().attachObserver(this); }
-    ConsoleRecorder(const ConsoleRecorder&) = delete;
-    ConsoleRecorder& operator=(const ConsoleRecorder&) = delete;
+    Q_DISABLE_COPY(ConsoleRecorder)
     ~ConsoleRecorder() override { Core::ConsoleSingleton::instance().detachObserver(this); }
 
     void write(Severity severity, const QByteArray& line) override

@@ -15,8 +15,7 @@ public:
         const rlimit limit{size, _limit.rlim_max};
         setrlimit(RLIMIT_FSIZE, &limit);
     }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+    Q_DISABLE_COPY(FileSizeLimit)
     ~FileSizeLimit()
     {
         setrlimit(RLIMIT_FSIZE, &_limit);

@@ -19,8 +19,7 @@ public:
         Core::Settings::instance().setApplicationDirPath(_directory.path());
         App::Application::init();
     }
-    Session(const Session&) = delete;
-    Session& operator=(const Session&) = delete;
+    Q_DISABLE_COPY(Session)
     ~Session() { App::Application::destruct(); }
 
     App::Application& application() const { return App::Application::instance(); }

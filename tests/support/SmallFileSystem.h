@@ -21,8 +21,7 @@ public:
                      ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
                      ::mount("none", _path.c_str(), "tmpfs", 0, "nr_blocks=1024") == 0;
     }
-    SmallFileSystem(const SmallFileSystem&) = delete;
-    SmallFileSystem& operator=(const SmallFileSystem&) = delete;
+    Q_DISABLE_COPY(SmallFileSystem)
     ~SmallFileSystem()
     {
         if (_isMounted)
