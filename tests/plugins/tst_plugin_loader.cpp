@@ -371,6 +371,7 @@ private Q_SLOTS:
         // Both kinds of exceptions, each twice, and then none.
         for (const char* suffix : {"", "", "!", "!", "-"}) {
             const bool throws = *suffix != '-';
+            const bool isRefused = throws && !isAccepted;
             const QString sentence =
                 failure + (*suffix ? "of an unknown type"_s : "no 100% "_s + moment);
             const auto throwFrom = [&](const char* plugin) {
@@ -393,13 +394,12 @@ private Q_SLOTS:
             const App::PluginRecord record = PluginLoader::records().at(1);
             QCOMPARE(record.verdict, throws ? verdict : Verdict::Accepted);
             QCOMPARE(record.reason, throws && moment != "stop"_s ? sentence : QString());
-            QCOMPARE(record.rootObject.isNull(), throws && !isAccepted);
-            QCOMPARE(names(),
-                     throws && !isAccepted ? "PluginA,PluginC,,"_s : "PluginA,PluginB,PluginC,"_s);
+            QCOMPARE(record.rootObject.isNull(), isRefused);
+            QCOMPARE(names(), isRefused ? "PluginA,PluginC,,"_s : "PluginA,PluginB,PluginC,"_s);
             PluginLoader::unloadPlugins();
-            QCOMPARE(RecordingPlugin::takeCalls(),
-                     calls(throws && !isAccepted ? "PluginC PluginA" : "PluginC PluginB PluginA",
-                           "stop destroy"));
+            QCOMPARE(
+                RecordingPlugin::takeCalls(),
+                calls(isRefused ? "PluginC PluginA" : "PluginC PluginB PluginA", "stop destroy"));
             QCOMPARE(log.lines, throws ? warnings(files.at(1)) : QByteArrayList());
 
             // An object without a file, which is never constructed here.
