@@ -56,8 +56,11 @@ public:
     {
         enterStage("started");
         const QByteArray way = wayOf();
-        if (way.startsWith("registers"))
-            registerAll();
+        if (way.startsWith("registers")) {
+            App::CommInfoRegistry::instance()->registerCommInfo(&_channel);
+            for (Extension& extension : _extensions)
+                App::ExtendPluginRegistry::instance().registerExtendInfo(&extension);
+        }
         if (way.startsWith("listens"))
             listen(way.at(8) - '0');
         QTimer::singleShot(0, [] { enterStage("later"); });
@@ -71,13 +74,6 @@ public:
     }
 
 private:
-    void registerAll()
-    {
-        App::CommInfoRegistry::instance()->registerCommInfo(&_channel);
-        App::ExtendPluginRegistry::instance().registerExtendInfo(&_extensions[0]);
-        App::ExtendPluginRegistry::instance().registerExtendInfo(&_extensions[1]);
-    }
-
     /// Registers a listener of one kind: alternately one that is destroyed with the plug-in and one
     /// that is never deleted.
     void listen(int kind)

@@ -16,15 +16,13 @@ void log(const char* what)
     Core::ConsoleSingleton::instance().log("WindowPlugin: %s", what);
 }
 
-class Window : public QWidget
+struct Window : QWidget
 {
-public:
     ~Window() override { log("window deleted"); }
 };
 
-class Channel : public App::CommInfo
+struct Channel : App::CommInfo
 {
-public:
     QString name() const override { return QStringLiteral("test channel"); }
     void start() override { log("channel started"); }
     void stop() override { log("channel stopped"); }

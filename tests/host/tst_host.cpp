@@ -10,6 +10,7 @@
 
 #include <limits>
 #include <optional>
+#include <tuple>
 
 #ifdef Q_OS_UNIX
 #include <csignal>
@@ -32,6 +33,7 @@ class tst_host : public QObject
 
 private Q_SLOTS:
     void init() { _directory.emplace(); }
+    void cleanup() { QDir::setCurrent(QDir::tempPath()); }
 
     void session()
     {
@@ -262,9 +264,9 @@ log: destruct application.)"_s;
         QFETCH(QString, arguments);
         if (arguments.contains("endless"_s) && !SystemTools::pingRunsUntilStopped)
             QSKIP("The tool of this system ends by itself");
-        if (!installed && Tools::isAlwaysFound(arguments.startsWith("ping"_s)
-                                                   ? QLatin1String(SystemTools::ping)
-                                                   : QLatin1String(SystemTools::traceroute)))
+        const char* tool =
+            arguments.startsWith("ping"_s) ? SystemTools::ping : SystemTools::traceroute;
+        if (!installed && Tools::isAlwaysFound(QLatin1String(tool)))
             QSKIP("This system's own tool cannot be hidden");
         Tools::findIn(installed ? QStringLiteral(FAKE_TOOL_DIR)
                                 : QCoreApplication::applicationDirPath());
@@ -425,37 +427,31 @@ log: destruct application.)"_s;
         for (const char* options : {"ASAN_OPTIONS", "TSAN_OPTIONS"})
             qputenv(options, "handle_segv=0");
         _directory.emplace(QDir::temp().filePath("\u00c4 \u65e5\u672c-XXXXXX"_s));
-        const struct
-        {
-            QString file;
-            QByteArray content;
-            const char* verdict;
-            const char* explanation;
-        } rows[] = {
-            {"accepted.dll"_s, failingPlugin("started wait"), "accepted", "accepted"},
-            {"board.dll"_s, builtPlugin("PluginB"), "other-board", "supportedBoardTypes() is 0x2"},
-            {"crash.dll"_s, failingPlugin("loaded crash"), "crashed", "while it was loaded"},
+        const std::tuple<const char*, QByteArray, const char*, const char*> rows[] = {
+            {"accepted", failingPlugin("started wait"), "accepted", "accepted"},
+            {"board", builtPlugin("PluginB"), "other-board", "supportedBoardTypes() is 0x2"},
+            {"crash", failingPlugin("loaded crash"), "crashed", "while it was loaded"},
             // Short enough for Qt 6 too, which does not need the sections after code and data.
-            {"damaged.dll"_s, failingPlugin("").left(4096), "no-plugin", "truncated"},
-            {"exit.dll"_s, failingPlugin("unloaded _exit"), "exited",
+            {"damaged", failingPlugin("").left(4096), "no-plugin", "truncated"},
+            {"exit", failingPlugin("unloaded _exit"), "exited",
              "exit code 0 while it was unloaded"},
-            {"fork.dll"_s, failingPlugin("started fork"), "accepted", "accepted"},
-            {"hang.dll"_s, failingPlugin("stopped hang"), "timed-out",
+            {"fork", failingPlugin("started fork"), "accepted", "accepted"},
+            {"hang", failingPlugin("stopped hang"), "timed-out",
              "4 s, and was ended while it was stopped"},
-            {"interface.dll"_s, builtPlugin("OtherInterface"), "no-interface", "Q_INTERFACES"},
-            {"no-id.dll"_s, builtPlugin("PluginWithoutIdentifier"), "no-identifier",
-             "pluginID() is 0"},
-            {"overflow.dll"_s, failingPlugin("started overflow"), "crashed",
-             "while it was started"},
-            {"program.dll"_s, contentOf(QStringLiteral(OVAPP_HOST)), "no-plugin",
-             "Qt cannot load it"},
-            {"symbol.dll"_s, failingPlugin("").replace("10PluginInfoC", "10PluginInfoX"),
+            {"interface", builtPlugin("OtherInterface"), "no-interface", "Q_INTERFACES"},
+            {"no-id", builtPlugin("PluginWithoutIdentifier"), "no-identifier", "pluginID() is 0"},
+            {"overflow", failingPlugin("started overflow"), "crashed", "while it was started"},
+            {"program", contentOf(QStringLiteral(OVAPP_HOST)), "no-plugin", "Qt cannot load it"},
+            {"symbol", failingPlugin("").replace("10PluginInfoC", "10PluginInfoX"),
              Tools::isWine() ? "crashed" : "no-plugin",
              Tools::isWine() ? "while its queries were called" : "Qt cannot load it"},
-            {"throw.dll"_s, failingPlugin("queried throw"), "exception",
+            {"throw", failingPlugin("queried throw"), "exception",
              "pluginID() threw an exception: test exception"}};
+        const auto pathOf = [this](const char* name) {
+            return path(QLatin1String(name) + ".dll"_s);
+        };
         for (const auto& row : rows)
-            writeFile(path(row.file), row.content);
+            writeFile(pathOf(std::get<0>(row)), std::get<1>(row));
         const QStringList command = words(
             "plugins --profile --json --timeout 4 --board 0X80000004 --app-dir %1 --plugins %1",
             _directory->path());
@@ -469,14 +465,15 @@ log: destruct application.)"_s;
         QCOMPARE(plugins.size(), 13);
         for (int i = 0; i < plugins.size(); ++i) {
             const QJsonObject plugin = plugins.at(i).toObject();
-            QCOMPARE(plugin.value("file"_s).toString(), path(rows[i].file));
-            const QString verdict = QLatin1String(rows[i].verdict);
+            const auto& [name, content, expectedVerdict, expectedExplanation] = rows[i];
+            QCOMPARE(plugin.value("file"_s).toString(), pathOf(name));
+            const QString verdict = QLatin1String(expectedVerdict);
             QCOMPARE(plugin.value("verdict"_s).toString(), verdict);
             QCOMPARE(plugin.value("accepted"_s).toBool(), verdict == "accepted"_s);
             const QString explanation = plugin.value("explanation"_s).toString();
-            QVERIFY2(explanation.contains(QLatin1String(rows[i].explanation)),
+            QVERIFY2(explanation.contains(QLatin1String(expectedExplanation)),
                      qPrintable(explanation));
-            QVERIFY(i < 2 || QFile::remove(path(rows[i].file)));
+            QVERIFY(i < 2 || QFile::remove(pathOf(name)));
         }
         // The files that cannot be used have been removed.
         const Outcome accepted = runHost(command);
@@ -488,8 +485,7 @@ log: destruct application.)"_s;
         QVERIFY(plugin.value("start_ms"_s).toDouble() > 300);
         QVERIFY(plugin.value("stop_ms"_s).toDouble() < 300);
 
-        QStringList tableCommand = command;
-        tableCommand.removeAll("--json"_s);
+        const QStringList tableCommand = command.filter(QRegularExpression("^(?!--json)"_s));
         const QString row = runHost(tableCommand).output.last();
         const QRegularExpression expected(
             "^accepted.dll  Failing  0x1f        0x4     +[0-9.]+ +[3-9][0-9]{2}\\.[0-9]+"
@@ -536,8 +532,6 @@ log: destruct application.)"_s;
         for (const QString& name : words("a/my.dll b/my.dll b/other.so c.dll"))
             writeFile(path(name), failingPlugin(""));
         writeFile(path("text.dll"_s), "text");
-        const auto goBack =
-            qScopeGuard([current = QDir::currentPath()] { QDir::setCurrent(current); });
         QVERIFY(QDir::setCurrent(path("a"_s)));
         const QStringList command = words("plugins --board 4 --app-dir %1", _directory->path());
         for (const auto& [file, error] :
@@ -572,9 +566,9 @@ log: destruct application.)"_s;
                               "ovapp-host: 1 of 4 plug-in files cannot be used"_s}));
     }
 
+#ifdef WINDOW_PLUGIN
     void widgets()
     {
-#ifdef WINDOW_PLUGIN
         // A machine without a display and a desktop session.
         for (const char* variable :
              {"DISPLAY", "WAYLAND_DISPLAY", "XDG_RUNTIME_DIR", "QT_QPA_PLATFORM"})
@@ -592,10 +586,8 @@ log: destruct application.)"_s;
         qunsetenv("QT_QPA_PLATFORM");
         QCOMPARE(outcome.status, 1);
         QVERIFY(outcome.errors.join(u'\n').contains("platform plugin"_s));
-#else
-        QSKIP("built without Qt Widgets");
-#endif
     }
+#endif
 
 #ifdef Q_OS_UNIX
     void skippedFiles()
