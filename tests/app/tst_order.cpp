@@ -194,6 +194,7 @@ private Q_SLOTS:
             {"a", "activate b", "b", "b", "delete a, remember b, active b"},
             {"a", "activate none", "none", "none", "delete a, active none"},
             {"a", "activate a", "a", "a", ""},
+            {"none", "activate none", "none", "none", ""},
             {"a", "close", "true", "none", "close a"},
             {"none", "close", "false", "none", ""},
         };
