@@ -397,14 +397,13 @@ log: destruct application.)"_s;
         Tools::findIn(QStringLiteral(FAKE_TOOL_DIR));
         writeFile(path("ovapp.ini"_s), "[Debug]\nfile=true\n");
         const QTemporaryDir temporary;
-        const auto previous = qgetenv("TMPDIR");
-        qputenv("TMPDIR", QFile::encodeName(temporary.path()));
         QProcess shell;
+        shell.setEnvironment(QProcess::systemEnvironment() +
+                             QStringList("TMPDIR="_s + temporary.path()));
         shell.setWorkingDirectory(_directory->path());
         shell.start("/bin/sh"_s, QStringList{"-c"_s, script, "sh"_s, QStringLiteral(OVAPP_HOST)} +
                                      words(qPrintable(arguments), _directory->path()));
         const Outcome outcome = outcomeOf(shell);
-        previous.isNull() ? qunsetenv("TMPDIR") : qputenv("TMPDIR", previous);
 
         // Qt adds a warning, and a reason that depends on its version.
         QStringList printed =

@@ -133,10 +133,9 @@ private Q_SLOTS:
             QSKIP(cannotMount);
         Core::Settings::instance().setApplicationDirPath(fileSystem.filePath(QString()));
         const QString file = fileSystem.filePath("Marker/Marker.ini"_s);
-        const QByteArray old = "[General]\nold=1\n";
         // From a full disk to one with few blocks, and around the reserve that is kept free.
         for (int freeBlocks = 0; freeBlocks < 261; freeBlocks += freeBlocks == 7 ? 245 : 1) {
-            const QByteArray before = freeBlocks % 2 ? QByteArray() : old;
+            const QByteArray before = freeBlocks % 2 ? "" : "[General]\nold=1\n";
             fileSystem.setFreeBlocks(SmallFileSystem::enoughBlocks);
             QFile::remove(file);
             if (!before.isEmpty())
