@@ -129,20 +129,21 @@ QString hexadecimal(quint64 number)
 /// Starts and stops an accepted plug-in.
 void profile(App::PluginInterface& plugin)
 {
-    const App::CommInfoRegistry& channels = *App::CommInfoRegistry::instance();
-    const App::ExtendPluginRegistry& extensions = App::ExtendPluginRegistry::instance();
-    const int channelCount = channels.count();
-    const int extensionCount = extensions.count();
+    const int channelCount = App::CommInfoRegistry::instance()->count();
+    const int extensionCount = App::ExtendPluginRegistry::instance().count();
     sendActivity("it was started");
     sendMessage(timeOf(QStringLiteral("start_ms"), [&plugin] { plugin.start(); }));
     sendActivity("it was stopped");
     sendMessage(timeOf(QStringLiteral("stop_ms"), [&plugin] { plugin.stop(); }));
-    if (channels.count() > channelCount || extensions.count() > extensionCount) {
+    const int channelsLeft = std::max(App::CommInfoRegistry::instance()->count() - channelCount, 0);
+    const int extensionsLeft =
+        std::max(App::ExtendPluginRegistry::instance().count() - extensionCount, 0);
+    if (channelsLeft + extensionsLeft > 0) {
         sendMessage(verdictParts(
             QStringLiteral("incomplete-stop"),
             QStringLiteral("stop() leaves objects registered (channels: %1, extensions: %2)")
-                .arg(std::max(channels.count() - channelCount, 0))
-                .arg(std::max(extensions.count() - extensionCount, 0))));
+                .arg(channelsLeft)
+                .arg(extensionsLeft)));
     }
 }
 

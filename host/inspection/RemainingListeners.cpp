@@ -63,6 +63,7 @@ int protectLibrary(dl_phdr_info* library, std::size_t, void* data)
         if (segment.p_type != PT_LOAD || !(segment.p_flags & PF_X))
             return;
         const std::uintptr_t first = start(segment) / page * page;
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): the system's tables contain integers
         ::mprotect(reinterpret_cast<void*>(first), start(segment) + segment.p_memsz - first,
                    protection->flags);
     });

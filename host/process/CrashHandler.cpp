@@ -9,7 +9,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <exception>
-#include <vector>
 
 #ifdef Q_OS_WIN
 #include <qt_windows.h>
@@ -33,8 +32,8 @@ using SignalAction = struct sigaction;
 /// The process that created the handler. The handler does not affect its forked children.
 pid_t handledProcess = 0;
 #endif
-/// Those of the fatal signals, in their order.
-std::vector<SignalAction> previousActions;
+/// The actions of the fatal signals, by the signal's number.
+SignalAction previousActions[NSIG] = {};
 
 void writeError(const char* text, std::size_t size)
 {
@@ -144,15 +143,14 @@ CrashHandler::CrashHandler()
     setAlternateStack();
 #endif
     for (const FatalSignal* signal = fatalSignals; signal->name; ++signal)
-        previousActions.push_back(setAction(signal->number, ownAction()));
+        previousActions[signal->number] = setAction(signal->number, ownAction());
 }
 
 CrashHandler::~CrashHandler()
 {
     activityText = nullptr;
-    for (std::size_t i = 0; i < previousActions.size(); ++i)
-        setAction(fatalSignals[i].number, previousActions[i]);
-    previousActions.clear();
+    for (const FatalSignal* signal = fatalSignals; signal->name; ++signal)
+        setAction(signal->number, previousActions[signal->number]);
 #ifdef Q_OS_WIN
     SetUnhandledExceptionFilter(previousFilter);
 #endif
