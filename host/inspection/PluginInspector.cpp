@@ -126,11 +126,11 @@ std::vector<PluginReport> PluginInspector::inspect(const QStringList& files)
     killChildrenOnExit();
     std::vector<PluginReport> reports(files.cbegin(), files.cend());
     for (PluginReport& report : reports) {
-        const QString error = System::libraryFileError(report.text(QStringLiteral("file")));
-        if (error.isEmpty())
+        const QString reason = System::libraryFileError(report.text(QStringLiteral("file")));
+        if (reason.isEmpty())
             _waiting.push_back(&report);
         else
-            report.add(verdictParts(QStringLiteral("no-plugin"), error));
+            report.add(verdictParts(QStringLiteral("no-plugin"), reason));
     }
     while (!_waiting.empty() && _running < _maxProcesses)
         startNext();

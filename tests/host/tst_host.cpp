@@ -22,6 +22,8 @@ class tst_host : public QObject
 {
     Q_OBJECT
 
+    /// On Windows, paths that are compiled into the test are relative to its drive.
+    const QString _previousPath = QDir::currentPath();
     std::optional<QTemporaryDir> _directory;
 
     QString path(const QString& name) const { return _directory->filePath(name); }
@@ -33,7 +35,7 @@ class tst_host : public QObject
 
 private Q_SLOTS:
     void init() { _directory.emplace(); }
-    void cleanup() { QDir::setCurrent(QDir::tempPath()); }
+    void cleanup() { QDir::setCurrent(_previousPath); }
 
     void session()
     {
