@@ -3,6 +3,7 @@
 #include <support/Listener.h>
 #include <support/SampleSession.h>
 #include <support/SmallFileSystem.h>
+#include <support/Tools.h>
 
 #include <events/SelectionChangeEvent.h>
 #include <events/TransactionEvent.h>
@@ -423,7 +424,7 @@ QString exits(int all)
         require(child.waitForFinished(), "a program does not end");
         require(child.exitStatus() == QProcess::NormalExit && child.exitCode() == 0,
                 "a program crashes at exit");
-        require(child.readAllStandardError().isEmpty(), "a program prints errors at exit");
+        require(Tools::errorsAtExit(child).isEmpty(), "a program prints errors at exit");
     }
     bus.kill();
     bus.waitForFinished();

@@ -1,4 +1,5 @@
 #include <support/Session.h>
+#include <support/Tools.h>
 
 #include <system/ExecutionState.h>
 
@@ -227,7 +228,7 @@ private Q_SLOTS:
                 {QCoreApplication::applicationFilePath(), "--exit"_s, QString::number(delay)});
             QVERIFY(child.waitForFinished());
             QCOMPARE(child.exitStatus(), QProcess::NormalExit);
-            QCOMPARE(child.readAllStandardError(), QByteArray());
+            QCOMPARE(Tools::errorsAtExit(child), QByteArray());
         }
         TRY_VERIFY(isWithdrawn());
     }
