@@ -9,7 +9,7 @@ namespace App {
 /// `Application::doAppStartFinished`, which the executable calls once, and every call of
 /// `Application::notifyStartFinishListener` notify the listeners that are registered at that time.
 ///
-/// Register it with `Application`, and remove it there before destroying it. Main thread only.
+/// Register it with `Application`. Main thread only, including its destruction.
 class OVAPP_EXPORT AppStartFinishListener
 {
 public:
@@ -17,6 +17,7 @@ public:
     /// does not end if a listener removes and adds itself in every call.
     virtual void updateAppStartFinishListener() = 0;
 
+    /// Removes the listener from the application object if it is still registered.
     virtual ~AppStartFinishListener();
 };
 

@@ -46,10 +46,10 @@ class TransactionListener;
 /// function throws an exception of its own. An exception from a listener passes through the
 /// notifying function to its caller, and the lists of listeners remain consistent.
 ///
-/// A listener may add and remove listeners, also of its own kind, while it is notified: listeners
-/// removed before their turn are not called; listeners added are called last, in the same
-/// iteration; every other listener is called once. A listener that is removed and added again
-/// counts as added. If it does this to itself in every call, the iteration does not end.
+/// A listener may add, remove and destroy listeners, also of its own kind and itself, while it is
+/// notified: listeners removed before their turn are not called; listeners added are called last,
+/// in the same iteration; every other listener is called once. A listener that was called, removed
+/// and added again is not called again in the same iteration.
 ///
 /// A new-document, close-document, active-document or property listener must not create, open,
 /// activate or close a document while it is notified: the listeners after it and the notifying
@@ -117,8 +117,9 @@ public:
 
     /// @name Registering listeners
     /// The `add` functions append a listener to the list of its kind. They ignore null and a
-    /// listener that is already registered. The listener is not owned: remove it before it is
-    /// deleted. The `remove` functions ignore a listener that is not registered.
+    /// listener that is already registered. The listener is not owned; if it is destroyed while it
+    /// is registered, its destructor removes it. The `remove` functions ignore a listener that is
+    /// not registered.
     /// @{
 
     /// @described_by_group
@@ -140,6 +141,10 @@ public:
     void removePluginStateChangeListener(PluginStateListener* listener);
     void addStartFinishListener(AppStartFinishListener* listener);
     void removeStartFinishListener(AppStartFinishListener* listener);
+
+    /// Returns the number of registered listeners of all nine kinds together. A listener of several
+    /// kinds counts once for each.
+    int listenerCount() const;
 
     /// @}
 
@@ -201,9 +206,23 @@ public:
     /// @}
 
 private:
+    friend class ActiveDocumentListener;
+    friend class AppStartFinishListener;
+    friend class CloseDocumentListener;
+    friend class NewDocumentListener;
+    friend class ObjectListListener;
+    friend class PluginStateListener;
+    friend class PropertyListener;
+    friend class SelectionListener;
+    friend class TransactionListener;
+
     Application();
     ~Application();
     Q_DISABLE_COPY(Application)
+
+    /// Removes a listener in its destructor; does nothing if there is no application object.
+    template <typename T>
+    static OVAPP_NO_EXPORT void removeDestroyed(QList<T*> Application::*list, T* listener);
 
     static OVAPP_NO_EXPORT Application* _p_instance;
     /// Owned; null while no log file is written.

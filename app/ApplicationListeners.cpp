@@ -117,6 +117,15 @@ void Application::removeStartFinishListener(AppStartFinishListener* listener)
     PointerList::remove(_startFinishListeners, listener);
 }
 
+int Application::listenerCount() const
+{
+    return static_cast<int>(_newDocumentListeners.size() + _closeDocumentListeners.size() +
+                            _activeDocumentListeners.size() + _objectListListeners.size() +
+                            _transactionListeners.size() + _selectionListeners.size() +
+                            _propertyListeners.size() + _pluginStateListeners.size() +
+                            _startFinishListeners.size());
+}
+
 void Application::notifyNewDocumentListener(Doc::Document* document)
 {
     PointerList::forEach<&NewDocumentListener::updateNewDocumentListener>(_newDocumentListeners,

@@ -11,7 +11,7 @@ namespace App {
 /// A listener that is called when the active document is closed, or is replaced by a document that
 /// is created or opened.
 ///
-/// Register it with `Application`, and remove it there before destroying it. Main thread only.
+/// Register it with `Application`. Main thread only, including its destruction.
 class OVAPP_EXPORT CloseDocumentListener
 {
 public:
@@ -20,6 +20,7 @@ public:
     /// the application does, after all listeners have been called.
     virtual void updateCloseDocumentListener(Doc::Document* document) = 0;
 
+    /// Removes the listener from the application object if it is still registered.
     virtual ~CloseDocumentListener();
 };
 

@@ -1,4 +1,5 @@
 #include <app/ActiveDocumentListener.h>
+#include <app/Application.h>
 #include <app/AppStartFinishListener.h>
 #include <app/CloseDocumentListener.h>
 #include <app/NewDocumentListener.h>
@@ -7,27 +8,62 @@
 #include <app/PropertyListener.h>
 #include <app/SelectionListener.h>
 #include <app/TransactionListener.h>
+#include <registries/PointerList.h>
 
-// The destructors are defined here so that only the library contains the virtual tables and type
-// information of the interfaces, and not every plug-in too.
+// The destructors are defined here, so that they can remove the listener from its list, and that
+// only the library contains the virtual tables and type information of the interfaces.
 namespace App {
 
-ActiveDocumentListener::~ActiveDocumentListener() = default;
+template <typename T>
+void Application::removeDestroyed(QList<T*> Application::*list, T* listener)
+{
+    if (_p_instance)
+        PointerList::removeDestroyed(_p_instance->*list, listener);
+}
 
-AppStartFinishListener::~AppStartFinishListener() = default;
+ActiveDocumentListener::~ActiveDocumentListener()
+{
+    Application::removeDestroyed(&Application::_activeDocumentListeners, this);
+}
 
-CloseDocumentListener::~CloseDocumentListener() = default;
+AppStartFinishListener::~AppStartFinishListener()
+{
+    Application::removeDestroyed(&Application::_startFinishListeners, this);
+}
 
-NewDocumentListener::~NewDocumentListener() = default;
+CloseDocumentListener::~CloseDocumentListener()
+{
+    Application::removeDestroyed(&Application::_closeDocumentListeners, this);
+}
 
-ObjectListListener::~ObjectListListener() = default;
+NewDocumentListener::~NewDocumentListener()
+{
+    Application::removeDestroyed(&Application::_newDocumentListeners, this);
+}
 
-PluginStateListener::~PluginStateListener() = default;
+ObjectListListener::~ObjectListListener()
+{
+    Application::removeDestroyed(&Application::_objectListListeners, this);
+}
 
-PropertyListener::~PropertyListener() = default;
+PluginStateListener::~PluginStateListener()
+{
+    Application::removeDestroyed(&Application::_pluginStateListeners, this);
+}
 
-SelectionListener::~SelectionListener() = default;
+PropertyListener::~PropertyListener()
+{
+    Application::removeDestroyed(&Application::_propertyListeners, this);
+}
 
-TransactionListener::~TransactionListener() = default;
+SelectionListener::~SelectionListener()
+{
+    Application::removeDestroyed(&Application::_selectionListeners, this);
+}
+
+TransactionListener::~TransactionListener()
+{
+    Application::removeDestroyed(&Application::_transactionListeners, this);
+}
 
 } // namespace App

@@ -12,10 +12,11 @@ namespace App {
 /// never sends this notification: the code that changes the list calls
 /// `Application::notifyObjectListListener`.
 ///
-/// Register it with `Application`, and remove it there before destroying it. Main thread only.
+/// Register it with `Application`. Main thread only, including its destruction.
 class OVAPP_EXPORT ObjectListListener
 {
 public:
+    /// Removes the listener from the application object if it is still registered.
     virtual ~ObjectListListener();
 
     /// `document` is always the active document, even if another one was passed to the notifying

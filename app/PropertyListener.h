@@ -12,10 +12,11 @@ namespace App {
 /// itself never sends this notification: the code that changes the property calls
 /// `Application::notifyPropertyListeners`.
 ///
-/// Register it with `Application`, and remove it there before destroying it. Main thread only.
+/// Register it with `Application`. Main thread only, including its destruction.
 class OVAPP_EXPORT PropertyListener
 {
 public:
+    /// Removes the listener from the application object if it is still registered.
     virtual ~PropertyListener();
 
     /// All arguments are passed on unchanged; the meaning of `flag` and `value` is

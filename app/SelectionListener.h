@@ -12,10 +12,11 @@ namespace App {
 /// sends this notification: the code that changes the selection calls
 /// `Application::notifySelectionListeners`.
 ///
-/// Register it with `Application`, and remove it there before destroying it. Main thread only.
+/// Register it with `Application`. Main thread only, including its destruction.
 class OVAPP_EXPORT SelectionListener
 {
 public:
+    /// Removes the listener from the application object if it is still registered.
     virtual ~SelectionListener();
 
     /// `document` is always the active document, even if another one was passed to the notifying

@@ -13,10 +13,11 @@ namespace App {
 /// sends this notification: the code that makes the change calls
 /// `Application::notifyTransactionListeners`.
 ///
-/// Register it with `Application`, and remove it there before destroying it. Main thread only.
+/// Register it with `Application`. Main thread only, including its destruction.
 class OVAPP_EXPORT TransactionListener
 {
 public:
+    /// Removes the listener from the application object if it is still registered.
     virtual ~TransactionListener();
 
     /// `document` is always the active document, even if another one was passed to the notifying

@@ -21,9 +21,8 @@ class CommInfo;
 ///
 /// A channel may register and unregister channels while the registry starts or stops it. Channels
 /// that are unregistered before their turn are skipped; channels that are registered are called
-/// last, in the same iteration; every other channel is called once. Unregistering and registering a
-/// channel again counts as registering: the iteration does not end if a channel does this to itself
-/// in every call.
+/// last, in the same iteration; every other channel is called once. A channel that was called,
+/// unregistered and registered again is not called again in the same iteration.
 class OVAPP_EXPORT CommInfoRegistry
 {
 public:

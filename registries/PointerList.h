@@ -2,6 +2,10 @@
 
 #include <QList>
 
+#include <algorithm>
+#include <memory>
+#include <vector>
+
 /// Functions for the listener lists and the two registries: plain `QList`s of pointers in order of
 /// registration, without nulls or duplicates. A list does not own its entries.
 ///
@@ -11,9 +15,10 @@
 /// - an entry that was registered before the iteration reached its position, and still is, is
 ///   called once;
 /// - an entry that is removed before its turn is not called;
-/// - an entry that is added is called in the same iteration, after the others. An entry that is
-///   removed and added again counts as added, whether it has been called or not: the iteration does
-///   not end if an object does this to itself in every call.
+/// - an entry that is added is called in the same iteration, after the others;
+/// - no object is called twice in one iteration, not even if it is removed and added again. A new
+///   object at the address of one that was called and destroyed is another object if the list was
+///   notified with `removeDestroyed`.
 ///
 /// Each list must have an element type of its own and be used by one thread at a time: a change of
 /// the list adjusts the active iterations over its element type.
@@ -44,14 +49,37 @@ public:
         for (Iteration* each = _p_innermost; each; each = each->_p_outer)
             each->listChanged = true;
     }
-    /// Adjusts the active iterations after the entry at `index` has been removed.
-    static void entryRemoved(int index)
+    /// Adjusts the active iterations after an entry has been removed from `index`.
+    static void entryRemoved(T* entry, int index)
     {
         for (Iteration* each = _p_innermost; each; each = each->_p_outer) {
             each->listChanged = true;
-            if (index < each->next)
-                --each->next;
+            if (index >= each->next)
+                continue;
+            --each->next;
+            if (!each->_removed)
+                each->_removed = std::make_unique<std::vector<T*>>();
+            each->_removed->push_back(entry);
         }
+    }
+    /// Adjusts the active iterations after an entry has been destroyed.
+    static void entryDestroyed(T* entry)
+    {
+        for (Iteration* each = _p_innermost; each; each = each->_p_outer) {
+            if (each->_removed) {
+                std::vector<T*>& removed = *each->_removed;
+                removed.erase(std::remove(removed.begin(), removed.end(), entry), removed.end());
+            }
+        }
+    }
+
+    /// Returns true if called entries have been removed, which may have been added again.
+    bool hasRemoved() const { return _removed != nullptr; }
+    /// Returns true if the entry was called before it was removed and added again.
+    bool wasCalled(T* entry) const
+    {
+        return _removed &&
+               std::find(_removed->cbegin(), _removed->cend(), entry) != _removed->cend();
     }
 
     /// The index of the entry to call next.
@@ -60,6 +88,10 @@ public:
     bool listChanged = false;
 
 private:
+    /// The entries that were called and then removed; null if there are none, since an iteration
+    /// without removals must not take longer.
+    std::unique_ptr<std::vector<T*>> _removed;
+
     static inline Iteration* _p_innermost = nullptr;
 
     /// The iteration that this one is nested in, or null.
@@ -85,7 +117,15 @@ void remove(QList<T*>& list, T* entry)
     if (index < 0)
         return;
     list.removeAt(index);
-    Iteration<T>::entryRemoved(index);
+    Iteration<T>::entryRemoved(entry, index);
+}
+
+/// Removes `entry`, which is being destroyed; does nothing if it is not in the list.
+template <typename T>
+void removeDestroyed(QList<T*>& list, T* entry)
+{
+    remove(list, entry);
+    Iteration<T>::entryDestroyed(entry);
 }
 
 /// Calls `function` of every entry, in order, with `arguments`. The arguments are references: each
@@ -95,11 +135,15 @@ void forEach(const QList<T*>& list, const Arguments&... arguments)
 {
     Iteration<T> iteration;
     while (iteration.next < list.size()) {
+        if (iteration.wasCalled(list.at(iteration.next))) {
+            ++iteration.next;
+            continue;
+        }
         // Until the list changes, its entries, its end and the position stay in registers: reading
         // them again in every step would take as long as the call.
         iteration.listChanged = false;
         const auto entries = list.constBegin();
-        const int end = int(list.size());
+        const int end = iteration.hasRemoved() ? iteration.next + 1 : int(list.size());
         for (int index = iteration.next; index < end && !iteration.listChanged; ++index) {
             iteration.next = index + 1;
             (entries[index]->*function)(arguments...);

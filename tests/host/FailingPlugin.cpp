@@ -74,12 +74,11 @@ public:
     }
 
 private:
-    /// Registers a listener of one kind: alternately one that is destroyed with the plug-in and one
-    /// that is never deleted.
+    /// Registers a listener of one kind that is never deleted.
     void listen(int kind)
     {
         static auto& forever = *new Listener([](const QString&) {});
-        additions[kind](App::Application::instance(), kind % 2 == 0 ? &_listener : &forever);
+        additions[kind](App::Application::instance(), &forever);
     }
 
     static void enterStage(const char* stage)
@@ -140,7 +139,6 @@ private:
 
     App::CommInfo _channel;
     Extension _extensions[2];
-    Listener _listener{[](const QString&) {}};
 };
 
 #include "FailingPlugin.moc"
