@@ -1,4 +1,5 @@
-# The CMake package, which provides ovapp::ovapp and ovapp_add_plugin, and the pkg-config file.
+# The CMake package, which provides ovapp::ovapp, ovapp::host and the functions for plug-ins, and the
+# pkg-config file.
 include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/ovapp${ovapp_qt_suffix})
@@ -18,6 +19,9 @@ install(FILES
         cmake/OvappQt.cmake
     DESTINATION ${package_dir} COMPONENT development)
 install(EXPORT ovappTargets NAMESPACE ovapp:: DESTINATION ${package_dir} COMPONENT development)
+if(OVAPP_BUILD_HOST)
+    install(EXPORT ovappHostTargets NAMESPACE ovapp:: DESTINATION ${package_dir} COMPONENT host)
+endif()
 
 set(pc_libraries "")
 foreach(library ovapp ovdoc ovcore ovdatabase ovshape ovsystem)

@@ -9,9 +9,15 @@
 #include <ovcore/Settings.h>
 #include <system/LibraryFile.h>
 
+#include <QElapsedTimer>
 #include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonObject>
 #include <QPluginLoader>
+#include <QScopeGuard>
+#include <QVersionNumber>
 
+#include <algorithm>
 #include <exception>
 #include <memory>
 #include <utility>
@@ -21,10 +27,14 @@ namespace App {
 QStringList PluginLoader::_pluginFiles;
 QList<PluginInfo> PluginLoader::_pluginInfos;
 QList<PluginRecord> PluginLoader::_records;
+PluginLoader::StepHandler PluginLoader::_stepHandler;
+PluginLoader::FileFilter PluginLoader::_fileFilter;
 PluginLoader::ProgressHandler PluginLoader::_progressHandler;
 QList<QPluginLoader*> PluginLoader::_pluginLoaders;
 
 namespace {
+
+using Verdict = PluginRecord::Verdict;
 
 QString valueKey()
 {
@@ -76,48 +86,106 @@ QString nameOf(const QString& filePath, const QObject& object)
     return filePath.isEmpty() ? QString::fromLatin1(object.metaObject()->className()) : filePath;
 }
 
-/// Calls the queries of the root object, which is not null, and sets the verdict and the reason.
-void setVerdict(PluginRecord& record)
+/// Calls the queries of the root object, which is not null, and sets the parts of the record that
+/// depend on them.
+void query(PluginRecord& record)
 {
     const QString name = nameOf(record.filePath, *record.rootObject);
-    const auto decide = [&record](PluginVerdict verdict, const QString& reason) {
+    const auto refuse = [&record](Verdict verdict, const QString& reason) {
         record.verdict = verdict;
         record.reason = reason;
+    };
+    // Returns false if the function throws.
+    const auto call = [&](const char* function, const std::function<void()>& callFunction) {
+        const QString failure = callPlugin(name, function, callFunction);
+        if (!failure.isEmpty())
+            refuse(Verdict::Exception, failure);
+        return failure.isEmpty();
     };
 
     const auto* plugin = qobject_cast<PluginInterface*>(record.rootObject);
     if (!plugin) {
-        return decide(PluginVerdict::NoInterface,
+        return refuse(Verdict::NoInterface,
                       QStringLiteral("its root object does not implement \"%1\"; name "
                                      "App::PluginInterface in its Q_INTERFACES")
                           .arg(QLatin1String(qobject_interface_iid<PluginInterface*>())));
     }
-    int boardTypes = 0;
-    QString failure = callPlugin(name, "supportedBoardTypes()",
-                                 [&] { boardTypes = plugin->supportedBoardTypes(); });
-    if (!failure.isEmpty())
-        return decide(PluginVerdict::Exception, failure);
-    if ((boardTypes & currentBoardType()) == 0) {
-        return decide(PluginVerdict::OtherBoard,
+    if (!call("supportedBoardTypes()", [&] { record.boardTypes = plugin->supportedBoardTypes(); }))
+        return;
+    if ((record.boardTypes & currentBoardType()) == 0) {
+        return refuse(Verdict::OtherBoard,
                       QStringLiteral("supportedBoardTypes() is %1, which has no bit in common "
                                      "with the type of the board in use, %2")
-                          .arg(hexadecimal(boardTypes), hexadecimal(currentBoardType())));
+                          .arg(hexadecimal(record.boardTypes), hexadecimal(currentBoardType())));
     }
-    quint64 identifier = 0;
-    failure = callPlugin(name, "pluginID()", [&] { identifier = plugin->pluginID(); });
-    if (!failure.isEmpty())
-        return decide(PluginVerdict::Exception, failure);
-    if (identifier == 0) {
-        return decide(PluginVerdict::NoIdentifier,
+    if (!call("pluginID()", [&] { record.identifier = plugin->pluginID(); }))
+        return;
+    if (record.identifier == 0) {
+        return refuse(Verdict::NoIdentifier,
                       QStringLiteral("pluginID() is 0; give the plug-in an identifier"));
     }
-    decide(PluginVerdict::Accepted, QString());
+    if (call("pluginInfo()", [&] { record.info = plugin->pluginInfo(); }))
+        record.verdict = Verdict::Accepted;
 }
 
-void stop(QObject* object, const QString& filePath)
+/// Starts or stops the root object, and returns the failure as `callPlugin` does.
+QString start(QObject& object, const QString& filePath)
 {
-    if (auto* plugin = qobject_cast<PluginInterface*>(object))
-        callPlugin(nameOf(filePath, *object), "stop()", [plugin] { plugin->stop(); });
+    auto* plugin = qobject_cast<PluginInterface*>(&object);
+    return callPlugin(nameOf(filePath, object), "start()", [plugin] { plugin->start(); });
+}
+
+QString stop(QObject* object, const QString& filePath)
+{
+    auto* plugin = qobject_cast<PluginInterface*>(object);
+    if (!plugin)
+        return QString();
+    return callPlugin(nameOf(filePath, *object), "stop()", [plugin] { plugin->stop(); });
+}
+
+/// Returns the version of ovapp in the metadata of a file, as moc has stored its option -M; null if
+/// there is none.
+QVersionNumber versionOf(const QPluginLoader& loader)
+{
+    const QString text = loader.metaData().value(QLatin1String("ovapp")).toArray().at(0).toString();
+    int end = 0;
+    const QVersionNumber version = QVersionNumber::fromString(text, &end);
+    return end == text.size() ? version : QVersionNumber();
+}
+
+/// Says for which version a file is built.
+QString versionText(const PluginRecord& record)
+{
+    return QStringLiteral("it is built for ovapp %1, and this program uses ovapp %2")
+        .arg(record.builtFor, QLatin1String(OVAPP_VERSION));
+}
+
+double milliseconds(const QElapsedTimer& timer)
+{
+    return static_cast<double>(timer.nsecsElapsed()) / 1e6;
+}
+
+/// Loads the file of the record, and sets the root object, or the verdict and the reason if there
+/// is none.
+void load(PluginRecord& record, QPluginLoader& loader)
+{
+    loader.setLoadHints(loader.loadHints() | QLibrary::ResolveAllSymbolsHint);
+    // An exception must not leave the system's loader, which would keep its lock.
+    const auto loadLibrary = [&loader]() noexcept { return loader.load(); };
+    // Without load(), instance() adds no reference to a file that another loader has loaded.
+    if (loadLibrary()) {
+        record.reason = callPlugin(record.filePath, "its constructor",
+                                   [&] { record.rootObject = loader.instance(); });
+    }
+    if (!record.reason.isEmpty()) {
+        record.verdict = Verdict::Exception;
+    } else if (!record.rootObject) {
+        record.reason = loadError(loader);
+        const QVersionNumber own = QVersionNumber::fromString(QStringLiteral(OVAPP_VERSION));
+        const QVersionNumber other = QVersionNumber::fromString(record.builtFor);
+        if (other.minorVersion() > own.minorVersion())
+            record.reason.prepend(versionText(record) + QLatin1String("; "));
+    }
 }
 
 } // namespace
@@ -154,132 +222,108 @@ bool PluginLoader::isDiscard(const QString& file)
     return true;
 }
 
+void PluginLoader::setFileFilter(FileFilter filter)
+{
+    _fileFilter = std::move(filter);
+}
+
 void PluginLoader::loadPlugins(bool startPlugins)
 {
     _pluginFiles.clear();
     _pluginInfos.clear();
     _records.clear();
     const QStringList files = pluginFiles();
-    const ProgressHandler reportProgress = _progressHandler;
     for (const QString& file : files) {
-        if (reportProgress)
-            reportProgress(file, static_cast<int>(_records.size()), static_cast<int>(files.size()));
-        PluginRecord record;
-        if (isDiscard(file)) {
-            record.filePath = file;
-            record.reason = QStringLiteral("a file with this name is never loaded");
-        } else {
-            auto loader = std::make_unique<QPluginLoader>();
-            record = recordOf(file, *loader);
-            if (accept(record, startPlugins))
-                _pluginLoaders.append(loader.release());
-            else
-                loader->unload();
-        }
-        _records.append(record);
+        if (_progressHandler)
+            _progressHandler(file, static_cast<int>(_records.size()),
+                             static_cast<int>(files.size()));
+        loadFile(file, startPlugins);
     }
 }
 
-void PluginLoader::setProgressHandler(ProgressHandler handler)
-{
-    _progressHandler = std::move(handler);
-}
-
-QList<PluginRecord> PluginLoader::records()
-{
-    return _records;
-}
-
-QString PluginLoader::verdictName(Verdict verdict)
-{
-    switch (verdict) {
-    case Verdict::Accepted:
-        return QStringLiteral("accepted");
-    case Verdict::NoPlugin:
-        return QStringLiteral("no-plugin");
-    case Verdict::NoInterface:
-        return QStringLiteral("no-interface");
-    case Verdict::OtherBoard:
-        return QStringLiteral("other-board");
-    case Verdict::NoIdentifier:
-        return QStringLiteral("no-identifier");
-    case Verdict::Exception:
-        return QStringLiteral("exception");
-    }
-    return QString();
-}
-
-QObject* PluginLoader::rootObjectOf(const QString& file, QPluginLoader& loader)
-{
-    return recordOf(file, loader).rootObject;
-}
-
-PluginRecord PluginLoader::recordOf(const QString& file, QPluginLoader& loader)
+PluginRecord PluginLoader::loadFile(const QString& file, bool startPlugin)
 {
     PluginRecord record;
-    record.filePath = file;
-    record.reason = System::libraryFileError(file);
-    if (!record.reason.isEmpty())
+    record.filePath = QFileInfo(file).absoluteFilePath();
+    const auto refuse = [&record](Verdict verdict, const QString& reason) {
+        record.verdict = verdict;
+        record.reason = reason;
+        addRecord(record);
         return record;
-    loader.setFileName(file);
-    loader.setLoadHints(loader.loadHints() | QLibrary::ResolveAllSymbolsHint);
-    // An exception must not leave the system's loader, which would keep its lock.
-    const auto load = [&loader]() noexcept { return loader.load(); };
-    // Without load(), instance() adds no reference to a file that another loader has loaded.
-    if (load()) {
-        record.reason =
-            callPlugin(file, "its constructor", [&] { record.rootObject = loader.instance(); });
+    };
+
+    const auto hasSamePath = [&record](const PluginRecord& other) {
+        return isLoaded(other) && other.filePath == record.filePath;
+    };
+    if (std::any_of(_records.cbegin(), _records.cend(), hasSamePath)) {
+        record.verdict = Verdict::LeftOut;
+        record.reason = QStringLiteral("it is loaded already");
+        return record;
     }
-    if (!record.reason.isEmpty())
-        record.verdict = Verdict::Exception;
-    else if (!record.rootObject)
-        record.reason = loadError(loader);
-    return record;
-}
+    if (isDiscard(record.filePath))
+        return refuse(Verdict::LeftOut, QStringLiteral("a file with this name is never loaded"));
+    const FileFilter filter = _fileFilter;
+    QString reason = filter ? filter(record.filePath) : QString();
+    if (!reason.isEmpty())
+        return refuse(Verdict::LeftOut, reason);
+    reason = System::libraryFileError(record.filePath);
+    if (!reason.isEmpty())
+        return refuse(Verdict::NoPlugin, reason);
 
-void PluginLoader::inspect(PluginRecord& record)
-{
-    if (!record.rootObject)
-        return;
-    setVerdict(record);
-    if (record.verdict != Verdict::Accepted)
-        return;
-    const auto* plugin = qobject_cast<PluginInterface*>(record.rootObject);
-    record.reason = callPlugin(nameOf(record.filePath, *record.rootObject), "pluginInfo()",
-                               [&] { record.info = plugin->pluginInfo(); });
-    if (!record.reason.isEmpty())
-        record.verdict = Verdict::Exception;
-}
+    auto loader = std::make_unique<QPluginLoader>(record.filePath);
+    const QVersionNumber version = versionOf(*loader);
+    record.builtFor = version.toString();
+    if (!version.isNull() && version.majorVersion() != OVAPP_VERSION_MAJOR)
+        return refuse(Verdict::OtherVersion, versionText(record));
 
-bool PluginLoader::accept(PluginRecord& record, bool startPlugins)
-{
-    inspect(record);
-    if (record.verdict != Verdict::Accepted)
-        return false;
+    reportStep(record.filePath, Step::Load);
+    auto unloading = qScopeGuard([&loader] { loader->unload(); });
+    QElapsedTimer timer;
+    timer.start();
+    load(record, *loader);
+    record.loadTime = milliseconds(timer);
+    if (record.rootObject) {
+        reportStep(record.filePath, Step::Query);
+        timer.start();
+        query(record);
+        record.loadTime += milliseconds(timer);
+    }
+    if (record.verdict != Verdict::Accepted) {
+        addRecord(record);
+        if (loader->isLoaded())
+            reportStep(record.filePath, Step::Unload);
+        return record;
+    }
+
+    unloading.dismiss();
+    listFile(record.filePath);
     _pluginInfos.append(record.info);
-    if (startPlugins) {
-        auto* plugin = qobject_cast<PluginInterface*>(record.rootObject);
-        record.reason = callPlugin(nameOf(record.filePath, *record.rootObject), "start()",
-                                   [plugin] { plugin->start(); });
+    _pluginLoaders.append(loader.release());
+    addRecord(record);
+    if (startPlugin) {
+        reportStep(record.filePath, Step::Start);
+        timer.start();
+        record.reason = start(*record.rootObject, record.filePath);
+        record.startTime = milliseconds(timer);
+        _records.last() = record;
     }
-    return true;
+    return record;
 }
 
 bool PluginLoader::loadPlugin(QObject* object, bool startPlugins, const QString& filePath)
 {
+    if (!object)
+        return false;
     PluginRecord record;
     record.filePath = filePath;
     record.rootObject = object;
-    return accept(record, startPlugins);
-}
-
-PluginLoader::Verdict PluginLoader::verdictOn(QObject* object)
-{
-    PluginRecord record;
-    record.rootObject = object;
-    if (object)
-        setVerdict(record);
-    return record.verdict;
+    query(record);
+    if (record.verdict != Verdict::Accepted)
+        return false;
+    _pluginInfos.append(record.info);
+    if (startPlugins)
+        start(*object, filePath);
+    return true;
 }
 
 void PluginLoader::unloadPlugin(const QString& file)
@@ -289,10 +333,27 @@ void PluginLoader::unloadPlugin(const QString& file)
     QPluginLoader* loader = _pluginLoaders.last();
     if (QFileInfo(loader->fileName()) != QFileInfo(file))
         return;
-    stop(loader->instance(), file);
+
+    // The last record, since the loaders have the order of the records. There is none if
+    // loadPlugins() was called again.
+    const auto found = std::find_if(_records.crbegin(), _records.crend(), isLoaded);
+    const auto index = static_cast<int>(_records.crend() - found) - 1;
+    const QString filePath = index < 0 ? file : _records.at(index).filePath;
+    reportStep(filePath, Step::Stop);
+    QElapsedTimer timer;
+    timer.start();
+    const QString failure = stop(loader->instance(), filePath);
+    const double stopTime = milliseconds(timer);
+    reportStep(filePath, Step::Unload);
     loader->unload();
     delete loader;
     _pluginLoaders.removeLast();
+    if (index < 0)
+        return;
+    PluginRecord& record = _records[index];
+    record.stopTime = stopTime;
+    if (!failure.isEmpty())
+        record.reason += (record.reason.isEmpty() ? QString() : QStringLiteral("; ")) + failure;
 }
 
 void PluginLoader::unloadPlugin(QObject* object)
@@ -305,6 +366,16 @@ void PluginLoader::unloadPlugins()
     const QStringList files = _pluginFiles;
     for (auto file = files.crbegin(); file != files.crend(); ++file)
         unloadPlugin(*file);
+}
+
+void PluginLoader::setStepHandler(StepHandler handler)
+{
+    _stepHandler = std::move(handler);
+}
+
+QList<PluginRecord> PluginLoader::records()
+{
+    return _records;
 }
 
 int PluginLoader::pluginCount()
@@ -338,6 +409,74 @@ void PluginLoader::initPluginIDValue()
 unsigned long long PluginLoader::defaultPluginValue()
 {
     return 0;
+}
+
+void PluginLoader::reportStep(const QString& filePath, Step step)
+{
+    // The handler may replace itself.
+    const StepHandler handler = _stepHandler;
+    if (handler)
+        handler(filePath, step);
+}
+
+bool PluginLoader::isLoaded(const PluginRecord& record)
+{
+    return record.verdict == Verdict::Accepted && record.stopTime < 0;
+}
+
+/// Adds an accepted file to the list. unloadPlugins() goes through the list backwards, so the file
+/// must follow the files that are loaded.
+void PluginLoader::listFile(const QString& filePath)
+{
+    const auto position = pluginFiles().indexOf(filePath);
+    const auto last = std::find_if(_records.crbegin(), _records.crend(), isLoaded);
+    if (position >= 0 &&
+        (last == _records.crend() || _pluginFiles.indexOf(last->filePath) < position))
+        return;
+    _pluginFiles.removeOne(filePath);
+    _pluginFiles.append(filePath);
+}
+
+/// Replaces an older record of the same path.
+void PluginLoader::addRecord(const PluginRecord& record)
+{
+    const auto older =
+        std::find_if(_records.begin(), _records.end(), [&record](const PluginRecord& each) {
+            return each.filePath == record.filePath;
+        });
+    if (older != _records.end())
+        _records.erase(older);
+    _records.append(record);
+}
+
+void PluginLoader::setProgressHandler(ProgressHandler handler)
+{
+    _progressHandler = std::move(handler);
+}
+
+QString PluginLoader::verdictName(Verdict verdict)
+{
+    PluginRecord record;
+    record.verdict = verdict;
+    return record.verdictName();
+}
+
+PluginRecord PluginLoader::recordOf(const QString& file, QPluginLoader& loader)
+{
+    PluginRecord record;
+    record.filePath = file;
+    record.reason = System::libraryFileError(file);
+    if (!record.reason.isEmpty())
+        return record;
+    loader.setFileName(file);
+    load(record, loader);
+    return record;
+}
+
+void PluginLoader::inspect(PluginRecord& record)
+{
+    if (record.rootObject)
+        query(record);
 }
 
 } // namespace App

@@ -14,7 +14,8 @@ class QPluginLoader;
 
 namespace App {
 
-/// Finds, loads, starts, stops and unloads the program's plug-ins, and keeps the plug-in ID value.
+/// Finds, loads, starts, stops and unloads the program's plug-ins, keeps a record of each file, and
+/// keeps the plug-in ID value.
 ///
 /// An executable loads the plug-ins after it has initialised the library, and unloads them before
 /// it shuts the library down:
@@ -25,10 +26,20 @@ namespace App {
 ///     App::PluginLoader::unloadPlugins();
 ///     App::Application::destruct();
 ///
+/// Every file takes the same path: it is left out if the file filter says so; it is refused if it
+/// is damaged or built for another major version of ovapp; it is loaded, and its root object is
+/// created; the root object must implement `PluginInterface`, support the board in use and have an
+/// identifier; its info is taken, and it is started. Later it is stopped and unloaded. The step
+/// handler is called before each step, and the record of the file says what happened.
+///
 /// Plug-ins are unloaded in the reverse order of loading: only the one that was loaded last can be
 /// unloaded. Unloading deletes the root object; Qt keeps the code in memory until the program ends,
-/// so that the strings of the plug-in's info remain valid. Refused files are skipped silently;
-/// `records` returns the reasons.
+/// so that the strings of the plug-in's info remain valid. Files are refused silently; `records`
+/// returns the reasons.
+///
+/// Files that are no intact libraries are not opened by Qt or the system's loader, which they could
+/// crash. All symbols are resolved on loading, as Windows always does: a plug-in with an unresolved
+/// symbol is refused, instead of ending the program when it first uses the symbol.
 ///
 /// The loader catches the exceptions of plug-ins: it logs a warning with the file and the
 /// exception's text, and continues. If the constructor of the root object, `supportedBoardTypes`,
@@ -37,16 +48,45 @@ namespace App {
 /// if they had returned. A static object that throws while the library is loaded ends the program;
 /// on Windows, the file is refused.
 ///
-/// Main thread only. A plug-in must not load or unload plug-ins while the loader calls it.
+/// Main thread only. Neither a plug-in nor a handler may load or unload plug-ins while the loader
+/// calls it.
 class OVAPP_EXPORT PluginLoader
 {
 public:
-    /// Whether a plug-in is accepted, and if not, why.
-    using Verdict = PluginVerdict;
-    /// Called with the path of a file, its index, from 0, and the number of files.
-    using ProgressHandler = std::function<void(const QString& filePath, int index, int count)>;
+    /// The steps of a plug-in file, in the order in which they happen. A refused file has no Start
+    /// and Stop.
+    enum class Step
+    {
+        /// The library is loaded, and its root object created.
+        Load,
+        /// The root object is checked, and its queries are called.
+        Query,
+        Start,
+        Stop,
+        /// The root object is deleted.
+        Unload
+    };
+    using StepHandler = std::function<void(const QString& filePath, Step step)>;
+    /// Returns why a file is left out, in one sentence without a full stop; empty to load it.
+    using FileFilter = std::function<QString(const QString& filePath)>;
 
     PluginLoader() = delete;
+
+    /// @name Deprecated
+    /// These functions are replaced by the records and the step handler.
+    /// @{
+
+    using Verdict = PluginRecord::Verdict;
+    using ProgressHandler = std::function<void(const QString& filePath, int index, int count)>;
+    static void setProgressHandler(ProgressHandler handler);
+    static QString verdictName(Verdict verdict);
+    static PluginRecord recordOf(const QString& file, QPluginLoader& loader);
+    static void inspect(PluginRecord& record);
+
+    /// @}
+
+    /// @name Files
+    /// @{
 
     /// Returns the plug-in directory of the settings service; empty if it does not exist.
     static QString pluginsPath();
@@ -62,63 +102,74 @@ public:
     /// Returns true, and logs a warning, if the file's name up to the first dot is on the list of
     /// files that are never loaded. The list is currently empty.
     static bool isDiscard(const QString& file);
+    /// Sets the function that is called for each file before it is opened; an empty function
+    /// removes it. It serves to disable single plug-ins, for a safe mode, or for a question after a
+    /// crash. An exception that it throws passes to the caller of the loader, and the plug-ins
+    /// loaded before stay loaded.
+    static void setFileFilter(FileFilter filter);
 
-    /// Scans the plug-in directory and loads every plug-in file in the order of `pluginFiles`. If
-    /// `startPlugins` is true, starts each plug-in before it loads the next file. Plug-ins that are
-    /// already loaded are accepted and started again: call `unloadPlugins` first.
+    /// @}
+
+    /// @name Loading
+    /// @{
+
+    /// Scans the plug-in directory and loads every plug-in file as `loadFile` does, in the order of
+    /// `pluginFiles`. If `startPlugins` is true, starts each plug-in before it loads the next file.
+    /// Clears the infos and the records, but unloads nothing: plug-ins that are already loaded are
+    /// accepted and started again. Call `unloadPlugins` first.
     static void loadPlugins(bool startPlugins);
-    /// Sets the function that `loadPlugins` calls before it loads each file, for example to show
-    /// progress; an empty function removes it. An exception that it throws ends `loadPlugins` and
-    /// passes to the caller; the plug-ins loaded before stay loaded.
-    static void setProgressHandler(ProgressHandler handler);
-    /// Returns the records of the files that the last `loadPlugins` found, in the order of
-    /// `pluginFiles`.
-    static QList<PluginRecord> records();
-    /// Returns the name of a verdict: "accepted", "no-plugin", "no-interface", "other-board",
-    /// "no-identifier" or "exception".
-    static QString verdictName(Verdict verdict);
-
-    /// Loads a file, even if it is already loaded, and returns its root object. Returns null if it
-    /// is not a Qt plug-in, cannot be loaded, or the object's constructor throws. Unlike
-    /// `QPluginLoader`, it does not open files that `System::libraryFileError` rejects, which could
-    /// crash Qt or the system's loader; `loader` then has no file. It also resolves all symbols at
-    /// once, as Windows always does: a plug-in with an unresolved symbol is refused, instead of
-    /// ending the program when it first uses the symbol.
-    ///
-    /// All loaders of a file share the object, which must not be deleted. It exists until the last
-    /// of them unloads the file; the destructor of a loader does not unload it.
-    static QObject* rootObjectOf(const QString& file, QPluginLoader& loader);
-    /// Loads a file as `rootObjectOf` does and returns a record with its root object, or if there
-    /// is none, with the verdict and the reason. `inspect` completes the record.
-    static PluginRecord recordOf(const QString& file, QPluginLoader& loader);
-    /// Calls the queries of the root object of a record, if there is one, and sets the verdict, the
-    /// reason and, if the plug-in is accepted, the info. Changes nothing else.
-    static void inspect(PluginRecord& record);
-
-    /// Accepts or refuses a root object, which may be null. If `inspect` accepts it, keeps its
-    /// info, starts it if `startPlugins` is true, and returns true. Otherwise returns false and
-    /// leaves the object unchanged. `filePath`, the file of the object, is used for warnings only.
-    /// The loader does not own the object, does not unload it, and keeps no record of it.
-    static bool loadPlugin(QObject* object, bool startPlugins, const QString& filePath);
-    /// Returns the verdict on an object, which may be null, with the board in use. Calls
-    /// `supportedBoardTypes` and, if the board is supported, `pluginID`. Without a board
+    /// Loads one file, which may be outside the plug-in directory, starts the plug-in if
+    /// `startPlugin` is true, and returns the file's record. `unloadPlugins` unloads it like the
+    /// others. If it is not in the list of `pluginFiles`, or loaded after a file that follows it
+    /// there, it moves to the end of the list. A file whose plug-in is loaded already, since the
+    /// last `loadPlugins`, is left out.
+    static PluginRecord loadFile(const QString& file, bool startPlugin);
+    /// Accepts or refuses the root object of a plug-in that the loader does not own; it may be
+    /// null. If it is accepted, keeps its info, starts it if `startPlugins` is true, and returns
+    /// true. Otherwise returns false and leaves the object unchanged. There is neither a step nor a
+    /// record of it; `filePath`, the file of the object, is used for warnings only. Without a board
     /// description no board is supported.
-    static Verdict verdictOn(QObject* object);
+    static bool loadPlugin(QObject* object, bool startPlugins, const QString& filePath);
+
+    /// @}
+
+    /// @name Unloading
+    /// @{
+
     /// Stops and unloads the plug-in that was loaded last if it was loaded from `file` and the file
     /// exists; otherwise does nothing.
     static void unloadPlugin(const QString& file);
     /// Stops a plug-in without unloading it. Does nothing if the object is null or not a plug-in.
     static void unloadPlugin(QObject* object);
     /// Stops and unloads the plug-ins in the reverse order of loading. A plug-in whose file no
-    /// longer exists stays loaded, and so do those loaded before it. `pluginCount` and
-    /// `pluginInfoOf` do not change until the next `loadPlugins`.
+    /// longer exists stays loaded, and so do those loaded before it. `pluginCount`, `pluginInfoOf`
+    /// and the number of records do not change until the next `loadPlugins`.
     static void unloadPlugins();
 
-    /// Returns the number of files that the last scan found, including refused ones.
+    /// @}
+
+    /// @name Results
+    /// @{
+
+    /// Sets the function that is called before each step of a file, for example to show progress
+    /// or to note which plug-in ends the program; an empty function removes it. An exception that
+    /// it throws passes to the caller of the loader, and the step does not happen: before Load and
+    /// Query, the file is not loaded; before Start, Stop and Unload of an accepted plug-in, the
+    /// plug-in stays loaded.
+    static void setStepHandler(StepHandler handler);
+    /// Returns the records of the files since the last `loadPlugins`, in the order of loading, one
+    /// for each path.
+    static QList<PluginRecord> records();
+    /// Returns the number of files in the list of `pluginFiles`, including refused ones.
     static int pluginCount();
     /// Returns the info of the accepted plug-in at `index`, in order of acceptance since the last
     /// `loadPlugins`; a default info for any other index.
     static PluginInfo pluginInfoOf(int index);
+
+    /// @}
+
+    /// @name The plug-in ID value
+    /// @{
 
     /// Returns the stored plug-in ID value, the setting "Plugin/value"; `defaultPluginValue` if it
     /// is not stored, and 0 if it is not an unsigned 64-bit integer.
@@ -131,13 +182,20 @@ public:
     /// Returns the plug-in ID value that applies if none is stored: 0.
     static unsigned long long defaultPluginValue();
 
+    /// @}
+
 private:
-    static OVAPP_NO_EXPORT bool accept(PluginRecord& record, bool startPlugins);
+    static OVAPP_NO_EXPORT void reportStep(const QString& filePath, Step step);
+    static OVAPP_NO_EXPORT bool isLoaded(const PluginRecord& record);
+    static OVAPP_NO_EXPORT void listFile(const QString& filePath);
+    static OVAPP_NO_EXPORT void addRecord(const PluginRecord& record);
 
     static OVAPP_NO_EXPORT QStringList _pluginFiles;
     static OVAPP_NO_EXPORT QList<PluginInfo> _pluginInfos;
     static OVAPP_NO_EXPORT QList<PluginRecord> _records;
+    static OVAPP_NO_EXPORT StepHandler _stepHandler;
     static OVAPP_NO_EXPORT ProgressHandler _progressHandler;
+    static OVAPP_NO_EXPORT FileFilter _fileFilter;
     /// The loaders of the accepted plug-ins that are still loaded; owned.
     static OVAPP_NO_EXPORT QList<QPluginLoader*> _pluginLoaders;
 };

@@ -20,6 +20,8 @@ App::PluginInfo MyPlugin::pluginInfo() const
 {
     App::PluginInfo info;
     info.set(QStringLiteral("Name"), QStringLiteral("my plug-in"));
+    info.set(QStringLiteral("Version"), QStringLiteral("1.0.0"));
+    info.set(QStringLiteral("Vendor"), QStringLiteral("my company"));
     return info;
 }
 
