@@ -10,8 +10,6 @@
 #include <QJsonDocument>
 #include <QSaveFile>
 
-#include <limits>
-#include <optional>
 #include <string_view>
 
 namespace Doc {
@@ -26,55 +24,108 @@ constexpr std::string_view printCountKey = "printCount";
 constexpr std::string_view finishedKey = "finished";
 constexpr std::string_view targetKey = "target";
 
-/// Returns the value of a member, undefined if it is missing; nullopt if it is duplicate.
-std::optional<QJsonValue> readMember(const RawJsonObject& object, std::string_view name)
+/// Returns the value of a member, undefined if it is missing, null if it is duplicate.
+QJsonValue readMember(const RawJsonObject& object, std::string_view name)
 {
     if (object.hasDuplicate(name))
-        return std::nullopt;
+        return {};
     const QByteArray text = object.value(name);
     return text.isEmpty() ? QJsonValue(QJsonValue::Undefined)
                           : QJsonDocument::fromJson('[' + text + ']').array().at(0);
 }
 
-/// Returns 0 if the member is missing, nullopt if it is not a 32-bit integer or is duplicate.
-std::optional<int> readCount(const RawJsonObject& object, std::string_view name)
+QString memberError(const RawJsonObject& object, std::string_view name)
 {
-    const std::optional<QJsonValue> value = readMember(object, name);
-    if (value && value->isUndefined())
-        return 0;
-    if (!value || !value->isDouble())
-        return std::nullopt;
-    const double number = value->toDouble();
-    using Limits = std::numeric_limits<int>;
-    if (!(number >= Limits::min() && number <= Limits::max()))
-        return std::nullopt;
-    const int count = static_cast<int>(number);
-    if (count != number)
-        return std::nullopt;
-    return count;
+    const char* const error = object.hasDuplicate(name)      ? "is duplicate"
+                              : object.value(name).isEmpty() ? "is missing"
+                                                             : "has an unexpected value";
+    return QStringLiteral("it is not a document of this program: \"%1\" %2")
+        .arg(QLatin1String(name.data()), QLatin1String(error));
 }
 
-std::optional<Laser::PrintCountParams> readPrintCount(const RawJsonObject& document)
+/// Returns false if the value is neither missing nor a 32-bit integer.
+bool readCount(const QJsonValue& value, int& count)
 {
-    const std::optional<QJsonValue> value = readMember(document, printCountKey);
-    if (!value || (!value->isUndefined() && !value->isObject()))
-        return std::nullopt;
+    count = value.toInt(0);
+    return value.isUndefined() || count == value.toInt(1);
+}
+
+/// Reads the counts. Returns the reason if the document is not valid.
+QString readDocument(const RawJsonObject& document, Laser::PrintCountParams& printCount)
+{
+    if (readMember(document, formatKey) != QJsonValue(formatName))
+        return memberError(document, formatKey);
+    if (readMember(document, versionKey) != QJsonValue(formatVersion))
+        return memberError(document, versionKey);
+    const QJsonValue counts = readMember(document, printCountKey);
+    if (!counts.isUndefined() && !counts.isObject())
+        return memberError(document, printCountKey);
+
     const RawJsonObject members(document.value(printCountKey));
-    const std::optional<int> finished = readCount(members, finishedKey);
-    const std::optional<int> target = readCount(members, targetKey);
-    if (!finished || !target)
-        return std::nullopt;
-
-    Laser::PrintCountParams printCount;
-    printCount.setFinishedCount(*finished);
-    printCount.setTargetCount(*target);
-    return printCount;
+    int count = 0;
+    if (!readCount(readMember(members, finishedKey), count))
+        return memberError(members, finishedKey);
+    printCount.setFinishedCount(count);
+    if (!readCount(readMember(members, targetKey), count))
+        return memberError(members, targetKey);
+    printCount.setTargetCount(count);
+    return {};
 }
 
-bool isDocument(const RawJsonObject& document)
+/// Returns the reason of a failed file operation. On Windows, the system ends it with a full stop.
+QString fileError(const QFileDevice& file)
 {
-    return readMember(document, formatKey) == QJsonValue(formatName) &&
-           readMember(document, versionKey) == QJsonValue(formatVersion);
+    const QString error = file.errorString();
+    return error.endsWith(QLatin1Char('.')) ? error.chopped(1) : error;
+}
+
+/// Reads a regular file, since others may block. Returns the reason if that fails.
+QString readFile(const QString& path, QByteArray& text)
+{
+    const QFileInfo info(path);
+    if (!info.exists())
+        return QStringLiteral("there is no such file");
+    if (info.isDir())
+        return QStringLiteral("it is a directory");
+    if (!info.isFile())
+        return QStringLiteral("it is not a regular file");
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return fileError(file);
+    text = file.readAll();
+    if (file.error() != QFile::NoError)
+        return fileError(file);
+    if (text.isEmpty())
+        return info.size() > 0 ? QStringLiteral("it is too large") : QStringLiteral("it is empty");
+    return {};
+}
+
+QString jsonError(const QByteArray& text)
+{
+    QJsonParseError error;
+    const QJsonDocument json = QJsonDocument::fromJson(text, &error);
+    if (error.error != QJsonParseError::NoError) {
+        const QString before = QString::fromUtf8(text.left(error.offset));
+        return QStringLiteral("it is not a document: invalid JSON at line %1, column %2: %3")
+            .arg(before.count(QLatin1Char('\n')) + 1)
+            .arg(before.size() - before.lastIndexOf(QLatin1Char('\n')))
+            .arg(error.errorString());
+    }
+    return json.isObject() ? QString() : QStringLiteral("it is not a document: not a JSON object");
+}
+
+/// Writes to an unbuffered device. If the disk is full, the first call writes a part of the data,
+/// and only the next one fails with the reason.
+bool writeAll(QIODevice& device, const QByteArray& data)
+{
+    qint64 written = 0;
+    while (written < data.size()) {
+        const qint64 count = device.write(data.constData() + written, data.size() - written);
+        if (count <= 0)
+            return false;
+        written += count;
+    }
+    return true;
 }
 
 } // namespace
@@ -85,6 +136,7 @@ struct Document::Private
     QString filePath;
     /// The JSON object that was read, whose unknown members `save` keeps.
     QByteArray text = R"({"format": "ovdoc", "version": 1})";
+    QString errorString;
 };
 
 Document::Document(Storage* storage) : d(std::make_unique<Private>())
@@ -96,24 +148,20 @@ Document::~Document() = default;
 
 bool Document::open(const QString& path)
 {
-    QFile file(path);
-    if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly))
-        return false;
-
-    const QByteArray text = file.readAll();
-    if (!QJsonDocument::fromJson(text).isObject())
-        return false;
+    QByteArray text;
+    d->errorString = readFile(path, text);
+    if (d->errorString.isEmpty())
+        d->errorString = jsonError(text);
     // Both reading and saving use RawJsonObject, so that they agree about the names of members.
-    const RawJsonObject document(text);
-    if (!isDocument(document))
-        return false;
-    const std::optional<Laser::PrintCountParams> printCount = readPrintCount(document);
-    if (!printCount)
+    Laser::PrintCountParams printCount;
+    if (d->errorString.isEmpty())
+        d->errorString = readDocument(RawJsonObject(text), printCount);
+    if (!d->errorString.isEmpty())
         return false;
 
     d->filePath = path;
     d->text = text;
-    d->storage->queryDocObjectDirect()->setPrintCountData(*printCount);
+    d->storage->queryDocObjectDirect()->setPrintCountData(printCount);
     return true;
 }
 
@@ -126,14 +174,17 @@ bool Document::save() const
     printCount.setValue(targetKey, QByteArray::number(counts.targetCount()));
     document.setValue(printCountKey, printCount.toCompact());
 
-    QSaveFile file(d->filePath);
-    if (!file.open(QIODevice::WriteOnly))
-        return false;
     const QByteArray text = document.toIndented();
-    // QSaveFile would commit a file that a full disk has truncated.
-    if (file.write(text) != text.size() || !file.flush())
-        return false;
-    return file.commit();
+    QSaveFile file(d->filePath);
+    const bool isSaved = file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) &&
+                         writeAll(file, text) && file.commit();
+    d->errorString = isSaved ? QString() : fileError(file);
+    return isSaved;
+}
+
+QString Document::errorString() const
+{
+    return d->errorString;
 }
 
 QString Document::filePath() const

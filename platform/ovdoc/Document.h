@@ -31,6 +31,9 @@ public:
     bool open(const QString& path);
     /// Saves the document to `filePath()`. Returns false on failure; the file is then unchanged.
     bool save() const;
+    /// Returns the reason why the last `open` or `save` failed: one clause without a full stop,
+    /// with line and column for invalid JSON. Empty if it succeeded.
+    QString errorString() const;
 
     /// Returns the path passed to `setFilePath` or the last successful `open`, unchanged.
     QString filePath() const;

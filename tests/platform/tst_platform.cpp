@@ -256,32 +256,49 @@ private Q_SLOTS:
 
     void documentIsUnchangedAfterFailures()
     {
+        const QByteArray head = "{\"format\": \"ovdoc\", \"version\": 1, \"printCount\": ";
+        const QByteArray before = head + "{\"finished\": 4}}";
         const QString good = path("good"_s);
         const QString bad = path("bad"_s);
-        const QByteArray before =
-            R"({"format": "ovdoc", "version": 1, "printCount": {"finished": 4}})";
         writeFile(good, before);
-        writeFile(bad, QByteArray(before).replace("4", "8, \"target\": \"many\""));
         Doc::Document document(new Doc::Storage);
         QVERIFY(document.open(good));
-        QVERIFY(!document.open(bad));
+        const auto fails = [&document](const QString& file, const char* error) {
+            const bool isOpened = document.open(file);
+            const QString reason = document.errorString();
+            return !isOpened && reason.contains(QLatin1String(error)) && !reason.endsWith(u'.');
+        };
+        QVERIFY(fails(path("none"_s), "there is no such file"));
+        QVERIFY(fails(_directory->path(), "it is a directory"));
+        for (const auto& [text, error] : std::initializer_list<std::pair<QByteArray, const char*>>{
+                 {"", "it is empty"},
+                 {"[]", "not a JSON object"},
+                 {"{\"\xc3\xb6\": 1,\n\"\xc3\xb6\xc3\xb6\": x}", "line 2, column 7: "},
+                 {"{\"version\": 1}", "\"format\" is missing"},
+                 {head + "[]}", "\"printCount\" has an unexpected value"},
+                 {head + "{\"finished\": 8, \"target\": 2147483648}}", "\"target\" has an"},
+                 {head + "{\"finished\": 8, \"f\\u0069nished\": 8}}", "\"finished\" is dup"}}) {
+            writeFile(bad, text);
+            QVERIFY2(fails(bad, error), qPrintable(document.errorString()));
+        }
         QCOMPARE(document.filePath(), good);
         QCOMPARE(document.storage()->queryDocObjectDirect()->printCountData().finishedCount(), 4);
 #ifdef Q_OS_UNIX
         {
             const FileSizeLimit limit(16);
             QVERIFY(!document.save());
+            QCOMPARE(document.errorString(), qt_error_string(EFBIG));
         }
 #endif
         for (const QString& file : {_directory->path(), path("no/such"_s)}) {
             document.setFilePath(file);
-            QVERIFY(!document.save());
+            QVERIFY(!document.save() && !document.errorString().isEmpty());
         }
         QCOMPARE(contentOf(good), before);
         QCOMPARE(QDir(_directory->path()).entryList(QDir::NoDotAndDotDot | QDir::AllEntries),
                  words("bad good"));
         document.setFilePath(good);
-        QVERIFY(document.save());
+        QVERIFY(document.save() && document.errorString().isEmpty());
     }
 
     void fontsAreSortedAndUnique()
