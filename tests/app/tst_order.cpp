@@ -1,262 +1,269 @@
-#include "RecordingLayer.h"
-
-#include <support/Listener.h>
 #include <support/Literals.h>
+
+#include <app/Application.h>
+#include <ovcore/BoardEthDescHandler.h>
+#include <ovcore/ConsoleObserverFile.h>
+#include <ovcore/ConsoleSingleton.h>
+#include <ovcore/Object.h>
+#include <ovcore/Settings.h>
+#include <ovcore/SystemBackupManager.h>
+#include <ovcore/SystemTimerManager.h>
+#include <ovcore/Version.h>
+#include <ovdatabase/DatabaseHandlerFactory.h>
+#include <ovdatabase/DatabaseManager.h>
+#include <ovdatabase/MemoryDatabaseManager.h>
+#include <ovdoc/DocObject.h>
+#include <ovdoc/Entity.h>
+#include <ovdoc/EntityClipboard.h>
+#include <ovdoc/EntityInfoRegistry.h>
+#include <ovdoc/GroupEntity.h>
+#include <ovdoc/Layer.h>
+#include <ovdoc/ObjectGroupEntity.h>
+#include <ovshape/FontDatabase.h>
+#include <ovshape/FontPluginLoader.h>
+#include <registries/CommInfoRegistry.h>
+#include <registries/ExtendPluginRegistry.h>
+#include <system/ExecutionState.h>
 
 #include <QtTest>
 
 using App::Application;
 
+// An implementation of everything that Application.cpp calls, which records each call with its
+// relevant arguments.
+
 namespace {
 
-/// Records a notification, and the document that is active during it.
-void recordNotification(const QString& notification)
-{
-    RecordingLayer::record(
-        "%1 while %2"_s.arg(notification, nameOf(Application::instance().activateDocument())));
-}
+QStringList calls;
+bool logsToFile = false;
+const char* version = nullptr;
 
-QStringList parts(QChar separator, const QString& text)
+QString text(const QVariant& value)
 {
-    QStringList result;
-    for (const QString& part : text.split(separator, Qt::SkipEmptyParts))
-        result.append(part.trimmed());
-    return result;
-}
-
-/// The calls in each step of a document function; "%1" is the path.
-const QMap<QString, QString> documentCalls{
-    {"create"_s, "Doc::Document"_s},
-    {"name"_s, "Doc::Document::setFilePath(%1)"_s},
-    {"fail"_s, "Doc::Document::open(%1); Doc::~Document(%1)"_s},
-    {"read"_s, "Doc::Document::open(%1); "
-               "Core::Settings::value(Print/resetCountAfterOpened, bool false)"_s},
-    {"reset"_s, "Doc::DocObject::setPrintCountData(0 of 9)"_s},
-    {"delete"_s, "Doc::~Document(%1)"_s},
-    {"remember"_s, "Core::Settings::setRunValue(File/Document, QString %1); "
-                   "Core::Settings::setValue(File/Document, QString %1)"_s},
-    {"close"_s, "close %1 while %1"_s},
-    {"new"_s, "new %1 while %1"_s},
-    {"active"_s, "active %1 while %1"_s},
-};
-
-QStringList callsOf(const QString& steps)
-{
-    QStringList calls;
-    for (const QString& step : parts(u',', steps))
-        calls += parts(u';', documentCalls.value(step.section(u' ', 0, 0)))
-                     .replaceInStrings("%1"_s, step.section(u' ', 1));
-    return calls;
-}
-
-QStringList without(QStringList calls, const QStringList& others)
-{
-    for (const QString& other : others)
-        calls.removeAll(other);
-    return calls;
+    return QLatin1String(value.typeName()) + u' ' + value.toString();
 }
 
 } // namespace
 
-/// The exact order in which the library calls the layer below.
+#define SINGLETON(type)                                                                            \
+    type& type::instance()                                                                         \
+    {                                                                                              \
+        static type object;                                                                        \
+        return object;                                                                             \
+    }
+#define RECORDED(call, parameters)                                                                 \
+    void call parameters                                                                           \
+    {                                                                                              \
+        calls.append(QStringLiteral(#call));                                                       \
+    }
+#define RECORDED_SERVICE(name) RECORDED(name::init, ()) RECORDED(name::destruct, ())
+
+RECORDED_SERVICE(App::CommInfoRegistry)
+RECORDED_SERVICE(App::ExtendPluginRegistry)
+RECORDED_SERVICE(Core::Settings)
+RECORDED_SERVICE(Core::SystemBackupManager)
+RECORDED_SERVICE(Core::SystemTimerManager)
+RECORDED_SERVICE(Database::DatabaseHandlerFactory)
+RECORDED_SERVICE(Database::DatabaseManager)
+RECORDED_SERVICE(Database::MemoryDatabaseManager)
+RECORDED_SERVICE(Doc::EntityClipboard)
+RECORDED_SERVICE(Doc::EntityInfoRegistry)
+RECORDED_SERVICE(FontLibrary::FontPluginLoader)
+RECORDED(Core::BoardEthDescHandler::destruct, ())
+RECORDED(Core::Object::initPropertyType, ())
+RECORDED(Doc::DocObject::initPropertyType, ())
+RECORDED(Doc::Entity::initPropertyType, ())
+RECORDED(Doc::GroupEntity::initPropertyType, ())
+RECORDED(Doc::Layer::initPropertyType, ())
+RECORDED(Doc::ObjectGroupEntity::initPropertyType, ())
+RECORDED(Core::ConsoleSingleton::attachObserver, (ConsoleObserver*))
+RECORDED(Core::ConsoleSingleton::detachObserver, (ConsoleObserver*))
+RECORDED(Core::ConsoleObserverFile::write, (Severity, const QByteArray&))
+SINGLETON(Core::ConsoleSingleton)
+SINGLETON(Core::Settings)
+SINGLETON(FontLibrary::FontDatabase)
+
+quint32 System::setThreadExecutionState(quint32 flags)
+{
+    calls.append("System::setThreadExecutionState(%1)"_s.arg(flags, 0, 16));
+    return 0;
+}
+
+namespace Core {
+
+struct Settings::Private
+{
+};
+Settings::Settings() = default;
+Settings::~Settings() = default;
+
+QVariant Settings::value(const QString& key, const QVariant& defaultValue) const
+{
+    calls.append("Core::Settings::value(%1, %2)"_s.arg(key, text(defaultValue)));
+    return logsToFile ? QVariant(true) : defaultValue;
+}
+
+void Settings::setValue(const QString& key, const QVariant& value)
+{
+    calls.append("Core::Settings::setValue(%1, %2)"_s.arg(key, text(value)));
+}
+
+QString Settings::sysFontDirPath() const
+{
+    return "system fonts"_s;
+}
+
+QString Settings::usrFontDirPath() const
+{
+    return "user fonts"_s;
+}
+
+const char* Version::versionString()
+{
+    return version;
+}
+
+void ConsoleSingleton::log(const char* format, ...)
+{
+    calls.append("Core::ConsoleSingleton::log("_s + QString::fromUtf8(format) + u')');
+}
+
+ConsoleObserver::~ConsoleObserver() = default;
+
+ConsoleObserverFile::ConsoleObserverFile(const QString& fileName)
+{
+    calls.append("Core::ConsoleObserverFile(%1)"_s.arg(fileName));
+}
+
+ConsoleObserverFile::~ConsoleObserverFile()
+{
+    calls.append("Core::~ConsoleObserverFile"_s);
+}
+
+void BoardEthDescHandler::init()
+{
+    // The application object exists from here on.
+    Application::instance().notifyStartFinishListener();
+    calls.append("Core::BoardEthDescHandler::init"_s);
+}
+
+} // namespace Core
+
+void Application::notifyStartFinishListener()
+{
+    calls.append("App::Application::notifyStartFinishListener, active document: %1"_s.arg(
+        _p_activeDocument ? "any"_s : "none"_s));
+}
+
+void FontLibrary::FontDatabase::addFontsFromDirectory(const QString& directory, bool flag)
+{
+    calls.append(
+        "FontLibrary::FontDatabase::addFontsFromDirectory(%1, %2)"_s.arg(directory).arg(flag));
+}
+
+namespace {
+
+const char startUp[] = R"(
+    System::setThreadExecutionState(80000041)
+    Core::Settings::init
+    Core::Settings::value(Debug/file, bool false)
+    Core::ConsoleObserverFile(log.txt)
+    Core::ConsoleSingleton::attachObserver
+    Core::ConsoleSingleton::log(Application::attachObservers.)
+    App::Application::notifyStartFinishListener, active document: none
+    Core::BoardEthDescHandler::init
+    Doc::EntityInfoRegistry::init
+    Core::SystemTimerManager::init
+    Database::DatabaseManager::init
+    Database::DatabaseHandlerFactory::init
+    Database::MemoryDatabaseManager::init
+    FontLibrary::FontPluginLoader::init
+    FontLibrary::FontDatabase::addFontsFromDirectory(system fonts, 1)
+    FontLibrary::FontDatabase::addFontsFromDirectory(user fonts, 1)
+    Core::Object::initPropertyType
+    Doc::DocObject::initPropertyType
+    Doc::Layer::initPropertyType
+    Doc::Entity::initPropertyType
+    Doc::GroupEntity::initPropertyType
+    Doc::ObjectGroupEntity::initPropertyType
+    App::CommInfoRegistry::init
+    App::ExtendPluginRegistry::init
+    Core::SystemBackupManager::init
+    Doc::EntityClipboard::init)";
+
+const char startFinished[] = R"(
+    Core::Settings::setValue(About/version, QString %1)
+    App::Application::notifyStartFinishListener, active document: none
+    Core::ConsoleSingleton::log(Application::doAppStartFinished:: application started.))";
+
+const char shutdown[] = R"(
+    Doc::EntityClipboard::destruct
+    Core::SystemBackupManager::destruct
+    App::ExtendPluginRegistry::destruct
+    App::CommInfoRegistry::destruct
+    FontLibrary::FontPluginLoader::destruct
+    Database::MemoryDatabaseManager::destruct
+    Database::DatabaseHandlerFactory::destruct
+    Database::DatabaseManager::destruct
+    Core::SystemTimerManager::destruct
+    Doc::EntityInfoRegistry::destruct
+    Core::BoardEthDescHandler::destruct
+    Core::ConsoleSingleton::detachObserver
+    Core::~ConsoleObserverFile
+    Core::Settings::destruct
+    System::setThreadExecutionState(80000000)
+    Core::ConsoleSingleton::log(destruct application.))";
+
+/// Returns the lines of a text except those that match `without`.
+QStringList lines(const char* text, const QString& without = "^$"_s)
+{
+    QStringList result;
+    for (const QString& line : QString::fromUtf8(text).split(u'\n', Qt::SkipEmptyParts)) {
+        if (!line.contains(QRegularExpression(without)))
+            result.append(line.trimmed());
+    }
+    return result;
+}
+
+} // namespace
+
+/// The exact order in which start-up and shutdown call the layer below and the registries.
 class tst_order : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase()
+    void init() { calls.clear(); }
+
+    void order_data()
     {
-        QVERIFY(QDir::setCurrent(_directory.path()) && QDir().mkdir("more"_s));
-        for (const QString& name : {"a"_s, "A"_s, "b"_s, "damaged"_s, "more/a"_s})
-            QVERIFY(QFile(name).open(QIODevice::WriteOnly));
-        QFile::link("a"_s, "link.lnk"_s);
+        QTest::addColumn<bool>("toFile");
+        QTest::newRow("without log file") << false;
+        QTest::newRow("with log file") << true;
     }
 
-    void cleanupTestCase() { QDir::setCurrent(QDir::tempPath()); }
-
-    void cleanup()
+    void order()
     {
-        layer = RecordingLayer();
-        Application::destruct();
-        layer.calls.clear();
-    }
-
-    void startUpAndShutdown()
-    {
-        const QStringList startUp = parts(u'\n', R"(
-        System::setThreadExecutionState(80000041)
-        Core::Settings::init
-        Core::Settings::value(Debug/file, bool false)
-        Core::ConsoleObserverFile(log.txt)
-        Core::ConsoleSingleton::attachObserver
-        Core::ConsoleSingleton::log(Application::attachObservers.)
-        Core::BoardEthDescHandler::init
-        Doc::EntityInfoRegistry::init
-        Core::SystemTimerManager::init
-        Database::DatabaseManager::init
-        Database::DatabaseHandlerFactory::init
-        Database::MemoryDatabaseManager::init
-        FontLibrary::FontPluginLoader::init
-        FontLibrary::FontDatabase::addFontsFromDirectory(system fonts, true)
-        FontLibrary::FontDatabase::addFontsFromDirectory(user fonts, true)
-        Core::Object::initPropertyType
-        Doc::DocObject::initPropertyType
-        Doc::Layer::initPropertyType
-        Doc::Entity::initPropertyType
-        Doc::GroupEntity::initPropertyType
-        Doc::ObjectGroupEntity::initPropertyType
-        App::CommInfoRegistry::init
-        App::ExtendPluginRegistry::init
-        Core::SystemBackupManager::init
-        Doc::EntityClipboard::init)"_s);
-        const QStringList shutdown = parts(u'\n', R"(
-        Doc::EntityClipboard::destruct
-        Core::SystemBackupManager::destruct
-        App::ExtendPluginRegistry::destruct
-        App::CommInfoRegistry::destruct
-        FontLibrary::FontPluginLoader::destruct
-        Database::MemoryDatabaseManager::destruct
-        Database::DatabaseHandlerFactory::destruct
-        Database::DatabaseManager::destruct
-        Core::SystemTimerManager::destruct
-        Doc::EntityInfoRegistry::destruct
-        Core::BoardEthDescHandler::destruct
-        Core::ConsoleSingleton::detachObserver
-        Core::~ConsoleObserverFile
-        Core::Settings::destruct
-        System::setThreadExecutionState(80000000)
-        Core::ConsoleSingleton::log(destruct application.))"_s);
-        const QStringList logFile{
-            "Core::ConsoleObserverFile(log.txt)"_s, "Core::ConsoleSingleton::attachObserver"_s,
-            "Core::ConsoleSingleton::detachObserver"_s, "Core::~ConsoleObserverFile"_s};
-        layer.onCall = [](const QString& call) {
-            if (call == "Core::BoardEthDescHandler::init"_s)
-                QVERIFY(!Application::instance().activateDocument());
-        };
-        for (const bool toFile : {false, true}) {
-            layer.settings.insert("Debug/file"_s, toFile);
-            Application::init();
-            QCOMPARE(layer.calls, toFile ? startUp : without(startUp, logFile));
-            layer.calls.clear();
-            Application::destruct();
-            QCOMPARE(layer.calls, toFile ? shutdown : without(shutdown, logFile));
-
-            // A shutdown without a start-up is allowed.
-            layer.calls.clear();
-            Application::destruct();
-            QCOMPARE(layer.calls, without(shutdown, logFile + QStringList{shutdown.last()}));
-            layer.calls.clear();
-        }
-    }
-
-    void startFinished()
-    {
+        QFETCH(const bool, toFile);
+        logsToFile = toFile;
+        const QString without = toFile ? "^$"_s : "ConsoleObserverFile|(at|de)tachObserver$"_s;
         Application::init();
-        Listener listener(recordNotification);
-        add(Application::instance(), &listener);
-        for (const char* version : {"4.5.6", static_cast<const char*>(nullptr)}) {
-            layer.version = version;
-            layer.calls.clear();
+        QCOMPARE(calls, lines(startUp, without));
+        for (const char* text : {"4.5.6", static_cast<const char*>(nullptr)}) {
+            version = text;
+            calls.clear();
             Application::instance().doAppStartFinished();
-            QCOMPARE(layer.calls,
-                     QStringList({"Core::Settings::setValue(About/version, QString %1)"_s.arg(
-                                      QLatin1String(version)),
-                                  "started while none"_s,
-                                  "Core::ConsoleSingleton::log(Application::"
-                                  "doAppStartFinished:: application started.)"_s}));
+            QCOMPARE(calls.join(u'\n'), lines(startFinished).join(u'\n').arg(QLatin1String(text)));
         }
+        calls.clear();
+        Application::destruct();
+        QCOMPARE(calls, lines(shutdown, without));
+
+        // A shutdown without a start-up is allowed.
+        calls.clear();
+        Application::destruct();
+        QCOMPARE(calls, lines(shutdown, "Observer|log"_s));
     }
-
-    void documents_data()
-    {
-        for (const char* column : {"active", "action", "result", "activeAfter", "steps"})
-            QTest::addColumn<QString>(column);
-        const char* const rows[][5] = {
-            {"none", "new n", "n", "n", "create, name n, remember n, new n"},
-            {"a", "new n", "n", "n", "create, name n, close a, remember n, new n"},
-            {"a", "new b", "b", "b", "create, read b, reset, close a, remember b, new b"},
-            {"a", "new damaged", "none", "a", "create, fail damaged"},
-            {"a", "new .", "none", "a", "create, fail ."},
-            {"a", "new", "none", "a", ""},
-            {"a", "new missing/n", "none", "a", ""},
-            {"none", "open b", "b", "b", "create, read b, remember b, new b"},
-            {"a", "open b", "b", "b", "create, read b, reset, close a, remember b, new b"},
-            {"a", "open damaged", "none", "a", "create, fail damaged"},
-            {"a", "open .", "none", "a", ""},
-            {"a", "open n", "none", "a", ""},
-            {"a", "open ./a", "a", "a", ""},
-            {"a", "open A", "A", "A", "create, read A, close a, remember A, new A"},
-            {"a", "open link.lnk", "link.lnk", "link.lnk",
-             "create, read link.lnk, close a, remember link.lnk, new link.lnk"},
-            {"a", "open more/a", "more/a", "more/a",
-             "create, read more/a, close a, remember more/a, new more/a"},
-            {"none", "activate b", "b", "b", "remember b, active b"},
-            {"a", "activate b", "b", "b", "delete a, remember b, active b"},
-            {"a", "activate none", "none", "none", "delete a, active none"},
-            {"a", "activate a", "a", "a", ""},
-            {"none", "activate none", "none", "none", ""},
-            {"a", "close", "true", "none", "close a"},
-            {"none", "close", "false", "none", ""},
-        };
-        for (const auto& row : rows) {
-            QTestData& data = QTest::addRow("active: %s; %s", row[0], row[1]);
-            for (const char* text : row)
-                data << QString::fromLatin1(text);
-        }
-    }
-
-    void documents()
-    {
-        QFETCH(QString, active);
-        QFETCH(QString, action);
-        QFETCH(QString, steps);
-#ifndef Q_OS_UNIX
-        if (action.endsWith("link.lnk"_s))
-            QSKIP("Qt creates shortcuts instead of links on this system");
-#endif
-        layer.documentOpens = !steps.contains("fail"_s);
-        layer.settings.insert("Print/resetCountAfterOpened"_s, steps.contains("reset"_s));
-        Application::init();
-        Application& application = Application::instance();
-        Listener listener(recordNotification);
-        add(application, &listener);
-        const auto documentAt = [this](const QString& path) -> Doc::Document* {
-            if (path == "none"_s)
-                return nullptr;
-            const auto document = new Doc::Document(nullptr);
-            document->setFilePath(path);
-            layer.calls.clear();
-            return document;
-        };
-        Doc::Document* const previous = documentAt(active);
-        application.setActivateDocument(previous);
-        layer.calls.clear();
-
-        const QString path = action.section(u' ', 1);
-        QString result;
-        if (action.startsWith("new"_s)) {
-            result = nameOf(application.newDocument(path));
-        } else if (action.startsWith("open"_s)) {
-            result = nameOf(application.openDocument(path));
-        } else if (action == "close"_s) {
-            result = application.closeDocument() ? "true"_s : "false"_s;
-        } else {
-            application.setActivateDocument(path == active ? previous : documentAt(path));
-            result = nameOf(application.activateDocument());
-        }
-        QTEST(result, "result");
-        QCOMPARE(layer.calls, callsOf(steps));
-        QTEST(nameOf(application.activateDocument()), "activeAfter");
-        QVERIFY(!QFile::exists("n"_s));
-
-        if (!steps.startsWith("delete"_s) && previous != application.activateDocument())
-            delete previous;
-        delete application.activateDocument();
-    }
-
-private:
-    QTemporaryDir _directory;
-    RecordingLayer& layer = RecordingLayer::instance();
 };
 
 QTEST_APPLESS_MAIN(tst_order)
