@@ -3,7 +3,7 @@
 #include "inspection/InspectPluginCommand.h"
 #include "inspection/PluginsCommand.h"
 #include "network/NetworkCommands.h"
-#include "process/Output.h"
+#include "Output.h"
 #include "session/RunCommand.h"
 
 #include <QCommandLineParser>

@@ -1,7 +1,7 @@
 #include "SessionOptions.h"
 
 #include "CommandLine.h"
-#include "process/Output.h"
+#include "Output.h"
 
 #include <app/Application.h>
 #include <ovcore/BoardEthDescHandler.h>

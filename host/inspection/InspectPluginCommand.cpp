@@ -3,9 +3,7 @@
 #include "CommandLine.h"
 #include "inspection/PluginReport.h"
 #include "inspection/RemainingListeners.h"
-#include "process/FatalSignals.h"
-#include "process/Output.h"
-#include "process/QtApplication.h"
+#include "Output.h"
 #include "SessionOptions.h"
 
 #include <app/Application.h>
@@ -22,14 +20,12 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <exception>
 
 #ifdef Q_OS_WIN
 #include <io.h>
 #include <qt_windows.h>
 #else
 #include <fcntl.h>
-#include <sys/resource.h>
 #include <unistd.h>
 #endif
 #ifdef Q_OS_LINUX
@@ -69,47 +65,6 @@ bool redirectStandardOutput()
     resultPipe = ::fdopen(::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0), "w");
     return resultPipe && ::dup2(STDERR_FILENO, STDOUT_FILENO) != -1;
 #endif
-}
-
-/// The parent reports a crash; core files and dialogs would only disturb.
-void disableCrashReports()
-{
-#ifdef Q_OS_WIN
-    SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
-#else
-    // A core file does not fit into one byte, and with a limit other than 0 none is piped to a
-    // program either.
-    rlimit limit = {};
-    ::getrlimit(RLIMIT_CORE, &limit);
-    limit.rlim_cur = std::min<rlim_t>(limit.rlim_max, 1);
-    ::setrlimit(RLIMIT_CORE, &limit);
-#endif
-}
-
-/// On Windows the parent has a job object for this.
-void endWithParent()
-{
-#ifdef Q_OS_LINUX
-    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-#endif
-}
-
-/// Sends the text of an exception that is not caught.
-void installTerminateHandler()
-{
-#ifndef Q_OS_WIN
-    static const pid_t process = ::getpid();
-#endif
-    std::set_terminate([] {
-#ifndef Q_OS_WIN
-        // A child that the plug-in has forked does not change the verdict.
-        if (::getpid() != process)
-            std::abort();
-#endif
-        sendMessage(
-            {{QLatin1String(InspectionProtocol::terminationReason), describeCurrentException()}});
-        std::_Exit(Failure);
-    });
 }
 
 template <typename Call>
@@ -201,10 +156,13 @@ int inspectPlugin(const QStringList& arguments)
     if (!redirectStandardOutput())
         return fail(Failure, QStringLiteral("cannot redirect standard output"));
 
-    disableCrashReports();
-    endWithParent();
-    installTerminateHandler();
-    QtApplication::prepareFor(files);
+#ifdef Q_OS_WIN
+    // A dialog would keep a crashed process until the time limit.
+    SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
+#endif
+#ifdef Q_OS_LINUX
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL); // if the parent ends first
+#endif
     sendActivity("the library was initialised");
     options.startLibrary();
     inspect(files.first(), parser.isSet(profile));

@@ -5,12 +5,10 @@
 namespace Host {
 
 /// The messages that a process which inspects a plug-in sends to its parent. Each one is a JSON
-/// object on one line: it contains new parts of the report, or one of these members.
+/// object on one line: it contains new parts of the report, or this member.
 namespace InspectionProtocol {
 /// The next activity of the process, as a clause that follows "while".
 constexpr char activity[] = "activity";
-/// The reason for the end of the process, as a phrase that follows "ended by".
-constexpr char terminationReason[] = "terminationReason";
 /// The activity after the inspection.
 constexpr char lastActivity[] = "the program ended";
 } // namespace InspectionProtocol

@@ -1,9 +1,7 @@
 #include "inspection/PluginInspector.h"
 
 #include "inspection/InspectPluginCommand.h"
-#include "process/FatalSignals.h"
-#include "process/Output.h"
-#include "process/QtApplication.h"
+#include "Output.h"
 
 #include <system/LibraryFile.h>
 
@@ -13,9 +11,7 @@
 #include <QProcessEnvironment>
 #include <QTimer>
 
-#ifdef Q_OS_WIN
-#include <qt_windows.h>
-#endif
+#include <cstring>
 
 namespace Host {
 
@@ -29,23 +25,6 @@ class InspectionProcess final : public QProcess
 public:
     using QProcess::QProcess;
 };
-
-/// Makes the system end the children of this process when it ends. On Linux each child does so
-/// itself.
-void killChildrenOnExit()
-{
-#ifdef Q_OS_WIN
-    static const HANDLE job = [] {
-        JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits = {};
-        limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
-        const HANDLE newJob = CreateJobObjectW(nullptr, nullptr);
-        SetInformationJobObject(newJob, JobObjectExtendedLimitInformation, &limits, sizeof limits);
-        AssignProcessToJobObject(newJob, GetCurrentProcess());
-        return newJob;
-    }();
-    Q_UNUSED(job)
-#endif
-}
 
 /// Returns an environment in which the C library overwrites freed memory, so that a process which
 /// uses it crashes. The C library does not overwrite memory in the caches of its threads.
@@ -61,16 +40,16 @@ QProcessEnvironment inspectionEnvironment()
     return environment;
 }
 
-/// Returns the reason for the crash of a process, as a phrase that follows "ended by".
+/// Returns the signal or the exception of the system that ended a process.
 QString terminationReasonOf(const QProcess& process)
 {
 #ifdef Q_OS_WIN
     return QStringLiteral("exception 0x%1").arg(static_cast<quint32>(process.exitCode()), 0, 16);
 #else
-    for (const FatalSignal* signal = fatalSignals; signal->name; ++signal) {
-        if (signal->number == process.exitCode())
-            return QLatin1String(signal->name);
-    }
+#if defined(__GLIBC__) && (__GLIBC__ > 2 || __GLIBC_MINOR__ >= 32)
+    if (const char* name = ::sigabbrev_np(process.exitCode()))
+        return QLatin1String("SIG") + QLatin1String(name);
+#endif
     return QStringLiteral("signal %1").arg(process.exitCode());
 #endif
 }
@@ -80,33 +59,24 @@ void addResult(PluginReport& report, QProcess& process, bool isTimedOut,
                std::chrono::seconds timeout)
 {
     const QString activity = QLatin1String(InspectionProtocol::activity);
-    const QString terminationReason = QLatin1String(InspectionProtocol::terminationReason);
     report.add({{activity, QStringLiteral("the program was started")}});
     const QList<QByteArray> lines = process.readAllStandardOutput().split('\n');
     for (const QByteArray& line : lines)
         report.add(QJsonDocument::fromJson(line).object());
     const QString lastActivity = report.take(activity);
-    QString endedBy = report.take(terminationReason);
     const auto addVerdict = [&](const char* verdict, const QString& failure) {
-        QString reason = QStringLiteral("%1 while %2").arg(failure, lastActivity);
-        const QString widgetsError =
-            QtApplication::widgetsError(report.text(QStringLiteral("file")));
-        if (!widgetsError.isEmpty())
-            reason += QLatin1String("; ") + widgetsError;
-        report.add(verdictParts(QLatin1String(verdict), reason));
+        report.add(verdictParts(QLatin1String(verdict),
+                                QStringLiteral("%1 while %2").arg(failure, lastActivity)));
     };
 
     const bool hasCrashed = process.exitStatus() == QProcess::CrashExit;
-    if (hasCrashed && isTimedOut)
-        return addVerdict(
-            "timed-out",
-            QStringLiteral("took longer than %1 s, and was ended").arg(timeout.count()));
-    if (hasCrashed && endedBy.isEmpty())
-        endedBy = terminationReasonOf(process);
-    if (!endedBy.isEmpty())
-        return addVerdict("crashed", QStringLiteral("ended by %1").arg(endedBy));
-    if (process.exitCode() != Success ||
-        lastActivity != QLatin1String(InspectionProtocol::lastActivity)) {
+    if (hasCrashed && isTimedOut) {
+        addVerdict("timed-out",
+                   QStringLiteral("took longer than %1 s, and was ended").arg(timeout.count()));
+    } else if (hasCrashed) {
+        addVerdict("crashed", QStringLiteral("ended by %1").arg(terminationReasonOf(process)));
+    } else if (process.exitCode() != Success ||
+               lastActivity != QLatin1String(InspectionProtocol::lastActivity)) {
         addVerdict(
             "exited",
             QStringLiteral("ended by a call of exit with exit code %1").arg(process.exitCode()));
@@ -123,7 +93,6 @@ PluginInspector::PluginInspector(const QStringList& arguments, int maxProcesses,
 
 std::vector<PluginReport> PluginInspector::inspect(const QStringList& files)
 {
-    killChildrenOnExit();
     std::vector<PluginReport> reports(files.cbegin(), files.cend());
     for (PluginReport& report : reports) {
         const QString reason = System::libraryFileError(report.text(QStringLiteral("file")));

@@ -2,8 +2,7 @@
 
 #include "CommandLine.h"
 #include "inspection/PluginInspector.h"
-#include "inspection/SkippedFiles.h"
-#include "process/Output.h"
+#include "Output.h"
 #include "SessionOptions.h"
 
 #include <app/Application.h>
@@ -13,8 +12,10 @@
 
 #include <QCommandLineParser>
 #include <QDir>
+#include <QDirIterator>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QLibrary>
 #include <QMap>
 #include <QThread>
 
@@ -66,13 +67,36 @@ std::optional<int> findGivenFiles(const QStringList& names, Files& files)
     return std::nullopt;
 }
 
+/// Warns about the likely mistakes in the plug-in directory that the scan for plug-in files skips:
+/// directories that cannot be read, and libraries with another suffix.
+void warnAboutSkippedFiles(const QString& directory)
+{
+    const QString suffix = PluginLoader::pluginSuffix();
+    QStringList warnings;
+    const auto check = [&](const QFileInfo& entry) {
+        const QString prefix = quoted(entry.filePath()) + QLatin1String(" is skipped: ");
+        if (entry.isDir() && !entry.isReadable())
+            warnings << prefix + QLatin1String("the directory cannot be read");
+        if (entry.isFile() && QLibrary::isLibrary(entry.fileName()) &&
+            entry.suffix().compare(suffix, Qt::CaseInsensitive) != 0)
+            warnings << prefix + QLatin1String("the suffix of plug-in files is .") + suffix;
+    };
+    check(QFileInfo(directory));
+    QDirIterator entries(directory, QDir::AllEntries | QDir::NoDotAndDotDot,
+                         QDirIterator::Subdirectories | QDirIterator::FollowSymlinks);
+    while (entries.hasNext())
+        check(QFileInfo(entries.next()));
+    warnings.sort();
+    for (const QString& warning : qAsConst(warnings))
+        warn(warning);
+}
+
 /// Returns the files in the plug-in directory, and warns about others there.
 Files findFiles()
 {
     const QString path = PluginLoader::pluginsPath();
-    const QStringList warnings = skippedFiles(path, PluginLoader::pluginSuffix());
-    for (const QString& warning : warnings)
-        warn(warning);
+    if (!path.isEmpty())
+        warnAboutSkippedFiles(path);
     Files files;
     files.paths = PluginLoader::pluginFiles();
     const QDir directory(path);

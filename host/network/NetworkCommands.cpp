@@ -1,8 +1,8 @@
 #include "network/NetworkCommands.h"
 
 #include "CommandLine.h"
-#include "process/InterruptWatcher.h"
-#include "process/Output.h"
+#include "Interrupts.h"
+#include "Output.h"
 
 #include <app/Application.h>
 #include <netdiag/PingProcess.h>
@@ -19,7 +19,6 @@
 #include <QTimer>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 
 #ifdef Q_OS_WIN
@@ -73,11 +72,17 @@ std::optional<int> read(const QStringList& arguments, const QString& description
     return std::nullopt;
 }
 
-/// Prints a part of a tool's output. Returns false if standard output cannot be written.
-bool printOutput(QByteArray text)
+/// Prints a part of a tool's output.
+void printOutput(QByteArray text)
 {
     // On Windows standard output converts the line ends itself.
-    return write(stdout, text.replace('\r', QByteArray()));
+    write(stdout, text.replace('\r', QByteArray()));
+}
+
+/// Returns whether the tool is to be ended: after an interrupt, or if its output cannot be printed.
+bool isEndRequested()
+{
+    return isInterrupted() || std::ferror(stdout);
 }
 
 /// Reports that the tool `name` cannot be started. `program` is its executable, `package` the
@@ -113,25 +118,24 @@ int runPing(const QString& host, int count)
     PingProcess process;
     QEventLoop loop;
     QByteArray errorOutput;
-    QObject::connect(&process, &QProcess::readyReadStandardOutput, &loop, [&] {
-        if (!printOutput(process.readAllStandardOutput()))
-            System::interruptProcess(process.processId());
-    });
+    QObject::connect(&process, &QProcess::readyReadStandardOutput, &loop,
+                     [&] { printOutput(process.readAllStandardOutput()); });
     QObject::connect(&process, &QProcess::readyReadStandardError, &loop,
                      [&] { errorOutput += process.readAllStandardError(); });
     QObject::connect(&process, &QProcess::stateChanged, &loop, [&](QProcess::ProcessState state) {
         if (state == QProcess::NotRunning)
             loop.quit();
     });
-    // At the first interrupt the tool prints its summary; a second one ends it.
-    bool isInterrupted = false;
-    const InterruptWatcher watcher([&] {
-        if (isInterrupted)
-            process.kill();
-        else
-            System::interruptProcess(process.processId());
-        isInterrupted = true;
+    // The tool prints its summary. Ctrl+C has reached it too, but other signals have not.
+    QTimer endTimer;
+    QObject::connect(&endTimer, &QTimer::timeout, &loop, [&] {
+        if (!isEndRequested())
+            return;
+        System::interruptProcess(process.processId());
+        endTimer.stop();
     });
+    endTimer.start(interruptPollInterval);
+    catchInterrupts();
 
     process.setCount(count);
     process.doPing(host);
@@ -146,7 +150,7 @@ int runPing(const QString& host, int count)
         return fail(Failure, QStringLiteral("the ping tool was terminated"));
     if (process.exitCode() == 0)
         return Success;
-    if (isInterrupted)
+    if (isInterrupted())
         return fail(Failure, QStringLiteral("interrupted"));
     errorOutput = errorOutput.trimmed();
     return fail(Failure, errorOutput.isEmpty()
@@ -162,28 +166,22 @@ int runTrace(const QString& host, int maxHops)
     const auto printNewOutput = [&] {
         const auto printed = report.size();
         report = process.readAllStandardOutput();
-        return printOutput(report.mid(printed));
+        printOutput(report.mid(printed));
     };
-    // The tool is not a child of this process, so Ctrl+C does not reach it. A tool that can be
-    // interrupted prints the rest of its output at once.
-    const auto endTool = [&] {
-        System::interruptProcess(process.toolProcessId());
-        QTimer::singleShot(500, &loop, &QEventLoop::quit);
-    };
-    QObject::connect(&process, &TracerouteProcess::readyReadStandardOutput, &loop, [&] {
-        if (!printNewOutput())
-            endTool();
-    });
-    bool isInterrupted = false;
-    const InterruptWatcher interruptWatcher([&] {
-        isInterrupted = true;
-        endTool();
-    });
+    QObject::connect(&process, &TracerouteProcess::readyReadStandardOutput, &loop, printNewOutput);
     QTimer endTimer;
     QObject::connect(&endTimer, &QTimer::timeout, &loop, [&] {
         if (!isRunning(process.toolProcessId()))
             loop.quit();
+        if (!isEndRequested())
+            return;
+        // The tool is not a child of this process, so Ctrl+C does not reach it. A tool that can be
+        // interrupted prints the rest of its output at once.
+        System::interruptProcess(process.toolProcessId());
+        endTimer.stop();
+        QTimer::singleShot(500, &loop, &QEventLoop::quit);
     });
+    catchInterrupts();
 
     process.setMaxHops(maxHops);
     process.doTraceroute(host);
@@ -191,13 +189,13 @@ int runTrace(const QString& host, int maxHops)
         return reportStartFailure(QStringLiteral("traceroute"),
                                   QLatin1String(SystemTools::traceroute),
                                   QStringLiteral("traceroute"));
-    endTimer.start(std::chrono::milliseconds(100));
+    endTimer.start(interruptPollInterval);
     loop.exec();
     // The last change of the file may not have been notified yet.
     printNewOutput();
     if (std::ferror(stdout))
         return Success; // main() reports the error
-    if (isInterrupted)
+    if (isInterrupted())
         return fail(Failure, QStringLiteral("interrupted"));
     const QRegularExpression hop(QStringLiteral("^ +[0-9]+ "), QRegularExpression::MultilineOption);
     if (!hop.match(QString::fromLocal8Bit(report)).hasMatch())

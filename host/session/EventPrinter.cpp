@@ -1,6 +1,6 @@
 #include "session/EventPrinter.h"
 
-#include "process/Output.h"
+#include "Output.h"
 
 #include <QByteArray>
 #include <QString>
@@ -19,6 +19,11 @@ void EventPrinter::print(const QString& source, const QString& description)
                              .arg(source, -24)
                              .arg(description);
     Host::print(stdout, escapeNonPrintable(text));
+}
+
+void EventPrinter::printStep(const QString& step)
+{
+    print(QStringLiteral("host"), step);
 }
 
 void EventPrinter::write(Severity severity, const QByteArray& line)

@@ -15,7 +15,10 @@ class EventPrinter : public Core::ConsoleObserver
 public:
     EventPrinter();
 
+    /// Prints an event and flushes, so that it is seen even if the program crashes next.
     void print(const QString& source, const QString& description);
+    /// Prints a step of the host itself, before it happens.
+    void printStep(const QString& step);
     void write(Severity severity, const QByteArray& line) override;
 
 private:

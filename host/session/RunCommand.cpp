@@ -1,11 +1,8 @@
 #include "session/RunCommand.h"
 
 #include "CommandLine.h"
-#include "process/CrashHandler.h"
-#include "process/InterruptWatcher.h"
-#include "process/Output.h"
-#include "process/QtApplication.h"
-#include "session/DocumentError.h"
+#include "Interrupts.h"
+#include "Output.h"
 #include "session/EventPrinter.h"
 #include "session/HeartbeatChannel.h"
 #include "session/SessionListener.h"
@@ -42,9 +39,6 @@ namespace {
 
 using App::PluginLoader;
 
-/// The source of the events of the host itself.
-const QString host = QStringLiteral("host");
-
 QString sampleDocument()
 {
     const QDir samples(QCoreApplication::applicationDirPath() + QLatin1Char('/') +
@@ -78,8 +72,8 @@ void changeDocument(Doc::Document* document, SessionReceiver& receiver)
 }
 
 /// Keeps the channels started until an interrupt if `stay` is true, otherwise for some heartbeats.
-/// Returns the exit code.
-int runChannels(bool stay, EventPrinter& printer)
+/// Returns an error message; empty if there is no error.
+QString runChannels(bool stay, EventPrinter& printer)
 {
     App::CommInfoRegistry& channels = *App::CommInfoRegistry::instance();
     HeartbeatChannel heartbeat(printer, std::chrono::milliseconds(stay ? 1000 : 20));
@@ -91,25 +85,23 @@ int runChannels(bool stay, EventPrinter& printer)
         isEnded = true;
         loop.quit();
     };
-    std::optional<InterruptWatcher> watcher;
-    QTimer readerTimer;
+    QTimer endTimer;
     if (stay) {
-        printer.print(host, QStringLiteral("keeps the channels started until Ctrl+C"));
-        watcher.emplace(end);
-        QObject::connect(&readerTimer, &QTimer::timeout, &loop, [&end] {
-            // The reader of the output has ended.
-            if (std::ferror(stdout))
+        printer.printStep(QStringLiteral("keeps the channels started until Ctrl+C"));
+        catchInterrupts();
+        QObject::connect(&endTimer, &QTimer::timeout, &loop, [&end] {
+            // Standard output has an error if its reader has ended.
+            if (isInterrupted() || std::ferror(stdout))
                 end();
         });
-        readerTimer.start(1000);
+        endTimer.start(interruptPollInterval);
     } else {
         QTimer::singleShot(70, &loop, end);
     }
     loop.exec();
-    watcher.reset();
     channels.stop();
     channels.unregisterCommInfo(&heartbeat);
-    return isEnded ? Success : fail(Failure, QStringLiteral("a plug-in has ended the event loop"));
+    return isEnded ? QString() : QStringLiteral("a plug-in has ended the event loop");
 }
 
 /// The path of a plug-in file as the session shows it.
@@ -118,75 +110,56 @@ QString relativePluginPath(const QString& file)
     return QDir(PluginLoader::pluginsPath()).relativeFilePath(file);
 }
 
-int cannotOpen(const QString& path)
-{
-    return fail(Failure,
-                QStringLiteral("cannot open %1: %2").arg(quoted(path), documentError(path)));
-}
-
-/// Prints each step of the host and passes it to the crash handler.
-class SessionProgress
-{
-public:
-    explicit SessionProgress(EventPrinter& printer) : _printer(printer) {}
-
-    void beginStep(const QString& step)
-    {
-        _printer.print(host, step);
-        _crashHandler.setActivity(
-            QStringLiteral("the host %1; %2 plugins --profile inspects the plug-ins")
-                .arg(step, executableName));
-    }
-    EventPrinter& printer() { return _printer; }
-
-private:
-    EventPrinter& _printer;
-    CrashHandler _crashHandler;
-};
-
-/// Opens the document, changes it, reverts it and closes it.
-int useDocument(const QString& path, bool stay, SessionReceiver& receiver,
-                SessionProgress& progress)
+/// Opens the document, changes it, reverts it and closes it. Returns an error message; empty if
+/// there is no error.
+QString useDocument(const QString& path, bool stay, SessionReceiver& receiver,
+                    EventPrinter& printer)
 {
     App::Application& application = App::Application::instance();
-    progress.beginStep(QStringLiteral("opens the document"));
+    auto onDisk = std::make_unique<Doc::Document>(new Doc::Storage);
+    const auto openError = [&onDisk, &path] {
+        return onDisk->open(path)
+                   ? QString()
+                   : QStringLiteral("cannot open %1: %2").arg(quoted(path), onDisk->errorString());
+    };
+    printer.printStep(QStringLiteral("opens the document"));
     Doc::Document* document = application.openDocument(path);
     if (!document)
-        return cannotOpen(path);
+        return openError();
 
-    progress.beginStep(QStringLiteral("changes the document, notifies and posts"));
+    printer.printStep(QStringLiteral("changes the document, notifies and posts"));
     changeDocument(document, receiver);
-    progress.beginStep(QStringLiteral("runs the event loop"));
+    printer.printStep(QStringLiteral("runs the event loop"));
     QCoreApplication::processEvents();
 
-    progress.beginStep(QStringLiteral("starts and stops the channels"));
-    int exitCode = runChannels(stay, progress.printer());
+    printer.printStep(QStringLiteral("starts and stops the channels"));
+    QString error = runChannels(stay, printer);
 
-    progress.beginStep(QStringLiteral("reverts the document to the file's content"));
-    auto onDisk = std::make_unique<Doc::Document>(new Doc::Storage);
-    if (onDisk->open(path))
+    printer.printStep(QStringLiteral("reverts the document to the file's content"));
+    const QString revertError = openError();
+    if (revertError.isEmpty())
         application.setActivateDocument(onDisk.release());
     else
-        exitCode = cannotOpen(path);
+        error = revertError;
 
-    progress.beginStep(QStringLiteral("closes the document"));
+    printer.printStep(QStringLiteral("closes the document"));
     application.closeDocument();
-    return exitCode;
+    return error;
 }
 
-void loadPlugins(SessionProgress& progress)
+void loadPlugins(EventPrinter& printer)
 {
-    progress.beginStep(QStringLiteral("loads and starts the plug-ins"));
+    printer.printStep(QStringLiteral("loads and starts the plug-ins"));
     PluginLoader::initPluginIDValue();
-    PluginLoader::setProgressHandler([&progress](const QString& file, int index, int count) {
-        progress.beginStep(QStringLiteral("loads and starts %1 (%2 of %3)")
-                               .arg(relativePluginPath(file))
-                               .arg(index + 1)
-                               .arg(count));
+    PluginLoader::setProgressHandler([&printer](const QString& file, int index, int count) {
+        printer.printStep(QStringLiteral("loads and starts %1 (%2 of %3)")
+                              .arg(relativePluginPath(file))
+                              .arg(index + 1)
+                              .arg(count));
     });
     PluginLoader::loadPlugins(true);
     PluginLoader::setProgressHandler(nullptr);
-    progress.beginStep(QStringLiteral("lists the plug-ins"));
+    printer.printStep(QStringLiteral("lists the plug-ins"));
     const QList<App::PluginRecord> records = PluginLoader::records();
     for (const App::PluginRecord& record : records) {
         QString result = relativePluginPath(record.filePath);
@@ -194,52 +167,40 @@ void loadPlugins(SessionProgress& progress)
                                                                     : QStringLiteral(" is refused");
         if (!record.reason.isEmpty())
             result += QLatin1String(": ") + record.reason;
-        progress.printer().print(host, result);
+        printer.printStep(result);
     }
     App::Application::instance().notifyPluginStateChangeListener(PluginLoader::pluginCount());
 }
 
 /// Does what `PluginLoader::unloadPlugins` does, with a step for each plug-in.
-void unloadPlugins(SessionProgress& progress)
+void unloadPlugins(EventPrinter& printer)
 {
-    progress.beginStep(QStringLiteral("stops and unloads the plug-ins"));
+    printer.printStep(QStringLiteral("stops and unloads the plug-ins"));
     const QList<App::PluginRecord> records = PluginLoader::records();
     for (auto record = records.crbegin(); record != records.crend(); ++record) {
         if (!record->rootObject)
             continue;
-        progress.beginStep(
+        printer.printStep(
             QStringLiteral("stops and unloads %1").arg(relativePluginPath(record->filePath)));
         PluginLoader::unloadPlugin(record->filePath);
     }
 }
 
-/// Creates the application object of Qt that the plug-ins need.
-void prepareForPlugins(const QString& directory)
+/// Executes the session between start-up and shutdown. Returns an error message; empty if there is
+/// no error.
+QString useApplication(const QString& document, bool stay, EventPrinter& printer)
 {
-    Core::Settings::instance().setPluginDirPath(directory);
-    const QStringList files = PluginLoader::pluginFiles();
-    QtApplication::prepareFor(files);
-    for (const QString& file : files) {
-        const QString error = QtApplication::widgetsError(file);
-        if (!error.isEmpty())
-            warn(quoted(file) + QLatin1String(": ") + error);
-    }
-}
-
-/// Executes the session between start-up and shutdown.
-int useApplication(const QString& document, bool stay, SessionProgress& progress)
-{
-    SessionListener listener(progress.printer());
-    SessionReceiver receiver(progress.printer());
+    SessionListener listener(printer);
+    SessionReceiver receiver(printer);
     QCoreApplication::instance()->installEventFilter(&receiver);
-    loadPlugins(progress);
-    progress.beginStep(QStringLiteral("completes its start-up"));
+    loadPlugins(printer);
+    printer.printStep(QStringLiteral("completes its start-up"));
     App::Application::instance().doAppStartFinished();
 
-    const int exitCode = useDocument(document, stay, receiver, progress);
+    const QString error = useDocument(document, stay, receiver, printer);
 
-    unloadPlugins(progress);
-    return exitCode;
+    unloadPlugins(printer);
+    return error;
 }
 
 } // namespace
@@ -264,20 +225,18 @@ int run(const QStringList& arguments)
                                     .arg(quoted(parser.positionalArguments().constFirst())));
     }
 
-    prepareForPlugins(options.pluginDir());
     EventPrinter printer;
-    SessionProgress progress(printer);
     Core::ConsoleSingleton::instance().attachObserver(&printer);
-    progress.beginStep(QStringLiteral("starts the library"));
+    printer.printStep(QStringLiteral("starts the library"));
     options.startLibrary();
     warnIfSettingsCannotBeKept();
 
-    const int exitCode = useApplication(parser.value(document), parser.isSet(stay), progress);
+    const QString error = useApplication(parser.value(document), parser.isSet(stay), printer);
 
-    progress.beginStep(QStringLiteral("stops the library"));
+    printer.printStep(QStringLiteral("stops the library"));
     App::Application::destruct();
     Core::ConsoleSingleton::instance().detachObserver(&printer);
-    return exitCode;
+    return error.isEmpty() ? Success : fail(Failure, error);
 }
 
 } // namespace Host

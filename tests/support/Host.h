@@ -23,9 +23,8 @@ inline QStringList linesOf(const QByteArray& text)
 
 inline Outcome outcomeOf(QProcess& host)
 {
-    if (!host.waitForFinished() || host.exitStatus() != QProcess::NormalExit)
-        return {};
-    return {host.exitCode(), linesOf(host.readAllStandardOutput()),
+    const bool isExited = host.waitForFinished() && host.exitStatus() == QProcess::NormalExit;
+    return {isExited ? host.exitCode() : -1, linesOf(host.readAllStandardOutput()),
             linesOf(host.readAllStandardError())};
 }
 

@@ -1,4 +1,4 @@
-#include "process/Output.h"
+#include "Output.h"
 
 #include <cstddef>
 
