@@ -58,7 +58,7 @@ public:
                 continue;
             --each->next;
             if (!each->_removed)
-                each->_removed = std::make_unique<std::vector<T*>>();
+                each->_removed.reset(new std::vector<T*>);
             each->_removed->push_back(entry);
         }
     }
@@ -73,13 +73,15 @@ public:
         }
     }
 
-    /// Returns true if called entries have been removed, which may have been added again.
-    bool hasRemoved() const { return _removed != nullptr; }
-    /// Returns true if the entry was called before it was removed and added again.
-    bool wasCalled(T* entry) const
+    /// Continues after a change of the list: advances `next` beyond the entries that were called
+    /// before they were removed and added again.
+    Q_NEVER_INLINE void resume(const QList<T*>& list)
     {
-        return _removed &&
-               std::find(_removed->cbegin(), _removed->cend(), entry) != _removed->cend();
+        // After a removal, each entry has to be checked.
+        listChanged = _removed != nullptr;
+        while (_removed && next < list.size() &&
+               std::find(_removed->cbegin(), _removed->cend(), list.at(next)) != _removed->cend())
+            ++next;
     }
 
     /// The index of the entry to call next.
@@ -88,9 +90,14 @@ public:
     bool listChanged = false;
 
 private:
-    /// The entries that were called and then removed; null if there are none, since an iteration
-    /// without removals must not take longer.
-    std::unique_ptr<std::vector<T*>> _removed;
+    struct Delete
+    {
+        Q_NEVER_INLINE void operator()(std::vector<T*>* entries) const { delete entries; }
+    };
+
+    /// The entries that were called and then removed. Null if there are none: an iteration without
+    /// removals must not take longer.
+    std::unique_ptr<std::vector<T*>, Delete> _removed;
 
     static inline Iteration* _p_innermost = nullptr;
 
@@ -131,23 +138,23 @@ void removeDestroyed(QList<T*>& list, T* entry)
 /// Calls `function` of every entry, in order, with `arguments`. The arguments are references: each
 /// call gets the values that they have at that time.
 template <auto function, typename T, typename... Arguments>
-void forEach(const QList<T*>& list, const Arguments&... arguments)
+Q_ALWAYS_INLINE void forEach(const QList<T*>& list, const Arguments&... arguments)
 {
     Iteration<T> iteration;
     while (iteration.next < list.size()) {
-        if (iteration.wasCalled(list.at(iteration.next))) {
-            ++iteration.next;
-            continue;
-        }
         // Until the list changes, its entries, its end and the position stay in registers: reading
         // them again in every step would take as long as the call.
-        iteration.listChanged = false;
         const auto entries = list.constBegin();
-        const int end = iteration.hasRemoved() ? iteration.next + 1 : int(list.size());
-        for (int index = iteration.next; index < end && !iteration.listChanged; ++index) {
+        const int end = int(list.size());
+        int index = iteration.next;
+        do {
             iteration.next = index + 1;
             (entries[index]->*function)(arguments...);
-        }
+            ++index;
+        } while (index < end && !iteration.listChanged);
+        if (!iteration.listChanged)
+            return;
+        iteration.resume(list);
     }
 }
 
