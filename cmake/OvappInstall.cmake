@@ -6,6 +6,7 @@ set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/ovapp${ovapp_qt_suffix})
 
 # A program does not run with an older Qt than the one with which it was built.
 string(REGEX MATCH "^[0-9]+\\.[0-9]+" qt_version ${Qt${QT_MAJOR_VERSION}_VERSION})
+set(host_path ${OVAPP_HOST_DIR}/ovapp-host${ovapp_qt_suffix}${CMAKE_EXECUTABLE_SUFFIX})
 configure_package_config_file(cmake/ovappConfig.cmake.in ${PROJECT_BINARY_DIR}/ovappConfig.cmake
     INSTALL_DESTINATION ${package_dir})
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/ovappVersion.cmake
@@ -19,9 +20,6 @@ install(FILES
         cmake/OvappQt.cmake
     DESTINATION ${package_dir} COMPONENT development)
 install(EXPORT ovappTargets NAMESPACE ovapp:: DESTINATION ${package_dir} COMPONENT development)
-if(OVAPP_BUILD_HOST)
-    install(EXPORT ovappHostTargets NAMESPACE ovapp:: DESTINATION ${package_dir} COMPONENT host)
-endif()
 
 set(pc_libraries "")
 foreach(library ovapp ovdoc ovcore ovdatabase ovshape ovsystem)
