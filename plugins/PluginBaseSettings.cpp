@@ -5,28 +5,26 @@
 
 #include <QDir>
 #include <QFile>
-#include <QSettings>
 
 #include <utility>
 
 namespace App {
 
-PluginBaseSettings::PluginBaseSettings(const QString& name) : _p_settings(nullptr), _name(name)
+PluginBaseSettings::PluginBaseSettings(const QString& name) : _name(name)
 {
     QDir directory(Core::Settings::instance().applicationDirPath());
     // Qt prints a warning about an empty name.
     if (!_name.isEmpty())
         directory.mkdir(_name);
-    if (!directory.cd(_name))
-        return;
-    _p_settings = System::openSettings(directory.absolutePath() + QDir::separator() + _name +
-                                       QStringLiteral(".ini"));
+    // Qt's resources are read-only: a file among them is never written.
+    const QString path = directory.cd(_name) ? directory.absolutePath() + QDir::separator()
+                                             : QStringLiteral(":/unsaved/");
+    _p_settings = std::make_unique<System::SettingsFile>(path + _name + QStringLiteral(".ini"));
 }
 
 PluginBaseSettings::PluginBaseSettings(const PluginBaseSettings& other)
-    : _runValues(other._runValues),
-      _p_settings(other._p_settings ? System::openSettings(other._p_settings->fileName())
-                                    : nullptr),
+    : _runValues(other._runValues), _p_settings(std::make_unique<System::SettingsFile>(
+                                        other._p_settings->qSettings().fileName())),
       _name(other._name)
 {
 }
@@ -40,20 +38,16 @@ PluginBaseSettings& PluginBaseSettings::operator=(const PluginBaseSettings& othe
     return *this;
 }
 
-PluginBaseSettings::~PluginBaseSettings()
-{
-    System::closeSettings(_p_settings);
-}
+PluginBaseSettings::~PluginBaseSettings() = default;
 
 QVariant PluginBaseSettings::value(const QString& key, const QVariant& defaultValue)
 {
-    return qSettings().value(key, defaultValue);
+    return _p_settings->value(key, defaultValue);
 }
 
 void PluginBaseSettings::setValue(const QString& key, const QVariant& value)
 {
-    qSettings().setValue(key, value);
-    flush();
+    _p_settings->setValue(key, value);
 }
 
 QVariant PluginBaseSettings::runValue(const QString& key) const
@@ -78,17 +72,14 @@ void PluginBaseSettings::removeRunValue(const QString& key)
 
 void PluginBaseSettings::resetParams()
 {
-    qSettings().clear();
+    _p_settings->clear();
     QFile::remove(defaultConfigPath());
     flush();
 }
 
 QSettings& PluginBaseSettings::qSettings()
 {
-    // Qt's resources are read-only: a file among them is never written.
-    if (!_p_settings)
-        _p_settings = System::openSettings(QStringLiteral(":/unsaved/%1.ini").arg(_name));
-    return *_p_settings;
+    return _p_settings->qSettings();
 }
 
 QString PluginBaseSettings::workingDirPath() const
@@ -103,8 +94,7 @@ QString PluginBaseSettings::defaultConfigPath() const
 
 void PluginBaseSettings::flush()
 {
-    if (_p_settings)
-        System::syncSettings(*_p_settings);
+    _p_settings->sync();
 }
 
 } // namespace App

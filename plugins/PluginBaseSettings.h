@@ -6,7 +6,13 @@
 #include <QString>
 #include <QVariant>
 
+#include <memory>
+
 class QSettings;
+
+namespace System {
+class SettingsFile;
+}
 
 namespace App {
 
@@ -22,11 +28,10 @@ namespace App {
 ///         void setSpeed(int speed) { setValue(QStringLiteral("Laser/speed"), speed); }
 ///     };
 ///
-/// If the directory cannot be created or entered, stored values remain in memory, and are lost with
-/// the last object of that name. If the file cannot be written, for example on a full disk, it is
-/// unchanged and the values remain in memory; they are written by the next call, or by the event
-/// loop within a second after the file can be written again. Until then, new objects of that name,
-/// including copies, share one `QSettings` with its current group. No function reports an error.
+/// If the file cannot be written, for example on a full disk, it is unchanged and the values remain
+/// in memory: the next call that writes writes them too, and the destructor tries once more. If the
+/// directory cannot be created or entered, stored values last as long as an object of that name. No
+/// function reports an error.
 ///
 /// The name becomes the name of a directory and of files. It should consist of letters, digits, "-"
 /// and "_", and differ from the names of other plug-ins in more than case. With a separator or
@@ -41,16 +46,17 @@ public:
     /// INI file in it. If `name` is empty, the file is `.ini` in the application directory.
     explicit PluginBaseSettings(const QString& name = QString());
     /// Copies the name and the run values, and opens the same file. Both objects share the stored
-    /// values, but not the current group of `qSettings`.
+    /// values, except those that `other` has not been able to write yet.
     PluginBaseSettings(const PluginBaseSettings& other);
-    /// Closes the file, as the destructor does, and copies `other`.
+    /// Closes the file as the destructor does, and copies `other`.
     PluginBaseSettings& operator=(const PluginBaseSettings& other);
     /// Writes pending changes and closes the file.
     virtual ~PluginBaseSettings();
 
-    /// Returns the stored value of `key`; `defaultValue` if there is none.
+    /// Returns the stored value of `key`; `defaultValue` if there is none. The key is relative to
+    /// the current group of `qSettings`.
     QVariant value(const QString& key, const QVariant& defaultValue = QVariant());
-    /// Stores a value and writes the file.
+    /// Stores a value and writes the file. The key is relative to the current group of `qSettings`.
     void setValue(const QString& key, const QVariant& value);
 
     /// Returns the run value of `key`; an invalid value if there is none.
@@ -65,9 +71,10 @@ public:
     /// Removes all stored values and deletes the default configuration file; run values are
     /// unchanged.
     void resetParams();
-    /// Returns the `QSettings` of the file, for groups, arrays and removal. Changes are written by
-    /// the event loop, by `flush`, or when this object is destroyed. Do not call `QSettings::sync`,
-    /// which can truncate the file on a full disk.
+    /// Returns the `QSettings` of the file, for groups, arrays and removal. It does not contain
+    /// values that could not be written yet. Changes are written by `flush`, by `setValue`, or at
+    /// Qt's own timing, without protection: Qt can truncate the file on a full disk, and waits
+    /// for a lock file that cannot be removed.
     QSettings& qSettings();
 
     /// Returns the plug-in's directory, whether it exists or not.
@@ -81,9 +88,7 @@ protected:
 
 private:
     QMap<QString, QVariant> _runValues;
-    /// From `System::openSettings`. If the directory could not be entered, null until the first
-    /// use.
-    QSettings* _p_settings;
+    std::unique_ptr<System::SettingsFile> _p_settings;
     QString _name;
 };
 

@@ -10,6 +10,7 @@
 #include <ovdoc/DocObject.h>
 #include <ovdoc/Storage.h>
 #include <plugins/PluginBaseSettings.h>
+#include <system/SettingsFile.h>
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -245,13 +246,19 @@ QString kills(int all)
                .arg(slowest);
 }
 
-/// Writes to a file system with 0, 2, 4, ... free blocks, or with about the reserve for settings.
+/// Writes to a file system with 0 to 31 free blocks: the reserve for settings is 16 blocks.
 QString fullDisks()
 {
     constexpr int all = 300;
     const SmallFileSystem fileSystem;
     if (!fileSystem.isMounted())
         return "skipped: "_s + QString::fromLatin1(cannotMount);
+    {
+        const SmallFileSystem unlimited("nr_blocks=0");
+        const QString path = unlimited.filePath("unlimited.ini"_s);
+        System::SettingsFile(path).setValue("count"_s, 1);
+        require(contentOf(path).contains("count=1"), "a file system without a limit is not used");
+    }
     qputenv("TMPDIR", QFile::encodeName(fileSystem.filePath(QString())));
     Growth growth;
     int saved = 0;
@@ -271,10 +278,9 @@ QString fullDisks()
         require(document.open(path), "a document cannot be opened");
         setCounts(document, 2);
 
-        fileSystem.setFreeBlocks(done % 16 + done % 2 * 248);
+        fileSystem.setFreeBlocks(done % 32);
         const bool isSaved = document.save();
         settings.setValue("Soak/more"_s, more);
-        QCoreApplication::processEvents();
         const QByteArray full = contentOf(iniPath);
         Core::ConsoleSingleton::instance().log("%s", more.constData());
         require(isSaved ? countIn(path) == 2 : contentOf(path) == text, "a document is lost");

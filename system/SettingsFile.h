@@ -2,29 +2,53 @@
 
 #include <ovsystem_export.h>
 
-class QSettings;
-class QString;
+#include <QMap>
+#include <QSettings>
+#include <QString>
+#include <QVariant>
 
-/// INI files that remain complete on a full disk. `QSettings` reports success for a file that was
-/// truncated, and it writes in its event handler, its destructor, and the constructor of another
-/// object for the same file. Objects of `openSettings` first check whether the file can be written;
-/// until it can, changes remain in memory. All functions are thread-safe.
 namespace System {
 
-/// Opens an INI file in UTF-8, for the current thread. The event loop writes changes later, as it
-/// does for any `QSettings`; it tries again every second if they cannot be written. While a file
-/// cannot be written, all callers get the same object for it.
-OVSYSTEM_EXPORT QSettings* openSettings(const QString& path);
+/// An INI file that remains complete on a full disk, where `QSettings` treats a truncated write as
+/// successful. Values are only passed to `QSettings` while the file can be written: there is more
+/// free space than the size of the file plus 64 KiB, and there is no lock file that cannot be
+/// removed, for which `QSettings` would wait forever. Until then, they remain in memory.
+///
+/// Use an object on one thread at a time. Objects for the same file, also in different threads and
+/// processes, share the values that have been written.
+class OVSYSTEM_EXPORT SettingsFile
+{
+public:
+    /// Opens the file, which does not have to exist.
+    explicit SettingsFile(const QString& path);
+    Q_DISABLE_COPY(SettingsFile)
+    /// Tries once more to write the values in memory, which are lost otherwise.
+    ~SettingsFile();
 
-/// Writes the changes to an object of `openSettings`, and reads those of other processes. Does
-/// nothing if the free space on the disk is not larger than the size of the file plus 1 MiB, or if
-/// the lock file of another process cannot be removed, for which `QSettings::sync` would wait
-/// forever.
-OVSYSTEM_EXPORT void syncSettings(QSettings& settings);
+    /// Returns the value of `key`, which is relative to the current group of `qSettings`;
+    /// `defaultValue` if there is none.
+    QVariant value(const QString& key, const QVariant& defaultValue = QVariant()) const;
+    /// Sets the value of `key`, which is relative to the current group of `qSettings`, and calls
+    /// `sync`.
+    void setValue(const QString& key, const QVariant& value);
+    /// Removes all values; the next `sync` writes the file.
+    void clear();
+    /// Writes the values in memory and the changes made through `qSettings`, and reads the changes
+    /// of other processes. Does nothing if the file cannot be written. Waits while another process
+    /// writes it, but not for a lock file that is older than two seconds.
+    void sync();
 
-/// Writes the changes and deletes the object. Changes that cannot be written remain in memory, for
-/// the event loop of the main thread and for the next caller of `openSettings`. Does nothing with
-/// null.
-OVSYSTEM_EXPORT void closeSettings(QSettings* settings);
+    /// Returns a plain `QSettings` of the file, without the values in memory. Qt writes the changes
+    /// made through it at its own timing, and does not check whether the file can be written.
+    QSettings& qSettings();
+
+private:
+    QString absoluteKey(const QString& key) const;
+
+    QSettings _settings;
+    QSettings _ungroupedSettings; ///< for absolute keys; shares the values of `_settings`
+    QMap<QString, QVariant> _unwrittenValues;
+    bool _isCleared = false; ///< the values in the file are no longer valid
+};
 
 } // namespace System

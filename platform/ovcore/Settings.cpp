@@ -5,14 +5,15 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QMap>
-#include <QSettings>
 #include <QStandardPaths>
+
+#include <optional>
 
 namespace Core {
 
 struct Settings::Private
 {
-    QSettings* store = nullptr;
+    std::optional<System::SettingsFile> store;
     QMap<QString, QVariant> runValues;
     QString applicationDirPath;
     QString pluginDirPath;
@@ -37,16 +38,12 @@ Settings::Settings() : d(std::make_unique<Private>())
 {
 }
 
-Settings::~Settings()
-{
-    System::closeSettings(d->store);
-}
+Settings::~Settings() = default;
 
 void Settings::init()
 {
     if (!d->store)
-        d->store =
-            System::openSettings(QDir(applicationDirPath()).filePath(QStringLiteral("ovapp.ini")));
+        d->store.emplace(QDir(applicationDirPath()).filePath(QStringLiteral("ovapp.ini")));
 }
 
 QVariant Settings::value(const QString& key, const QVariant& defaultValue) const
@@ -56,10 +53,8 @@ QVariant Settings::value(const QString& key, const QVariant& defaultValue) const
 
 void Settings::setValue(const QString& key, const QVariant& value)
 {
-    if (!d->store)
-        return;
-    d->store->setValue(key, value);
-    System::syncSettings(*d->store);
+    if (d->store)
+        d->store->setValue(key, value);
 }
 
 QVariant Settings::runValue(const QString& key, const QVariant& defaultValue) const

@@ -19,8 +19,8 @@ class OVCORE_EXPORT Settings
 public:
     /// Returns the only instance; creates it if there is none.
     static Settings& instance();
-    /// Deletes the instance, with its run values and paths. Stored values that cannot be written
-    /// yet remain in memory until they can be written, or until the process ends.
+    /// Deletes the instance, with its run values and paths. Stored values that still cannot be
+    /// written are lost.
     static void destruct();
 
     Settings(const Settings&) = delete;
@@ -32,8 +32,8 @@ public:
     /// Returns the stored value of `key`; `defaultValue` if there is none, or before `init`.
     QVariant value(const QString& key, const QVariant& defaultValue = QVariant()) const;
     /// Stores a value and writes the file; does nothing before `init`. If the file cannot be
-    /// written, it is unchanged and the value remains in memory. It is written by the next call, or
-    /// by the event loop within a second after the disk has room again.
+    /// written, for example on a full disk, it is unchanged and the value remains in memory; the
+    /// next call writes it too, and `destruct` tries once more.
     void setValue(const QString& key, const QVariant& value);
 
     /// Returns the run value of `key`; `defaultValue` if there is none.

@@ -10,11 +10,9 @@
 #include <ovdoc/Storage.h>
 #include <ovshape/FontDatabase.h>
 #include <system/ProcessInterrupt.h>
-#include <system/SettingsFile.h>
 
 #include <QtTest>
 
-#include <atomic>
 #include <filesystem>
 #include <optional>
 #include <thread>
@@ -101,13 +99,8 @@ private Q_SLOTS:
         QCOMPARE(settings.pluginDirPath(), "/p"_s);
         settings.setRunValue(stored, 3);
         QCOMPARE(settings.value(stored, 4).toInt(), 4);
-        // The lock of a process that was killed before it had written its name into it.
-        writeFile(path("ovapp.ini.lock"_s));
         openSettings("other"_s);
-        QElapsedTimer elapsed;
-        elapsed.start();
         settings.setValue(stored, Q_UINT64_C(18446744073709551615));
-        QVERIFY2(elapsed.elapsed() < 5000, "waited for a lock that no process holds");
         QCOMPARE(settings.value(stored).toULongLong(), Q_UINT64_C(18446744073709551615));
         QCOMPARE(settings.runValue(stored).toInt(), 3);
         QCOMPARE(settings.runValue("Group/none"_s, 6).toInt(), 6);
@@ -118,62 +111,6 @@ private Q_SLOTS:
         Settings& fresh = openSettings();
         QCOMPARE(fresh.value(stored).toULongLong(), Q_UINT64_C(18446744073709551615));
         QVERIFY(!fresh.runValue(stored).isValid());
-    }
-
-    void settingsInUtf8()
-    {
-        // The formats of Qt 6, and of Qt 5 without a codec.
-        const QByteArray key = "[Gr%F6%DFe]\nH%F6he=";
-        for (const QByteArray& value :
-             {QByteArray("b\xc3\xb6se \xe2\x82\xac"), QByteArray(R"("b\xf6se \x20ac")")}) {
-            const QString file = path("ovapp.ini"_s);
-            writeFile(file, key + value + '\n');
-            openSettings();
-            const QString text = "b\xc3\xb6se \xe2\x82\xac"_s;
-            QCOMPARE(Settings::instance().value("Gr\u00f6\u00dfe/H\u00f6he"_s), QVariant(text));
-            Settings::instance().setValue("other"_s, 1);
-            QVERIFY(contentOf(file).contains(text.toUtf8()));
-            Settings::destruct();
-        }
-    }
-
-    void heldLock()
-    {
-        const QString file = path("held.ini"_s);
-        QLockFile lock(file + ".lock"_s);
-        QVERIFY(lock.lock());
-        QSettings* settings = System::openSettings(file);
-        settings->setValue("key"_s, 1);
-        std::atomic_bool isReleased = false;
-        std::thread other([&lock, &isReleased] {
-            QTest::qSleep(500);
-            isReleased = true;
-            lock.unlock();
-        });
-        System::syncSettings(*settings);
-        QVERIFY(isReleased);
-        QVERIFY(contentOf(file).contains("key=1"));
-        other.join();
-        System::closeSettings(settings);
-    }
-
-    void lockThatCannotBeRemoved()
-    {
-        const QString file = path("ovapp.ini"_s);
-        QVERIFY(QDir().mkpath(file + ".lock/below"_s));
-        QElapsedTimer elapsed;
-        elapsed.start();
-        for (int i = 0; i < 3; ++i)
-            openSettings().setValue("key%1"_s.arg(i), i);
-        Settings::destruct();
-        QCOMPARE(openSettings().value("key2"_s).toInt(), 2);
-        QVERIFY2(elapsed.elapsed() < 5000, "waited for a lock");
-        QVERIFY(!QFile::exists(file));
-
-        QVERIFY(QDir(file + ".lock"_s).removeRecursively());
-        Settings::instance().setValue("key3"_s, 3);
-        QCOMPARE(Tools::textOf(contentOf(file)),
-                 QByteArray("[General]\nkey0=0\nkey1=1\nkey2=2\nkey3=3\n"));
     }
 
     void consoleServesSeveralThreads()

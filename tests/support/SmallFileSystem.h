@@ -10,16 +10,16 @@
 #include <sched.h>
 #include <sys/mount.h>
 
-/// A file system of 1024 blocks in memory, mounted for this process while the object exists.
-/// Mounting requires a permission.
+/// A file system in memory, of 1024 blocks by default, mounted for this process while the object
+/// exists. Mounting requires a permission.
 class SmallFileSystem
 {
 public:
-    SmallFileSystem()
+    explicit SmallFileSystem(const char* options = "nr_blocks=1024")
     {
         _isMounted = ::unshare(CLONE_NEWNS) == 0 &&
                      ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-                     ::mount("none", _path.c_str(), "tmpfs", 0, "nr_blocks=1024") == 0;
+                     ::mount("none", _path.c_str(), "tmpfs", 0, options) == 0;
     }
     Q_DISABLE_COPY(SmallFileSystem)
     ~SmallFileSystem()
