@@ -14,10 +14,6 @@ Operation::Operation(int typeFilter) : _typeFilter(typeFilter), _transactionGrou
 {
 }
 
-Operation::Operation(const Operation& other) = default;
-
-Operation& Operation::operator=(const Operation& other) = default;
-
 Operation::~Operation() = default;
 
 int Operation::typeFilter() const

@@ -20,11 +20,6 @@ public:
     /// Creates an operation without a transaction group. The derived class defines the meaning of
     /// `typeFilter`, including -1.
     explicit Operation(int typeFilter = -1);
-    /// Copies the type filter and the transaction group.
-    /// @{
-    Operation(const Operation& other);
-    Operation& operator=(const Operation& other);
-    /// @}
     virtual ~Operation();
 
     /// Executes the operation; returns false on failure.

@@ -19,16 +19,6 @@ PropertyEvent::PropertyEvent(Core::PropertyTypeID propertyTypeID, const QVariant
 {
 }
 
-PropertyEvent::PropertyEvent(const PropertyEvent& other) = default;
-
-PropertyEvent::PropertyEvent(PropertyEvent&& other) noexcept = default;
-
-PropertyEvent& PropertyEvent::operator=(const PropertyEvent& other) = default;
-
-PropertyEvent& PropertyEvent::operator=(PropertyEvent&& other) noexcept = default;
-
-PropertyEvent::~PropertyEvent() = default;
-
 Core::PropertyTypeID PropertyEvent::propertyTypeID() const
 {
     return _propertyTypeID;

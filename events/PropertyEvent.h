@@ -11,7 +11,9 @@ namespace App {
 /// A record of one change of an object property.
 ///
 /// It is a plain value and not a `QEvent`: it cannot be posted. The values are application-defined.
-/// To change a record, assign another one to it. Like any value, it may be used on any thread.
+/// To change a record, assign another one to it. Copies are independent. A moved-from record has no
+/// object IDs and an unspecified value; its other fields are unchanged. Like any value, it may be
+/// used on any thread.
 class OVAPP_EXPORT PropertyEvent
 {
 public:
@@ -25,18 +27,6 @@ public:
     PropertyEvent(Core::PropertyTypeID propertyTypeID, const QVariant& value, int objectType,
                   int referObjectID);
     /// @}
-    /// Copies the record; the copy is independent of its source.
-    /// @{
-    PropertyEvent(const PropertyEvent& other);
-    PropertyEvent& operator=(const PropertyEvent& other);
-    /// @}
-    /// Moves the record. Afterwards `other` has no object IDs and an unspecified value; its other
-    /// fields are unchanged.
-    /// @{
-    PropertyEvent(PropertyEvent&& other) noexcept;
-    PropertyEvent& operator=(PropertyEvent&& other) noexcept;
-    /// @}
-    ~PropertyEvent();
 
     /// Returns the property that changed.
     Core::PropertyTypeID propertyTypeID() const;

@@ -16,11 +16,7 @@ public:
     static constexpr Type eventType = static_cast<Type>(QEvent::User + 101);
 
     /// Creates an event. All events of this class are equal.
-    /// @{
     SelectionChangeEvent();
-    SelectionChangeEvent(const SelectionChangeEvent& other);
-    SelectionChangeEvent& operator=(const SelectionChangeEvent& other);
-    /// @}
     ~SelectionChangeEvent() override;
 };
 

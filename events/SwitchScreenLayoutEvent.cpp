@@ -7,11 +7,6 @@ SwitchScreenLayoutEvent::SwitchScreenLayoutEvent(int boardType)
 {
 }
 
-SwitchScreenLayoutEvent::SwitchScreenLayoutEvent(const SwitchScreenLayoutEvent& other) = default;
-
-SwitchScreenLayoutEvent&
-SwitchScreenLayoutEvent::operator=(const SwitchScreenLayoutEvent& other) = default;
-
 SwitchScreenLayoutEvent::~SwitchScreenLayoutEvent() = default;
 
 int SwitchScreenLayoutEvent::boardType() const

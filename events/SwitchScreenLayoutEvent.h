@@ -16,12 +16,8 @@ public:
     /// The value that `type()` returns.
     static constexpr Type eventType = static_cast<Type>(QEvent::User + 106);
 
-    /// Creates an event with this board type, or with the one of another event.
-    /// @{
+    /// Creates an event with this board type.
     explicit SwitchScreenLayoutEvent(int boardType);
-    SwitchScreenLayoutEvent(const SwitchScreenLayoutEvent& other);
-    SwitchScreenLayoutEvent& operator=(const SwitchScreenLayoutEvent& other);
-    /// @}
     ~SwitchScreenLayoutEvent() override;
 
     /// Returns the board type. Any number is stored unchanged.

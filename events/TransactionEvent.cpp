@@ -9,10 +9,6 @@ TransactionEvent::TransactionEvent(const Doc::Transaction& transaction, bool has
 {
 }
 
-TransactionEvent::TransactionEvent(const TransactionEvent& other) = default;
-
-TransactionEvent& TransactionEvent::operator=(const TransactionEvent& other) = default;
-
 TransactionEvent::~TransactionEvent() = default;
 
 Doc::Transaction TransactionEvent::transaction() const

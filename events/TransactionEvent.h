@@ -17,12 +17,8 @@ public:
     static constexpr Type eventType = static_cast<Type>(QEvent::User + 100);
 
     /// Creates an event with a copy of the transaction; the original may be changed or destroyed.
-    /// @{
     TransactionEvent(const Doc::Transaction& transaction, bool hasOnlyChanges,
                      int objectTypeFilter);
-    TransactionEvent(const TransactionEvent& other);
-    TransactionEvent& operator=(const TransactionEvent& other);
-    /// @}
     ~TransactionEvent() override;
 
     /// Returns a copy of the transaction.

@@ -2,13 +2,6 @@
 
 namespace App {
 
-ExtendPluginInterface::ExtendPluginInterface() = default;
-
-ExtendPluginInterface::ExtendPluginInterface(const ExtendPluginInterface& other) = default;
-
-ExtendPluginInterface&
-ExtendPluginInterface::operator=(const ExtendPluginInterface& other) = default;
-
 ExtendPluginInterface::~ExtendPluginInterface() = default;
 
 bool ExtendPluginInterface::needSaveDocBeforeStart() const

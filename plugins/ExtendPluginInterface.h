@@ -12,12 +12,6 @@ namespace App {
 class OVAPP_EXPORT ExtendPluginInterface : public PluginInterface
 {
 public:
-    ExtendPluginInterface();
-    /// Copies nothing, since the interface has no data.
-    /// @{
-    ExtendPluginInterface(const ExtendPluginInterface& other);
-    ExtendPluginInterface& operator=(const ExtendPluginInterface& other);
-    /// @}
     ~ExtendPluginInterface() override;
 
     /// Returns whether the executable must save the document before it starts the plug-in; false

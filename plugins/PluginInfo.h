@@ -16,14 +16,6 @@ class OVAPP_EXPORT PluginInfo
 public:
     /// Creates a description with one value, "QtVersion": the version of Qt at run time, as text.
     PluginInfo();
-    /// Copies or moves the values of another description.
-    /// @{
-    PluginInfo(const PluginInfo& other);
-    PluginInfo(PluginInfo&& other) noexcept;
-    PluginInfo& operator=(const PluginInfo& other);
-    PluginInfo& operator=(PluginInfo&& other) noexcept;
-    /// @}
-    ~PluginInfo();
 
     /// Returns the value of `key`, which may be invalid, or `defaultValue` if there is no such key.
     QVariant get(const QString& key, const QVariant& defaultValue = QVariant()) const;

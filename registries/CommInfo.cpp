@@ -2,12 +2,6 @@
 
 namespace App {
 
-CommInfo::CommInfo() = default;
-
-CommInfo::CommInfo(const CommInfo&) = default;
-
-CommInfo& CommInfo::operator=(const CommInfo&) = default;
-
 CommInfo::~CommInfo() = default;
 
 QString CommInfo::name() const

@@ -18,16 +18,10 @@ namespace App {
 ///     ...
 ///
 /// The registry calls all functions on the thread that calls the registry, normally the main
-/// thread.
+/// thread. A copy of a channel is not registered.
 class OVAPP_EXPORT CommInfo
 {
 public:
-    CommInfo();
-    /// Copies the channel. The copy is not registered, even if its source is.
-    /// @{
-    CommInfo(const CommInfo& other);
-    CommInfo& operator=(const CommInfo& other);
-    /// @}
     virtual ~CommInfo();
 
     /// Returns the name of the channel in the log; empty by default.

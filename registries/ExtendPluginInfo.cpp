@@ -2,12 +2,6 @@
 
 namespace App {
 
-ExtendPluginInfo::ExtendPluginInfo() = default;
-
-ExtendPluginInfo::ExtendPluginInfo(const ExtendPluginInfo&) = default;
-
-ExtendPluginInfo& ExtendPluginInfo::operator=(const ExtendPluginInfo&) = default;
-
 ExtendPluginInfo::~ExtendPluginInfo() = default;
 
 QString ExtendPluginInfo::name() const

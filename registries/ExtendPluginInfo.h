@@ -21,16 +21,10 @@ namespace App {
 ///     };
 ///
 /// The library itself calls none of these functions. The executable and other plug-ins call them,
-/// on the main thread.
+/// on the main thread. A copy of a description is not registered.
 class OVAPP_EXPORT ExtendPluginInfo
 {
 public:
-    ExtendPluginInfo();
-    /// Copies the description. The copy is not registered, even if its source is.
-    /// @{
-    ExtendPluginInfo(const ExtendPluginInfo& other);
-    ExtendPluginInfo& operator=(const ExtendPluginInfo& other);
-    /// @}
     virtual ~ExtendPluginInfo();
 
     /// Returns the name that identifies the extension in code; empty by default.

@@ -131,7 +131,7 @@ private Q_SLOTS:
         settings->setValue("/power"_s, 3);
         QCOMPARE(settings->value("speed"_s), QVariant(2));
         settings->qSettings().endGroup();
-        QCOMPARE(settings->value("Laser//power"_s), QVariant(3));
+        QCOMPARE(settings->value("Laser/power"_s), QVariant(3));
         QVERIFY(!settings->value("power"_s).isValid());
         QCOMPARE(PluginBaseSettings(*settings).value(key), QVariant(1));
         QCOMPARE(store(), QByteArray("[Laser]\nspeed=1\n"));
