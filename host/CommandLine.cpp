@@ -1,10 +1,7 @@
 #include "CommandLine.h"
 
-#include "inspection/InspectPluginCommand.h"
-#include "inspection/PluginsCommand.h"
-#include "network/NetworkCommands.h"
+#include "Commands.h"
 #include "Output.h"
-#include "session/RunCommand.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>

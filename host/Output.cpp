@@ -31,6 +31,17 @@ QString quoted(const QString& text)
     return QLatin1Char('\'') + text + QLatin1Char('\'');
 }
 
+QString verdictText(const QString& verdict, const QString& reason)
+{
+    if (verdict == QLatin1String("accepted"))
+        return reason.isEmpty() ? verdict : QLatin1String("accepted, but ") + reason;
+    if (verdict == QLatin1String("other-board"))
+        return QLatin1String("for another board: ") + reason;
+    if (verdict == QLatin1String("left-out"))
+        return QLatin1String("left out: ") + reason;
+    return QLatin1String("cannot be used: ") + reason;
+}
+
 QString escapeNonPrintable(const QString& text)
 {
     QString result;

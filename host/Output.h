@@ -32,6 +32,8 @@ void warn(const QString& message);
 
 /// Returns a text from the user in quotes, for messages.
 QString quoted(const QString& text);
+/// Returns the verdict of a plug-in record or report, and its reason, as a text for users.
+QString verdictText(const QString& verdict, const QString& reason);
 /// Returns a text with the characters escaped that are not printable, so that it is one line and
 /// cannot control a terminal.
 QString escapeNonPrintable(const QString& text);

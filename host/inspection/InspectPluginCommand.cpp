@@ -1,23 +1,18 @@
-#include "inspection/InspectPluginCommand.h"
-
 #include "CommandLine.h"
-#include "inspection/PluginReport.h"
-#include "inspection/RemainingListeners.h"
+#include "Commands.h"
+#include "inspection/InspectionProtocol.h"
 #include "Output.h"
 #include "SessionOptions.h"
 
 #include <app/Application.h>
-#include <plugins/PluginInterface.h>
 #include <plugins/PluginLoader.h>
 #include <registries/CommInfoRegistry.h>
 #include <registries/ExtendPluginRegistry.h>
 
 #include <QCommandLineParser>
-#include <QElapsedTimer>
 #include <QJsonDocument>
-#include <QPluginLoader>
+#include <QJsonObject>
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -38,15 +33,21 @@ namespace Host {
 namespace {
 
 using App::PluginLoader;
-using Verdict = PluginLoader::Verdict;
+using App::PluginRecord;
 
 std::FILE* resultPipe = nullptr;
 
-void sendMessage(const QJsonObject& parts)
+void sendMessage(const QJsonObject& members)
 {
     // Without a reader of the results, the inspection is not needed.
-    if (!write(resultPipe, QJsonDocument(parts).toJson(QJsonDocument::Compact) + '\n'))
+    if (!write(resultPipe, QJsonDocument(members).toJson(QJsonDocument::Compact) + '\n'))
         std::_Exit(Failure);
+}
+
+void sendVerdict(const QString& verdict, const QString& reason)
+{
+    sendMessage({{QStringLiteral("verdict"), verdict},
+                 {QLatin1String(InspectionProtocol::reason), reason}});
 }
 
 void sendActivity(const char* activity)
@@ -67,72 +68,98 @@ bool redirectStandardOutput()
 #endif
 }
 
-template <typename Call>
-QJsonObject timeOf(const QString& key, Call call)
+/// Ends with the parent, and without a dialog, which would keep a crashed process running.
+void prepareForEnd()
 {
-    QElapsedTimer timer;
-    timer.start();
-    call();
-    return {{key, static_cast<double>(timer.nsecsElapsed()) / 1e6}};
+#ifdef Q_OS_WIN
+    SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
+#elif defined(Q_OS_LINUX)
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+#endif
 }
 
-QString hexadecimal(quint64 number)
+/// Sends what the loader knows about the file so far.
+void sendRecord(const PluginRecord& record)
 {
-    return QLatin1String("0x") + QString::number(number, 16);
+    sendVerdict(record.verdictName(), record.reason);
+    QJsonObject members;
+    const auto addText = [&members](const char* key, const QString& text) {
+        if (!text.isEmpty())
+            members.insert(QLatin1String(key), text);
+    };
+    const auto addNumber = [&addText](const char* key, quint64 number) {
+        if (number != 0)
+            addText(key, QLatin1String("0x") + QString::number(number, 16));
+    };
+    const auto addTime = [&members](const char* key, double milliseconds) {
+        if (milliseconds >= 0)
+            members.insert(QLatin1String(key), milliseconds);
+    };
+    addText("name", record.info.get(QStringLiteral("Name")).toString());
+    addText("version", record.info.get(QStringLiteral("Version")).toString());
+    addText("built_for", record.builtFor);
+    addNumber("identifier", record.identifier);
+    addNumber("boards", static_cast<quint32>(record.boardTypes));
+    addTime("load_ms", record.loadTime);
+    addTime("start_ms", record.startTime);
+    addTime("stop_ms", record.stopTime);
+    sendMessage(members);
 }
 
-/// Starts and stops an accepted plug-in.
-void profile(App::PluginInterface& plugin)
+/// The numbers of objects that are registered.
+struct Registrations
 {
-    const int channelCount = App::CommInfoRegistry::instance()->count();
-    const int extensionCount = App::ExtendPluginRegistry::instance().count();
-    sendActivity("it was started");
-    sendMessage(timeOf(QStringLiteral("start_ms"), [&plugin] { plugin.start(); }));
-    sendActivity("it was stopped");
-    sendMessage(timeOf(QStringLiteral("stop_ms"), [&plugin] { plugin.stop(); }));
-    const int channelsLeft = std::max(App::CommInfoRegistry::instance()->count() - channelCount, 0);
-    const int extensionsLeft =
-        std::max(App::ExtendPluginRegistry::instance().count() - extensionCount, 0);
-    if (channelsLeft + extensionsLeft > 0) {
-        sendMessage(verdictParts(
-            QStringLiteral("incomplete-stop"),
-            QStringLiteral("stop() leaves objects registered (channels: %1, extensions: %2)")
-                .arg(channelsLeft)
-                .arg(extensionsLeft)));
-    }
-}
+    int channels = App::CommInfoRegistry::instance()->count();
+    int extensions = App::ExtendPluginRegistry::instance().count();
+    int listeners = App::Application::instance().listenerCount();
+};
 
+/// Loads and unloads the file, and sends each step and the record.
 void inspect(const QString& file, bool isProfiled)
 {
-    QPluginLoader loader;
-    App::PluginRecord record;
-    sendActivity("it was loaded");
-    sendMessage(timeOf(QStringLiteral("load_ms"), [&file, &loader, &record] {
-        record = PluginLoader::recordOf(file, loader);
-    }));
+    Registrations before;
+    Registrations after;
+    PluginLoader::setStepHandler([&](const QString&, PluginLoader::Step step) {
+        // The step may end the process.
+        const QList<PluginRecord> records = PluginLoader::records();
+        if (!records.isEmpty())
+            sendRecord(records.constFirst());
+        switch (step) {
+        case PluginLoader::Step::Load:
+            return sendActivity("it was loaded");
+        case PluginLoader::Step::Query:
+            return sendActivity("its queries were called");
+        case PluginLoader::Step::Start:
+            before = Registrations();
+            return sendActivity("it was started");
+        case PluginLoader::Step::Stop:
+            return sendActivity("it was stopped");
+        case PluginLoader::Step::Unload:
+            after = Registrations();
+            return sendActivity("it was unloaded");
+        }
+    });
+    PluginLoader::loadFile(file, isProfiled);
+    PluginLoader::unloadPlugins();
+    PluginLoader::setStepHandler(nullptr);
 
-    sendActivity("its queries were called");
-    PluginLoader::inspect(record);
-    auto* plugin = qobject_cast<App::PluginInterface*>(record.rootObject);
-    if (plugin && record.verdict != Verdict::Exception) {
-        sendMessage({{QStringLiteral("boards"),
-                      hexadecimal(static_cast<quint32>(plugin->supportedBoardTypes()))},
-                     {QStringLiteral("identifier"), hexadecimal(plugin->pluginID())}});
-    }
-    const QString name = record.info.get(QStringLiteral("Name")).toString();
-    if (!name.isEmpty())
-        sendMessage({{QStringLiteral("name"), name}});
-    sendMessage(verdictParts(PluginLoader::verdictName(record.verdict), record.reason));
-
-    const bool isStarted = isProfiled && record.verdict == Verdict::Accepted;
-    if (isStarted)
-        profile(*plugin);
-    const QMetaObject* metaObject = record.rootObject ? record.rootObject->metaObject() : nullptr;
-    sendActivity("it was unloaded");
-    loader.unload();
-    if (isStarted) {
-        sendActivity("a listener was called that stop() had left registered");
-        callRemainingListeners(metaObject);
+    const PluginRecord record = PluginLoader::records().constFirst();
+    sendRecord(record);
+    if (record.verdict != PluginRecord::Verdict::Accepted)
+        return;
+    if (!record.reason.isEmpty())
+        return sendVerdict(QStringLiteral("exception"), record.reason);
+    const int channels = after.channels - before.channels;
+    const int extensions = after.extensions - before.extensions;
+    const int listeners = after.listeners - before.listeners;
+    if (isProfiled && channels + extensions + listeners > 0) {
+        sendVerdict(
+            QStringLiteral("incomplete-stop"),
+            QStringLiteral(
+                "stop() leaves objects registered (channels: %1, extensions: %2, listeners: %3)")
+                .arg(channels)
+                .arg(extensions)
+                .arg(listeners));
     }
 }
 
@@ -146,7 +173,7 @@ int inspectPlugin(const QStringList& arguments)
     parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The file."));
     SessionOptions options(parser);
     const QCommandLineOption profile(QStringLiteral("profile"),
-                                     QStringLiteral("Also start and stop the plug-in."));
+                                     QStringLiteral("Also start the plug-in."));
     parser.addOption(profile);
     if (const std::optional<int> exitCode = options.parse(parser, arguments))
         return *exitCode;
@@ -156,13 +183,7 @@ int inspectPlugin(const QStringList& arguments)
     if (!redirectStandardOutput())
         return fail(Failure, QStringLiteral("cannot redirect standard output"));
 
-#ifdef Q_OS_WIN
-    // A dialog would keep a crashed process until the time limit.
-    SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
-#endif
-#ifdef Q_OS_LINUX
-    ::prctl(PR_SET_PDEATHSIG, SIGKILL); // if the parent ends first
-#endif
+    prepareForEnd();
     sendActivity("the library was initialised");
     options.startLibrary();
     inspect(files.first(), parser.isSet(profile));

@@ -1,14 +1,11 @@
 #include "inspection/PluginInspector.h"
 
-#include "inspection/InspectPluginCommand.h"
+#include "inspection/InspectionProtocol.h"
 #include "Output.h"
-
-#include <system/LibraryFile.h>
 
 #include <QCoreApplication>
 #include <QJsonDocument>
 #include <QProcess>
-#include <QProcessEnvironment>
 #include <QTimer>
 
 #include <cstring>
@@ -16,6 +13,8 @@
 namespace Host {
 
 namespace {
+
+const QString fileMember = QStringLiteral("file");
 
 /// If the system cannot start a process, Qt 5 stores the identifier -1 in an object of class
 /// `QProcess`, and `kill` then ends all processes of the user. For a derived class Qt uses another
@@ -25,20 +24,6 @@ class InspectionProcess final : public QProcess
 public:
     using QProcess::QProcess;
 };
-
-/// Returns an environment in which the C library overwrites freed memory, so that a process which
-/// uses it crashes. The C library does not overwrite memory in the caches of its threads.
-QProcessEnvironment inspectionEnvironment()
-{
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-#ifdef Q_OS_LINUX
-    environment.insert(QStringLiteral("MALLOC_PERTURB_"), QStringLiteral("165"));
-    const QString tunables = QStringLiteral("GLIBC_TUNABLES");
-    environment.insert(tunables,
-                       environment.value(tunables) + QLatin1String(":glibc.malloc.tcache_count=0"));
-#endif
-    return environment;
-}
 
 /// Returns the signal or the exception of the system that ended a process.
 QString terminationReasonOf(const QProcess& process)
@@ -54,33 +39,42 @@ QString terminationReasonOf(const QProcess& process)
 #endif
 }
 
-/// Adds the messages of a process that has ended to the report, and a verdict if it failed.
-void addResult(PluginReport& report, QProcess& process, bool isTimedOut,
+/// Completes the report with the messages of a process that has ended and the way in which it
+/// ended.
+void addResult(QJsonObject& report, QProcess& process, bool isTimedOut,
                std::chrono::seconds timeout)
 {
-    const QString activity = QLatin1String(InspectionProtocol::activity);
-    report.add({{activity, QStringLiteral("the program was started")}});
+    const QString activityMember = QLatin1String(InspectionProtocol::activity);
+    const QString verdictMember = QStringLiteral("verdict");
+    report.insert(activityMember, QStringLiteral("the program was started"));
     const QList<QByteArray> lines = process.readAllStandardOutput().split('\n');
-    for (const QByteArray& line : lines)
-        report.add(QJsonDocument::fromJson(line).object());
-    const QString lastActivity = report.take(activity);
-    const auto addVerdict = [&](const char* verdict, const QString& failure) {
-        report.add(verdictParts(QLatin1String(verdict),
-                                QStringLiteral("%1 while %2").arg(failure, lastActivity)));
+    for (const QByteArray& line : lines) {
+        const QJsonObject members = QJsonDocument::fromJson(line).object();
+        for (auto member = members.begin(); member != members.end(); ++member)
+            report.insert(member.key(), member.value());
+    }
+    const QString activity = report.take(activityMember).toString();
+    QString reason = report.take(QLatin1String(InspectionProtocol::reason)).toString();
+    const auto setFailure = [&](const char* verdict, const QString& failure) {
+        report.insert(verdictMember, QLatin1String(verdict));
+        reason = QStringLiteral("%1 while %2").arg(failure, activity);
     };
 
     const bool hasCrashed = process.exitStatus() == QProcess::CrashExit;
     if (hasCrashed && isTimedOut) {
-        addVerdict("timed-out",
+        setFailure("timed-out",
                    QStringLiteral("took longer than %1 s, and was ended").arg(timeout.count()));
     } else if (hasCrashed) {
-        addVerdict("crashed", QStringLiteral("ended by %1").arg(terminationReasonOf(process)));
+        setFailure("crashed", QStringLiteral("ended by %1").arg(terminationReasonOf(process)));
     } else if (process.exitCode() != Success ||
-               lastActivity != QLatin1String(InspectionProtocol::lastActivity)) {
-        addVerdict(
+               activity != QLatin1String(InspectionProtocol::lastActivity)) {
+        setFailure(
             "exited",
             QStringLiteral("ended by a call of exit with exit code %1").arg(process.exitCode()));
     }
+    const QString verdict = report.value(verdictMember).toString();
+    report.insert(QStringLiteral("accepted"), verdict == QLatin1String("accepted"));
+    report.insert(QStringLiteral("explanation"), verdictText(verdict, reason));
 }
 
 } // namespace
@@ -91,16 +85,16 @@ PluginInspector::PluginInspector(const QStringList& arguments, int maxProcesses,
 {
 }
 
-std::vector<PluginReport> PluginInspector::inspect(const QStringList& files)
+std::vector<QJsonObject> PluginInspector::inspect(const QStringList& files)
 {
-    std::vector<PluginReport> reports(files.cbegin(), files.cend());
-    for (PluginReport& report : reports) {
-        const QString reason = System::libraryFileError(report.text(QStringLiteral("file")));
-        if (reason.isEmpty())
-            _waiting.push_back(&report);
-        else
-            report.add(verdictParts(QStringLiteral("no-plugin"), reason));
+    std::vector<QJsonObject> reports;
+    for (const QString& file : files) {
+        reports.push_back({{fileMember, file}});
+        for (const char* member : {"name", "version", "built_for", "identifier", "boards"})
+            reports.back().insert(QLatin1String(member), QJsonValue());
     }
+    for (QJsonObject& report : reports)
+        _waiting.push_back(&report);
     while (!_waiting.empty() && _running < _maxProcesses)
         startNext();
     if (_running > 0)
@@ -110,7 +104,7 @@ std::vector<PluginReport> PluginInspector::inspect(const QStringList& files)
 
 void PluginInspector::startNext()
 {
-    PluginReport* const report = _waiting.front();
+    QJsonObject* const report = _waiting.front();
     _waiting.pop_front();
     ++_running;
     auto* process = new InspectionProcess(&_loop);
@@ -134,9 +128,8 @@ void PluginInspector::startNext()
     process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
     process->setStandardInputFile(QProcess::nullDevice());
     timer->start(_timeout);
-    process->setProcessEnvironment(inspectionEnvironment());
     process->start(QCoreApplication::applicationFilePath(),
-                   _arguments + QStringList(report->text(QStringLiteral("file"))));
+                   _arguments + QStringList(report->value(fileMember).toString()));
 }
 
 void PluginInspector::end(QProcess* process)

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "inspection/PluginReport.h"
-
 #include <QEventLoop>
+#include <QJsonObject>
 #include <QStringList>
 
 #include <chrono>
@@ -14,8 +13,7 @@ class QProcess;
 namespace Host {
 
 /// Inspects plug-in files, each in its own process, which executes `inspectPlugin`, so that a crash
-/// affects one file only. Files that `System::libraryFileError` rejects need no process. The
-/// processes end with this one.
+/// affects one file only.
 class PluginInspector
 {
 public:
@@ -23,8 +21,9 @@ public:
     /// run at the same time; each is killed after `timeout`.
     PluginInspector(const QStringList& arguments, int maxProcesses, std::chrono::seconds timeout);
 
-    /// Returns a report for each file, in the same order.
-    std::vector<PluginReport> inspect(const QStringList& files);
+    /// Returns a report for each file, in the same order: an object of the JSON that
+    /// `ovapp-host plugins` prints.
+    std::vector<QJsonObject> inspect(const QStringList& files);
     /// Returns the reason if some files were not inspected; empty if all were.
     QString error() const { return _error; }
 
@@ -36,7 +35,7 @@ private:
     const int _maxProcesses;
     const std::chrono::seconds _timeout;
     /// The reports for which no process has been started yet.
-    std::deque<PluginReport*> _waiting;
+    std::deque<QJsonObject*> _waiting;
     int _running = 0;
     QEventLoop _loop;
     QString _error;

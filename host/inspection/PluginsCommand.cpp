@@ -1,6 +1,5 @@
-#include "inspection/PluginsCommand.h"
-
 #include "CommandLine.h"
+#include "Commands.h"
 #include "inspection/PluginInspector.h"
 #include "Output.h"
 #include "SessionOptions.h"
@@ -29,7 +28,7 @@ namespace Host {
 namespace {
 
 using App::PluginLoader;
-using Reports = std::vector<PluginReport>;
+using Reports = std::vector<QJsonObject>;
 
 /// The files to inspect.
 struct Files
@@ -42,7 +41,6 @@ struct Files
 /// Sets `files` to those that the user has given. Returns the exit code after a usage error.
 std::optional<int> findGivenFiles(const QStringList& names, Files& files)
 {
-    QStringList canonicalPaths;
     for (const QString& name : names) {
         const QFileInfo file(name);
         if (!file.exists())
@@ -52,9 +50,6 @@ std::optional<int> findGivenFiles(const QStringList& names, Files& files)
                 UsageError,
                 QStringLiteral("%1 is a directory; use --plugins for it").arg(quoted(name)));
         }
-        if (canonicalPaths.contains(file.canonicalFilePath()))
-            return fail(UsageError, QStringLiteral("%1 is given twice").arg(quoted(name)));
-        canonicalPaths << file.canonicalFilePath();
         files.paths << file.absoluteFilePath();
         const QString suffix = PluginLoader::pluginSuffix();
         if (file.suffix().compare(suffix, Qt::CaseInsensitive) != 0) {
@@ -120,18 +115,24 @@ QStringList inspectorArguments(bool isProfiled)
     return arguments;
 }
 
-/// Warns about files that have the same value, which is not empty, in a part of their reports.
-void warnAboutDuplicates(const Reports& reports, const QStringList& names, const QString& part)
+/// Returns a member of a report as text; empty if it is null.
+QString textOf(const QJsonObject& report, const char* member)
+{
+    return report.value(QLatin1String(member)).toString();
+}
+
+/// Warns about files that have the same value, which is not empty, in a member of their reports.
+void warnAboutDuplicates(const Reports& reports, const QStringList& names, const char* member)
 {
     QMap<QString, QStringList> namesByValue;
     for (std::size_t i = 0; i < reports.size(); ++i)
-        namesByValue[reports[i].text(part)] << names.at(static_cast<int>(i));
+        namesByValue[textOf(reports[i], member)] << names.at(static_cast<int>(i));
     namesByValue.remove(QString());
-    namesByValue.remove(QStringLiteral("0x0"));
     for (auto value = namesByValue.cbegin(); value != namesByValue.cend(); ++value) {
         if (value->size() > 1) {
             warn(QStringLiteral("%1 have the same %2, %3")
-                     .arg(value->join(QLatin1String(", ")), part, quoted(value.key())));
+                     .arg(value->join(QLatin1String(", ")), QLatin1String(member),
+                          quoted(value.key())));
         }
     }
 }
@@ -139,8 +140,8 @@ void warnAboutDuplicates(const Reports& reports, const QStringList& names, const
 void printJson(const Reports& reports)
 {
     QJsonArray array;
-    for (const PluginReport& report : reports)
-        array.append(report.toJson());
+    for (const QJsonObject& report : reports)
+        array.append(report);
     const QJsonObject object{
         {QStringLiteral("directory"), Core::Settings::instance().pluginDirPath()},
         {QStringLiteral("board"), Core::BoardEthDescHandler::instance()->currentBoardEthDescType()},
@@ -150,32 +151,38 @@ void printJson(const Reports& reports)
 
 void printTable(const Reports& reports, const QStringList& names, bool isProfiled)
 {
-    const auto orDash = [](const QString& text) {
-        return text.isEmpty() ? QStringLiteral("-") : text;
+    struct Column
+    {
+        const char* title;
+        const char* member;
     };
-    QStringList titles{QStringLiteral("FILE"), QStringLiteral("NAME"), QStringLiteral("IDENTIFIER"),
-                       QStringLiteral("BOARDS")};
+    std::vector<Column> columns{{"NAME", "name"},
+                                {"VERSION", "version"},
+                                {"OVAPP", "built_for"},
+                                {"IDENTIFIER", "identifier"},
+                                {"BOARDS", "boards"}};
     if (isProfiled) {
-        titles << QStringLiteral("LOAD/MS") << QStringLiteral("START/MS")
-               << QStringLiteral("STOP/MS");
+        columns.insert(columns.end(),
+                       {{"LOAD/MS", "load_ms"}, {"START/MS", "start_ms"}, {"STOP/MS", "stop_ms"}});
     }
-    std::vector<QStringList> rows{titles << QStringLiteral("VERDICT")};
+    columns.push_back({"VERDICT", "explanation"});
+
+    std::vector<QStringList> rows{{QStringLiteral("FILE")}};
+    for (const Column& column : columns)
+        rows.front() << QLatin1String(column.title);
     for (std::size_t i = 0; i < reports.size(); ++i) {
-        const PluginReport& report = reports[i];
-        QStringList row{names.at(static_cast<int>(i)), orDash(report.text(QStringLiteral("name"))),
-                        orDash(report.text(QStringLiteral("identifier"))),
-                        orDash(report.text(QStringLiteral("boards")))};
-        if (isProfiled) {
-            row << report.time(QStringLiteral("load_ms")) << report.time(QStringLiteral("start_ms"))
-                << report.time(QStringLiteral("stop_ms"));
+        QStringList row(escapeNonPrintable(names.at(static_cast<int>(i))));
+        for (const Column& column : columns) {
+            const QJsonValue value = reports[i].value(QLatin1String(column.member));
+            const QString text = value.isDouble() ? QString::number(value.toDouble(), 'f', 2)
+                                                  : escapeNonPrintable(value.toString());
+            row << (text.isEmpty() ? QStringLiteral("-") : text);
         }
-        row << report.text(QStringLiteral("explanation"));
-        std::transform(row.cbegin(), row.cend(), row.begin(), escapeNonPrintable);
         rows.push_back(row);
     }
 
     // The last column is not padded.
-    std::vector<int> widths(static_cast<std::size_t>(titles.size()) - 1);
+    std::vector<int> widths(columns.size());
     for (const QStringList& row : rows) {
         for (std::size_t column = 0; column < widths.size(); ++column)
             widths[column] = std::max(widths[column], int(row.at(int(column)).size()));
@@ -199,10 +206,14 @@ int printReports(const Reports& reports, const QStringList& names, bool asJson, 
     } else {
         printTable(reports, names, isProfiled);
     }
-    warnAboutDuplicates(reports, names, QStringLiteral("identifier"));
-    warnAboutDuplicates(reports, names, QStringLiteral("name"));
-    const auto unusableCount = std::count_if(reports.cbegin(), reports.cend(),
-                                             [](const auto& each) { return each.isUnusable(); });
+    warnAboutDuplicates(reports, names, "identifier");
+    warnAboutDuplicates(reports, names, "name");
+    const QStringList harmless{QStringLiteral("accepted"), QStringLiteral("other-board"),
+                               QStringLiteral("left-out")};
+    const auto unusableCount =
+        std::count_if(reports.cbegin(), reports.cend(), [&harmless](const QJsonObject& report) {
+            return !harmless.contains(textOf(report, "verdict"));
+        });
     if (unusableCount == 0)
         return Success;
     return fail(Failure, QStringLiteral("%1 of %2 plug-in files cannot be used")
@@ -224,8 +235,8 @@ int plugins(const QStringList& arguments)
     SessionOptions options(parser);
     const QCommandLineOption profile(
         QStringLiteral("profile"),
-        QStringLiteral("Also start and stop each plug-in, measure the times, and check that it "
-                       "removes what it has registered."));
+        QStringLiteral("Also start each plug-in, measure the times, and check that it removes "
+                       "what it has registered."));
     const QCommandLineOption json(QStringLiteral("json"), QStringLiteral("Print JSON."));
     const QCommandLineOption timeout(
         QStringLiteral("timeout"),

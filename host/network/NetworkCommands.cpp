@@ -1,6 +1,5 @@
-#include "network/NetworkCommands.h"
-
 #include "CommandLine.h"
+#include "Commands.h"
 #include "Interrupts.h"
 #include "Output.h"
 

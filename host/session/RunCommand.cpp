@@ -1,6 +1,5 @@
-#include "session/RunCommand.h"
-
 #include "CommandLine.h"
+#include "Commands.h"
 #include "Interrupts.h"
 #include "Output.h"
 #include "session/EventPrinter.h"
@@ -104,12 +103,6 @@ QString runChannels(bool stay, EventPrinter& printer)
     return isEnded ? QString() : QStringLiteral("a plug-in has ended the event loop");
 }
 
-/// The path of a plug-in file as the session shows it.
-QString relativePluginPath(const QString& file)
-{
-    return QDir(PluginLoader::pluginsPath()).relativeFilePath(file);
-}
-
 /// Opens the document, changes it, reverts it and closes it. Returns an error message; empty if
 /// there is no error.
 QString useDocument(const QString& path, bool stay, SessionReceiver& receiver,
@@ -147,43 +140,36 @@ QString useDocument(const QString& path, bool stay, SessionReceiver& receiver,
     return error;
 }
 
+/// Returns the path of a plug-in file as the session shows it.
+QString relativePath(const QString& file)
+{
+    return QDir(PluginLoader::pluginsPath()).relativeFilePath(file);
+}
+
 void loadPlugins(EventPrinter& printer)
 {
     printer.printStep(QStringLiteral("loads and starts the plug-ins"));
     PluginLoader::initPluginIDValue();
-    PluginLoader::setProgressHandler([&printer](const QString& file, int index, int count) {
-        printer.printStep(QStringLiteral("loads and starts %1 (%2 of %3)")
-                              .arg(relativePluginPath(file))
-                              .arg(index + 1)
-                              .arg(count));
+    PluginLoader::setStepHandler([&printer](const QString& file, PluginLoader::Step step) {
+        constexpr const char* names[] = {"loads", "queries", "starts", "stops", "unloads"};
+        printer.printStep(QLatin1String(names[static_cast<int>(step)]) + QLatin1Char(' ') +
+                          relativePath(file));
     });
     PluginLoader::loadPlugins(true);
-    PluginLoader::setProgressHandler(nullptr);
     printer.printStep(QStringLiteral("lists the plug-ins"));
     const QList<App::PluginRecord> records = PluginLoader::records();
     for (const App::PluginRecord& record : records) {
-        QString result = relativePluginPath(record.filePath);
-        result += record.verdict == PluginLoader::Verdict::Accepted ? QStringLiteral(" is accepted")
-                                                                    : QStringLiteral(" is refused");
-        if (!record.reason.isEmpty())
-            result += QLatin1String(": ") + record.reason;
-        printer.printStep(result);
+        printer.printStep(relativePath(record.filePath) + QLatin1String(": ") +
+                          verdictText(record.verdictName(), record.reason));
     }
     App::Application::instance().notifyPluginStateChangeListener(PluginLoader::pluginCount());
 }
 
-/// Does what `PluginLoader::unloadPlugins` does, with a step for each plug-in.
 void unloadPlugins(EventPrinter& printer)
 {
     printer.printStep(QStringLiteral("stops and unloads the plug-ins"));
-    const QList<App::PluginRecord> records = PluginLoader::records();
-    for (auto record = records.crbegin(); record != records.crend(); ++record) {
-        if (!record->rootObject)
-            continue;
-        printer.printStep(
-            QStringLiteral("stops and unloads %1").arg(relativePluginPath(record->filePath)));
-        PluginLoader::unloadPlugin(record->filePath);
-    }
+    PluginLoader::unloadPlugins();
+    PluginLoader::setStepHandler(nullptr);
 }
 
 /// Executes the session between start-up and shutdown. Returns an error message; empty if there is

@@ -41,19 +41,7 @@ SessionListener::SessionListener(EventPrinter& printer) : _printer(printer)
     application.addTransactionListener(this);
 }
 
-SessionListener::~SessionListener()
-{
-    App::Application& application = App::Application::instance();
-    application.removeActiveDocumentListener(this);
-    application.removeStartFinishListener(this);
-    application.removeCloseDocumentListener(this);
-    application.removeNewDocumentListener(this);
-    application.removeObjectListListener(this);
-    application.removePluginStateChangeListener(this);
-    application.removePropertyListener(this);
-    application.removeSelectionListener(this);
-    application.removeTransactionListener(this);
-}
+SessionListener::~SessionListener() = default;
 
 void SessionListener::updateActiveDocumentListener(Doc::Document* document)
 {

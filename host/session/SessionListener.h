@@ -37,7 +37,7 @@ public:
     explicit SessionListener(EventPrinter& printer);
     SessionListener(const SessionListener&) = delete;
     SessionListener& operator=(const SessionListener&) = delete;
-    /// Removes itself, then deletes the closed documents.
+    /// Deletes the closed documents. Its base classes remove it from the lists.
     ~SessionListener() override;
 
     void updateActiveDocumentListener(Doc::Document* document) override;

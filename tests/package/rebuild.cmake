@@ -32,6 +32,6 @@ endforeach()
 # The host finds the samples in the build tree.
 execute_process(COMMAND ${other}/build/RelWithDebInfo/${host} run --app-dir ${dir}
     OUTPUT_VARIABLE session ECHO_OUTPUT_VARIABLE COMMAND_ERROR_IS_FATAL ANY)
-if(NOT session MATCHES "tcp-trigger\\.dll is accepted")
+if(NOT session MATCHES "tcp-trigger\\.dll: accepted")
     message(FATAL_ERROR "the host did not find the sample plug-ins")
 endif()
