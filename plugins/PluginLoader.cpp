@@ -148,7 +148,7 @@ QString stop(QObject* object, const QString& filePath)
 QVersionNumber versionOf(const QPluginLoader& loader)
 {
     const QString text = loader.metaData().value(QLatin1String("ovapp")).toArray().at(0).toString();
-    int end = 0;
+    decltype(text.size()) end = 0;
     const QVersionNumber version = QVersionNumber::fromString(text, &end);
     return end == text.size() ? version : QVersionNumber();
 }
