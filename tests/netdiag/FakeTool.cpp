@@ -26,10 +26,7 @@ int main(int argc, char* argv[])
     using namespace std::chrono_literals;
     const char* host = argc > 1 ? argv[argc - 1] : "";
     const auto is = [host](const char* name) { return std::strcmp(host, name) == 0; };
-    if (is("stubborn"))
-        std::signal(SIGINT, SIG_IGN);
-    else
-        std::signal(SIGINT, [](int) { isInterrupted = 1; });
+    std::signal(SIGINT, [](int) { isInterrupted = 1; });
 
     if (is("silent"))
         return 0;
@@ -43,7 +40,7 @@ int main(int argc, char* argv[])
         waitForInterrupt(500ms);
         printLine(stdout, " 1  later");
     }
-    if (is("endless") || is("late") || is("stubborn")) {
+    if (is("endless") || is("late")) {
         // Not endless, so that no test leaves a process behind.
         waitForInterrupt(30s);
         printLine(stdout, "summary");

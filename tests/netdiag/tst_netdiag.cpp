@@ -19,14 +19,6 @@ namespace {
 const QByteArray maxHopsOption = SystemTools::tracerouteMaxHops;
 const QByteArray searchPath = qgetenv("PATH");
 
-/// Restores the search path of the system, and returns whether it contains `tool`.
-bool findsSystemTool(const char* tool)
-{
-    Tools::findIn(QCoreApplication::applicationDirPath());
-    qputenv("PATH", searchPath);
-    return !QStandardPaths::findExecutable(QLatin1String(tool)).isEmpty();
-}
-
 /// A TracerouteProcess with a separate application directory. Records the signals.
 struct Trace
 {
@@ -149,9 +141,6 @@ private Q_SLOTS:
         const QByteArray first = maxHopsOption + "\n30\nslow\ncomplaint\n";
         QTRY_COMPARE(trace.report(), first);
         QTRY_COMPARE(trace.received.last(), QByteArray("changed"));
-        QTRY_COMPARE(trace.report(), first + " 1  later\n");
-        trace.run("slow");
-        QTRY_COMPARE(trace.report(), first);
         trace.run("$(two) words");
         // The earlier tool appends to the output of the new one.
         QTRY_COMPARE(trace.report(), maxHopsOption + "\n30\n$(two) words\ncomplaint\n 1  later\n");
@@ -167,7 +156,6 @@ private Q_SLOTS:
     void removedTraceReport()
     {
         Trace trace;
-        trace.run("silent");
         trace.run("silent");
         QTRY_VERIFY(QFile::remove(trace.path) || !QFile::exists(trace.path));
         QTRY_COMPARE(trace.received, QByteArrayList({"started", "changed"}));
@@ -214,25 +202,11 @@ private Q_SLOTS:
         QCOMPARE(toolless.process->toolProcessId(), 0);
     }
 
-    void systemsPing()
-    {
-        if (!findsSystemTool(SystemTools::ping))
-            QSKIP("needs the system's ping");
-        PingProcess ping;
-        ping.doPing("127.0.0.1"_s);
-        QTRY_COMPARE_WITH_TIMEOUT(ping.state(), QProcess::NotRunning, 10000);
-        const QByteArray report = ping.readAllStandardOutput();
-        if (report.contains("transmit failed"))
-            QSKIP("the system's ping may not send for this user");
-        QCOMPARE(ping.exitCode(), 0);
-        // Four replies and the summary.
-        QVERIFY2(report.count("ttl=") + report.count("TTL=") == 4, report);
-        QVERIFY2(report.contains("0%"), report);
-    }
-
     void systemsTraceroute()
     {
-        if (!findsSystemTool(SystemTools::traceroute))
+        Tools::findIn(QCoreApplication::applicationDirPath());
+        qputenv("PATH", searchPath);
+        if (QStandardPaths::findExecutable(QLatin1String(SystemTools::traceroute)).isEmpty())
             QSKIP("needs the system's traceroute");
         Trace trace;
         trace.run("127.0.0.1");

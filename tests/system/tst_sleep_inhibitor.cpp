@@ -79,6 +79,9 @@ private Q_SLOTS:
     {
         QFETCH(const QByteArray, refused);
         QFETCH(const QString, what);
+        const QString held =
+            what +
+            " by tst_sleep_inhibitor: Sleep would stop the laser in the middle of a job, block"_s;
         refuse(refused);
         const auto allow = qScopeGuard([this] { refuse({}); });
         for (int i = 0; i < 2; ++i) {
@@ -87,9 +90,6 @@ private Q_SLOTS:
                 const Session session;
                 if (what.isEmpty())
                     QTest::qWait(200);
-                const QString held =
-                    what +
-                    " by tst_sleep_inhibitor: Sleep would stop the laser in the middle of a job, block"_s;
                 TRY_VERIFY(inhibitors() == (what.isEmpty() ? QString() : held));
                 // Processes that the program starts may outlive it.
                 child.run({"cat"_s});
