@@ -6,7 +6,6 @@
 #include <QDir>
 #include <QFile>
 #include <QLibrary>
-#include <QProcess>
 #include <QStandardPaths>
 #include <QString>
 
@@ -42,14 +41,6 @@ inline QByteArray textOf(QByteArray output)
     output.replace("\r\n", "\n");
 #endif
     return output;
-}
-
-/// Returns the errors that a process printed which has called `exit` on another thread, except the
-/// warning that Qt itself prints if the main thread holds one of its locks at that moment.
-inline QByteArray errorsAtExit(QProcess& process)
-{
-    return process.readAllStandardError().replace(
-        "QReadWriteLock: destroying locked QReadWriteLock\n", "");
 }
 
 } // namespace Tools

@@ -3,7 +3,6 @@
 #include <plugins/PluginLoader.h>
 
 #include <QCoreApplication>
-#include <QPluginLoader>
 #include <QTemporaryDir>
 #include <QVariant>
 
@@ -17,12 +16,8 @@ int main(int argc, char** argv)
     App::Application::init();
     App::Application::instance().doAppStartFinished();
     const QVariant version = Core::Settings::instance().value(QStringLiteral("About/version"));
-    QPluginLoader loader;
-    const auto verdict = App::PluginLoader::verdictOn(
-        App::PluginLoader::rootObjectOf(QStringLiteral(PLUGIN), loader));
+    const App::PluginRecord plugin = App::PluginLoader::loadFile(QStringLiteral(PLUGIN), false);
     App::Application::destruct();
-    return version.toString() == QLatin1String("9.8.7") &&
-                   verdict == App::PluginLoader::Verdict::Accepted
-               ? 0
-               : 1;
+    const bool isAccepted = plugin.verdict == App::PluginRecord::Verdict::Accepted;
+    return version.toString() == QLatin1String("9.8.7") && isAccepted ? 0 : 1;
 }
