@@ -109,9 +109,9 @@ private Q_SLOTS:
         runInThread([this] {
             QCOMPARE(setThreadExecutionState(0x00000001u), withdrawn);
             QCOMPARE(setThreadExecutionState(requested), 0x00000001u);
-            QCOMPARE(setThreadExecutionState(0x00000001u), requested);
+            QCOMPARE(setThreadExecutionState(0x00000040u), requested);
             TRY_VERIFY(isHeld());
-            QCOMPARE(setThreadExecutionState(0x80000040u), 0x00000001u);
+            QCOMPARE(setThreadExecutionState(0x80000040u), 0x00000040u);
             TRY_VERIFY(isWithdrawn());
             setThreadExecutionState(requested);
             TRY_VERIFY(isHeld());
