@@ -41,29 +41,6 @@ static QByteArray withMetaData(QByteArray plugin, Number ElfW(Shdr)::*member, Nu
     }
     return plugin;
 }
-
-/// Returns the plug-in with an additional segment at the end, as tools add one that change a
-/// library path. The system clears the last page of the segment after the end of the file. The
-/// addresses are above those of the buffer, which is not in the file.
-static QByteArray withSegmentAtEnd(QByteArray plugin)
-{
-    constexpr int page = 0x1000;
-    const auto end = (plugin.size() + page - 1) / page * page;
-    const auto* header = reinterpret_cast<const ElfW(Ehdr)*>(plugin.data());
-    auto* segment = reinterpret_cast<ElfW(Phdr)*>(plugin.data() + header->e_phoff);
-    for (const auto* last = segment + header->e_phnum; segment != last; ++segment) {
-        if (segment->p_type != PT_GNU_EH_FRAME)
-            continue;
-        segment->p_type = PT_LOAD;
-        segment->p_flags = PF_R | PF_W;
-        segment->p_offset = static_cast<unsigned>(end);
-        segment->p_vaddr = segment->p_paddr = segment->p_offset + (1 << 24);
-        segment->p_filesz = page + 100;
-        segment->p_memsz = page + 200;
-        segment->p_align = page;
-    }
-    return plugin.leftJustified(end + page + 100, '\0');
-}
 #endif
 
 /// Returns the version stamp in the metadata of a plug-in: a key and an array of one text.
@@ -204,11 +181,10 @@ private Q_SLOTS:
             {6, 2, 1, "boards id info start"},
             {INT_MIN, -1, 1, "boards id info start"},
             {4, 2, 1, "boards"},
-            {0, -1, 1, "boards"},
             {-1, 0, 1, "boards"},
             {4, 2, 0, "boards"},
             {2, 2, 0, "boards id"},
-            {2, 2, Q_UINT64_C(1) << 63, "boards id info start"}};
+            {2, 2, 1ULL << 63, "boards id info start"}};
         for (const auto& [boardTypes, board, id, called] : cases) {
             Core::BoardEthDescHandler::instance()->setCurrentBoardEthDescType(board);
             RecordingPlugin plugin("P"_s, id, boardTypes);
@@ -296,67 +272,57 @@ private Q_SLOTS:
         QTest::addColumn<QString>("builtFor");
         const QString own = QStringLiteral(OVAPP_VERSION);
         const auto row = [&own](const char* name, const QByteArray& content, const char* verdict,
-                                const QString& reason, const char* called) {
-            return &(QTest::newRow(name) << content << QString::fromLatin1(verdict) << reason
-                                         << QString::fromLatin1(called));
+                                const QString& reason, const char* called,
+                                const char* builtFor = OVAPP_VERSION) {
+            QTest::newRow(name) << content << QString::fromLatin1(verdict) << reason
+                                << QString::fromLatin1(called) << QString::fromLatin1(builtFor);
         };
         const char* all = "boards id info start stop destroy";
-        const auto built = [](const char* plugin) {
-            return PluginFixture::built(QLatin1String(plugin));
-        };
-        *row("accepted", built("PluginB"), "accepted", {}, all) << own;
-        *row("other board", built("PluginOfOtherBoard"), "other-board",
-             "supportedBoardTypes() is 0x4, which has no bit in common with the type of the board "
-             "in use, 0x2"_s,
-             "boards destroy")
-            << own;
-        *row("no identifier", built("PluginWithoutIdentifier"), "no-identifier",
-             "pluginID() is 0; give the plug-in an identifier"_s, "boards id destroy")
-            << own;
-        *row("other interface", built("OtherInterface"), "no-interface",
-             "its root object does not implement \"com.quillmere.beamforge.PluginInterface/1.0\"; "
-             "name App::PluginInterface in its Q_INTERFACES"_s,
-             "")
-            << own;
-        *row("no library", "text", "no-plugin", "it is not a library for this system"_s, "")
-            << QString();
+        const QByteArray plugin = PluginFixture::built("PluginB"_s);
+        row("accepted", plugin, "accepted", {}, all);
+        row("other board", PluginFixture::built("PluginOfOtherBoard"_s), "other-board",
+            "supportedBoardTypes() is 0x4, which has no bit in common with the type of the board "
+            "in use, 0x2"_s,
+            "boards destroy");
+        row("no identifier", PluginFixture::built("PluginWithoutIdentifier"_s), "no-identifier",
+            "pluginID() is 0; give the plug-in an identifier"_s, "boards id destroy");
+        row("other interface", PluginFixture::built("OtherInterface"_s), "no-interface",
+            "its root object does not implement \"com.quillmere.beamforge.PluginInterface/1.0\"; "
+            "name App::PluginInterface in its Q_INTERFACES"_s,
+            "");
+        row("no library", "text", "no-plugin", "it is not a library for this system"_s, "", "");
 
-        const std::tuple<const char*, const char*, const char*, const char*> functions[] = {
-            {"construct", "its constructor", "exception", "destroy"},
-            {"boards", "supportedBoardTypes()", "exception", "boards destroy"},
-            {"id", "pluginID()", "exception", "boards id destroy"},
-            {"info", "pluginInfo()", "exception", "boards id info destroy"},
-            {"start", "start()", "accepted", all},
-            {"stop!", "stop()", "accepted", all}};
-        for (const auto& [thrown, function, verdict, called] : functions) {
-            const bool isUnknown = QByteArray(thrown).endsWith('!');
-            *row(thrown, built("PluginB"), verdict,
-                 "%1 threw an exception: %2"_s.arg(
-                     QLatin1String(function),
-                     isUnknown ? "of an unknown type"_s : "no 100% "_s + QLatin1String(thrown)),
-                 called)
-                << own;
+        const std::tuple<const char*, const char*, const char*> functions[] = {
+            {"construct", "its constructor", "destroy"},
+            {"boards", "supportedBoardTypes()", "boards destroy"},
+            {"id", "pluginID()", "boards id destroy"},
+            {"info", "pluginInfo()", "boards id info destroy"},
+            {"start", "start()", all},
+            {"stop!", "stop()", all}};
+        for (const auto& [thrown, function, called] : functions) {
+            const QString text = QByteArray(thrown).endsWith('!')
+                                     ? "of an unknown type"_s
+                                     : "no 100% "_s + QLatin1String(thrown);
+            row(thrown, plugin, called == all ? "accepted" : "exception",
+                QLatin1String(function) + " threw an exception: "_s + text, called);
         }
 
         const QString version =
             "it is built for ovapp %1, and this program uses ovapp %2"_s.arg("%1"_s, own);
-        for (const char* other : {"0.9.9", "2.0.0"}) {
-            const QString text = QLatin1String(other);
-            *row(other, stamped(stamp(other)), "other-version", version.arg(text), "") << text;
-        }
-        *row("newer minor version", stamped(stamp("1.9.0")), "accepted", {}, all) << "1.9.0"_s;
+        for (const char* other : {"0.9.9", "2.0.0"})
+            row(other, stamped(stamp(other)), "other-version", version.arg(QLatin1String(other)),
+                "", other);
+        row("newer minor version", stamped(stamp("1.9.0")), "accepted", {}, all, "1.9.0");
         // Wine loads libraries even if imported functions are missing.
         if (!Tools::isWine()) {
-            *row("missing symbol",
-                 stamped(stamp("1.9.0")).replace("PluginInfo3set", "PluginInfo3sot"), "no-plugin",
-                 version.arg("1.9.0"_s) + "; Qt cannot load it: "_s, "")
-                << "1.9.0"_s;
+            row("missing symbol",
+                stamped(stamp("1.9.0")).replace("PluginInfo3set", "PluginInfo3sot"), "no-plugin",
+                version.arg("1.9.0"_s) + "; Qt cannot load it: "_s, "", "1.9.0");
         }
         const QByteArray numbers = stamp("").left(6) + "\x86\1\2\3\4\5\6";
         for (const QByteArray& invalid :
              {stamp(OVAPP_VERSION, "other"), stamp("2.0-b"), stamp("x.y.z"), numbers})
-            *row(invalid.toPercentEncoding().constData(), stamped(invalid), "accepted", {}, all)
-                << QString();
+            row(invalid.toPercentEncoding().constData(), stamped(invalid), "accepted", {}, all, "");
     }
 
     void files()
@@ -389,9 +355,8 @@ private Q_SLOTS:
         const bool isAccepted = verdict == "accepted"_s;
         QCOMPARE(names(), isAccepted ? "PluginB,PluginC,,"_s : "PluginC,,,"_s);
         QCOMPARE(record.info.get("Name"_s).toString(), isAccepted ? "PluginB"_s : QString());
-        QCOMPARE(record.boardTypes, isAccepted                   ? 2
-                                    : verdict == "other-board"_s ? 4
-                                                                 : record.boardTypes);
+        if (isAccepted || verdict == "other-board"_s)
+            QCOMPARE(record.boardTypes, isAccepted ? 2 : 4);
         QCOMPARE(record.identifier, called.contains("info"_s) ? 2U : 0U);
         QCOMPARE(record.loadTime < 0, verdict == "other-version"_s || content == "text");
         QCOMPARE(record.startTime < 0, !isAccepted);
@@ -576,11 +541,7 @@ private Q_SLOTS:
         QVERIFY(QFile::link(pipe, nextPath()));
         QVERIFY(QFile::link("/dev/zero"_s, nextPath()));
 #endif
-        QByteArray last = PluginFixture::built("PluginC"_s);
 #ifdef Q_OF_ELF
-        last = withSegmentAtEnd(last);
-        for (const int cut : {1, 99, 101, 4196})
-            write(last.chopped(cut));
         // Some versions of Qt accept these.
         const auto writeDamaged = [&](const QByteArray& content) {
             const QString path = nextPath();
@@ -592,12 +553,18 @@ private Q_SLOTS:
                 writeDamaged(withMetaData(plugin, member, value));
         }
         writeDamaged(withMetaData(plugin, &ElfW(Shdr)::sh_name, ElfW(Word)(0x7fffffff)));
-        QByteArray withoutNames = plugin;
-        reinterpret_cast<ElfW(Ehdr)*>(withoutNames.data())->e_shstrndx = 0xfff0;
-        writeDamaged(withoutNames);
+        QByteArray changed = plugin;
+        auto* header = reinterpret_cast<ElfW(Ehdr)*>(changed.data());
+        header->e_shstrndx = 0xfff0;
+        writeDamaged(changed);
+        changed = plugin;
+        header = reinterpret_cast<ElfW(Ehdr)*>(changed.data());
+        // The system would map it beyond the end of the file.
+        reinterpret_cast<ElfW(Phdr)*>(changed.data() + header->e_phoff)->p_filesz = 1 << 24;
+        writeDamaged(changed);
 #endif
         const int damaged = number;
-        write(last);
+        write(PluginFixture::built("PluginC"_s));
         write(plugin);
 
         // A QDir caches its entries. Wine lists the files of another process.
