@@ -23,7 +23,7 @@ int main(int argc, char** argv)
     MainWindow& window = program.window();
     if (!QTest::qWaitForWindowActive(&window))
         return 1;
-    window.openFile(document);
+    window.documents().open(document);
     window.findChild<QPushButton*>(QStringLiteral("start"))->click();
     QTest::keyClick(&window, Qt::Key_Return, Qt::ControlModifier);
     QCoreApplication::processEvents();

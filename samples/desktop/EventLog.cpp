@@ -1,38 +1,39 @@
 #include "EventLog.h"
 
+#include "Messages.h"
+
 #include <app/Application.h>
 #include <events/SelectionChangeEvent.h>
 #include <events/SwitchScreenLayoutEvent.h>
 #include <events/TransactionEvent.h>
 #include <ovcore/ConsoleSingleton.h>
 #include <ovdoc/Document.h>
-#include <ovdoc/Transaction.h>
 
+#include <QContextMenuEvent>
+#include <QCoreApplication>
 #include <QFileInfo>
+#include <QFontDatabase>
+#include <QMenu>
+#include <QScrollBar>
 #include <QTime>
-#include <QTreeWidget>
 
-namespace {
+#include <memory>
 
-constexpr int maximumLines = 1000;
-
-QString nameOf(const Doc::Document* document)
+EventLog::EventLog()
 {
-    return document ? QFileInfo(document->filePath()).fileName() : EventLog::tr("no document");
-}
-
-} // namespace
-
-EventLog::EventLog() : QDockWidget(tr("Event log")), _list(new QTreeWidget)
-{
-    setObjectName(QStringLiteral("eventLog"));
-    setWidget(_list);
-    _list->setRootIsDecorated(false);
-    _list->setUniformRowHeights(true);
-    _list->setHeaderLabels({tr("Time"), tr("Source"), tr("Description")});
-    const int width = _list->fontMetrics().averageCharWidth();
-    _list->setColumnWidth(0, 16 * width);
-    _list->setColumnWidth(1, 26 * width);
+    constexpr int maximumLines = 1000;
+    setReadOnly(true);
+    setTabChangesFocus(true);
+    setLineWrapMode(QPlainTextEdit::NoWrap);
+    setMaximumBlockCount(maximumLines);
+    setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    // Follows the log while the last line is visible.
+    QScrollBar* const bar = verticalScrollBar();
+    connect(bar, &QScrollBar::rangeChanged, bar, [bar, previous = 0](int, int maximum) mutable {
+        if (bar->value() >= previous)
+            bar->setValue(maximum);
+        previous = maximum;
+    });
 
     App::Application& application = App::Application::instance();
     application.addActiveDocumentListener(this);
@@ -45,104 +46,62 @@ EventLog::EventLog() : QDockWidget(tr("Event log")), _list(new QTreeWidget)
     application.addSelectionListener(this);
     application.addTransactionListener(this);
     Core::ConsoleSingleton::instance().attachObserver(this);
+    qApp->installEventFilter(this);
 }
 
 EventLog::~EventLog()
 {
     Core::ConsoleSingleton::instance().detachObserver(this);
-    App::Application& application = App::Application::instance();
-    application.removeActiveDocumentListener(this);
-    application.removeStartFinishListener(this);
-    application.removeCloseDocumentListener(this);
-    application.removeNewDocumentListener(this);
-    application.removeObjectListListener(this);
-    application.removePluginStateChangeListener(this);
-    application.removePropertyListener(this);
-    application.removeSelectionListener(this);
-    application.removeTransactionListener(this);
-}
-
-void EventLog::updateActiveDocumentListener(Doc::Document* document)
-{
-    append(tr("active document"), nameOf(document));
-}
-
-void EventLog::updateAppStartFinishListener()
-{
-    append(tr("start finished"), tr("the program has started"));
-}
-
-void EventLog::updateCloseDocumentListener(Doc::Document* document)
-{
-    append(tr("close document"), nameOf(document));
-}
-
-void EventLog::updateNewDocumentListener(Doc::Document* document)
-{
-    append(tr("new document"), nameOf(document));
-}
-
-void EventLog::updateObjectListListener(Doc::Document* document)
-{
-    append(tr("object list"), nameOf(document));
-}
-
-void EventLog::updatePluginStateListener(int state)
-{
-    append(tr("plug-in state"), QString::number(state));
-}
-
-void EventLog::updatePropertyListener(Doc::Document* document, bool flag, int value)
-{
-    append(tr("property"),
-           tr("%1, %2 in ").arg(flag ? tr("true") : tr("false")).arg(value) + nameOf(document));
-}
-
-void EventLog::updateSelectionListener(Doc::Document* document)
-{
-    append(tr("selection"), nameOf(document));
-}
-
-void EventLog::updateTransactionListener(Doc::Document* document, Doc::Transaction* transaction)
-{
-    append(tr("transaction"), tr("\"%1\" in %2").arg(transaction->name(), nameOf(document)));
 }
 
 void EventLog::write(Severity severity, const QByteArray& line)
 {
     // Called on the thread that logs: another thread's line is appended later, on this one.
-    const QString source = severity == Severity::Warning ? tr("log, warning") : tr("log");
-    QMetaObject::invokeMethod(
-        this, [this, source, text = QString::fromLocal8Bit(line)] { append(source, text); });
+    QMetaObject::invokeMethod(this, [this, severity, text = QString::fromLocal8Bit(line)] {
+        const bool isWarning = severity == Severity::Warning;
+        append("log", text, isWarning);
+        if (isWarning)
+            Q_EMIT warningLogged(text);
+    });
 }
 
-void EventLog::customEvent(QEvent* event)
+bool EventLog::eventFilter(QObject* receiver, QEvent* event)
 {
-    switch (static_cast<int>(event->type())) {
-    case App::TransactionEvent::eventType: {
-        const auto& posted = static_cast<const App::TransactionEvent&>(*event);
-        append(tr("event: transaction"), tr("\"%1\"").arg(posted.transaction().name()));
-        break;
-    }
-    case App::SelectionChangeEvent::eventType:
-        append(tr("event: selection"), tr("the selection has changed"));
-        break;
-    case Core::SwitchScreenLayoutEvent::eventType:
-        append(tr("event: screen layout"),
-               tr("board type %1")
-                   .arg(static_cast<const Core::SwitchScreenLayoutEvent&>(*event).boardType()));
-        break;
-    default:
-        QDockWidget::customEvent(event);
-    }
+    const int type = event->type();
+    if (type == App::TransactionEvent::eventType)
+        append("event", tr("transaction"));
+    else if (type == App::SelectionChangeEvent::eventType)
+        append("event", tr("selection"));
+    else if (type == Core::SwitchScreenLayoutEvent::eventType)
+        append("event", tr("screen layout"));
+    return QPlainTextEdit::eventFilter(receiver, event);
 }
 
-void EventLog::append(const QString& source, const QString& description)
+void EventLog::contextMenuEvent(QContextMenuEvent* event)
 {
-    if (_list->topLevelItemCount() == maximumLines)
-        delete _list->takeTopLevelItem(0);
-    auto* item =
-        new QTreeWidgetItem(_list, {QTime::currentTime().toString(QStringLiteral("hh:mm:ss.zzz")),
-                                    source, description});
-    _list->scrollToItem(item);
+    const std::unique_ptr<QMenu> menu(createStandardContextMenu());
+    menu->addAction(tr("C&lear"), this, &QPlainTextEdit::clear);
+    menu->exec(event->globalPos());
+}
+
+void EventLog::append(const char* source, const QString& description, bool isWarning)
+{
+    const QString line = QTime::currentTime().toString(QStringLiteral("hh:mm:ss.zzz ")) +
+                         QChar(isWarning ? 0x26a0 : ' ') + // the warning sign
+                         QStringLiteral(" %1 ").arg(QLatin1String(source), -16) + description;
+    QTextCharFormat format;
+    if (isWarning) {
+        format.setBackground(QColor(warningColor));
+        format.setForeground(Qt::black);
+    }
+    QTextCursor end(document());
+    end.movePosition(QTextCursor::End);
+    if (!document()->isEmpty())
+        end.insertBlock();
+    end.insertText(line, format);
+}
+
+void EventLog::append(const char* source, const Doc::Document* document)
+{
+    append(source, document ? QFileInfo(document->filePath()).fileName() : tr("no document"));
 }

@@ -10,14 +10,13 @@
 #include <app/SelectionListener.h>
 #include <app/TransactionListener.h>
 #include <ovcore/ConsoleObserver.h>
+#include <ovdoc/Transaction.h>
 
-#include <QDockWidget>
+#include <QPlainTextEdit>
 
-class QTreeWidget;
-
-/// Shows the notifications of listeners of all kinds, the events that are posted to this widget,
-/// and the lines of the log.
-class EventLog : public QDockWidget,
+/// Shows the notifications of listeners of all kinds, the posted events of the library, and the
+/// lines of the log.
+class EventLog : public QPlainTextEdit,
                  public App::ActiveDocumentListener,
                  public App::AppStartFinishListener,
                  public App::CloseDocumentListener,
@@ -35,22 +34,31 @@ public:
     EventLog();
     ~EventLog() override;
 
-    void updateActiveDocumentListener(Doc::Document* document) override;
-    void updateAppStartFinishListener() override;
-    void updateCloseDocumentListener(Doc::Document* document) override;
-    void updateNewDocumentListener(Doc::Document* document) override;
-    void updateObjectListListener(Doc::Document* document) override;
-    void updatePluginStateListener(int state) override;
-    void updatePropertyListener(Doc::Document* document, bool flag, int value) override;
-    void updateSelectionListener(Doc::Document* document) override;
-    void updateTransactionListener(Doc::Document* document, Doc::Transaction* transaction) override;
+    void updateActiveDocumentListener(Doc::Document* d) override { append("active document", d); }
+    void updateAppStartFinishListener() override { append("start finished", QString()); }
+    void updateCloseDocumentListener(Doc::Document* d) override { append("close document", d); }
+    void updateNewDocumentListener(Doc::Document* d) override { append("new document", d); }
+    void updateObjectListListener(Doc::Document* d) override { append("object list", d); }
+    void updatePluginStateListener(int state) override { append("plug-in state", state); }
+    void updatePropertyListener(Doc::Document*, bool, int v) override { append("property", v); }
+    void updateSelectionListener(Doc::Document* d) override { append("selection", d); }
+    void updateTransactionListener(Doc::Document*, Doc::Transaction* transaction) override
+    {
+        append("transaction", transaction->name());
+    }
     void write(Severity severity, const QByteArray& line) override;
 
+    /// Sees the events of all objects.
+    bool eventFilter(QObject* receiver, QEvent* event) override;
+
+Q_SIGNALS:
+    void warningLogged(const QString& text);
+
 protected:
-    void customEvent(QEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
 
 private:
-    void append(const QString& source, const QString& description);
-
-    QTreeWidget* _list;
+    void append(const char* source, const QString& description, bool isWarning = false);
+    void append(const char* source, const Doc::Document* document);
+    void append(const char* source, int value) { append(source, QString::number(value)); }
 };

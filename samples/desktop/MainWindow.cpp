@@ -1,297 +1,233 @@
 #include "MainWindow.h"
 
-#include "ChannelsDock.h"
-#include "DocumentView.h"
+#include "ChannelsPanel.h"
 #include "EventLog.h"
+#include "Messages.h"
 #include "NetworkDialog.h"
-#include "PluginsDock.h"
+#include "PluginsPanel.h"
 
-#include <app/Application.h>
-#include <events/SwitchScreenLayoutEvent.h>
-#include <ovcore/BoardEthDescHandler.h>
 #include <ovcore/Settings.h>
-#include <ovdoc/DocObject.h>
-#include <ovdoc/Document.h>
-#include <ovdoc/Storage.h>
-#include <ovdoc/Transaction.h>
 
-#include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDir>
-#include <QFileDialog>
-#include <QFileInfo>
+#include <QDockWidget>
 #include <QLabel>
 #include <QMenuBar>
-#include <QMessageBox>
-#include <QStandardPaths>
+#include <QMimeData>
+#include <QProgressBar>
+#include <QScreen>
 #include <QStatusBar>
-#include <QStyle>
+#include <QTimer>
 #include <QToolBar>
+#include <QToolButton>
+#include <QVBoxLayout>
 
-#include <limits>
+#include <algorithm>
 
 namespace {
 
 const QString geometryKey = QStringLiteral("Window/geometry");
 const QString stateKey = QStringLiteral("Window/state");
-const QString documentKey = QStringLiteral("File/Document");
-
-QString fileFilter()
-{
-    return MainWindow::tr("Documents (*.ovdoc);;All files (*)");
-}
-
-QString untitledPath()
-{
-    QDir directory(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
-    if (!directory.exists())
-        directory = QDir::home();
-    QString path = directory.filePath(QStringLiteral("untitled.ovdoc"));
-    for (int number = 2; QFileInfo::exists(path); ++number)
-        path = directory.filePath(QStringLiteral("untitled-%1.ovdoc").arg(number));
-    return path;
-}
-
-/// Returns the reason why a document cannot be opened: the library itself only returns null.
-QString openError(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? MainWindow::tr("it is not a valid document")
-                                          : file.errorString();
-}
 
 } // namespace
 
-MainWindow::MainWindow() : _status(new QLabel), _log(new EventLog), _networkDialog(nullptr)
+MainWindow::MainWindow()
+    : _documents(this), _name(new QLabel), _counts(new QProgressBar), _warning(new QToolButton)
 {
-    resize(1100, 680);
-    createDocks();
+    resize(QSize(1100, 680).boundedTo(screen()->availableSize() * 9 / 10));
+    setAcceptDrops(true);
     createMenus();
-    _view = new DocumentView(_finishAction);
-    setCentralWidget(_view);
-    statusBar()->addWidget(_status);
-    _status->setObjectName(QStringLiteral("status"));
-    _status->setTextFormat(Qt::PlainText);
-    showDocument(nullptr, false);
+    createDocks();
 
+    statusBar()->addWidget(_warning);
+    _warning->setObjectName(QStringLiteral("warning"));
+    _warning->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    _warning->setIcon(style()->standardIcon(QStyle::SP_MessageBoxWarning));
+    _warning->hide();
+    connect(_warning, &QToolButton::clicked, _warning, &QWidget::hide);
+    connect(&_documents, &Documents::changed, this, &MainWindow::showDocument);
+    showDocument(nullptr);
+}
+
+void MainWindow::restoreLayout()
+{
     const Core::Settings& settings = Core::Settings::instance();
     restoreGeometry(settings.value(geometryKey).toByteArray());
     restoreState(settings.value(stateKey).toByteArray());
-
-    App::Application& application = App::Application::instance();
-    application.addActiveDocumentListener(this);
-    application.addCloseDocumentListener(this);
-    application.addNewDocumentListener(this);
-    application.addTransactionListener(this);
-}
-
-MainWindow::~MainWindow()
-{
-    App::Application& application = App::Application::instance();
-    application.removeActiveDocumentListener(this);
-    application.removeCloseDocumentListener(this);
-    application.removeNewDocumentListener(this);
-    application.removeTransactionListener(this);
-}
-
-void MainWindow::openFile(const QString& path)
-{
-    // The library keeps a document that is already open, with its changes.
-    const bool isOpen =
-        QFileInfo(path).absoluteFilePath() == QFileInfo(windowFilePath()).absoluteFilePath();
-    if ((isOpen || confirmClose()) && !App::Application::instance().openDocument(path))
-        showError(tr("Cannot open %1").arg(path), openError(path));
-}
-
-void MainWindow::updateActiveDocumentListener(Doc::Document* document)
-{
-    showDocument(document, false);
-}
-
-void MainWindow::updateCloseDocumentListener(Doc::Document* document)
-{
-    showDocument(nullptr, false);
-    // The listeners after this one still use it: it is deleted when the next one is closed.
-    _p_closedDocument.reset(document);
-}
-
-void MainWindow::updateNewDocumentListener(Doc::Document* document)
-{
-    showDocument(document, false);
-}
-
-void MainWindow::updateTransactionListener(Doc::Document* document, Doc::Transaction*)
-{
-    showDocument(document, document != nullptr);
+    centralWidget()->findChild<QToolButton*>()->setFocus();
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)
 {
-    if (!confirmClose()) {
+    if (!_documents.confirmClose()) {
         event->ignore();
         return;
     }
-    Core::Settings& settings = Core::Settings::instance();
-    settings.setValue(geometryKey, saveGeometry());
-    settings.setValue(stateKey, saveState());
+    Core::Settings::instance().setValue(geometryKey, saveGeometry());
+    Core::Settings::instance().setValue(stateKey, saveState());
     // Open windows of plug-ins would keep the program running.
-    QApplication::closeAllWindows();
+    guarded(this, tr("A window of a plug-in failed when it was closed"),
+            &QApplication::closeAllWindows);
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event)
+{
+    event->setAccepted(event->mimeData()->hasUrls());
+}
+
+void MainWindow::dropEvent(QDropEvent* event)
+{
+    // Later: a question would keep the other program waiting.
+    QTimer::singleShot(0, this, [this, urls = event->mimeData()->urls()] {
+        _documents.open(urls.constFirst().toLocalFile());
+    });
+}
+
+void MainWindow::createMenus()
+{
+    // Not all desktops have an icon theme.
+    const auto add = [this](QMenu* menu, const QString& text, const QString& key, auto receiver,
+                            auto function, const char* themeIcon = "",
+                            QStyle::StandardPixmap icon = QStyle::SP_CustomBase) {
+        QAction* const action = menu->addAction(
+            QIcon::fromTheme(QLatin1String(themeIcon), style()->standardIcon(icon)), text);
+        action->setShortcut(key);
+        connect(action, &QAction::triggered, receiver, function);
+        return action;
+    };
+    Documents* const documents = &_documents;
+    QMenu* const file = menuBar()->addMenu(tr("&File"));
+    QAction* const create = add(file, tr("&New"), tr("Ctrl+N"), documents, &Documents::create,
+                                "document-new", QStyle::SP_FileIcon);
+    QAction* const open = add(file, tr("&Open..."), tr("Ctrl+O"), documents, &Documents::choose,
+                              "document-open", QStyle::SP_DialogOpenButton);
+    QMenu* const recent = file->addMenu(tr("Open &Recent"));
+    connect(recent, &QMenu::aboutToShow, this, [this, recent] { listRecentFiles(*recent); });
+    QAction* const save = add(file, tr("&Save"), tr("Ctrl+S"), documents, &Documents::save,
+                              "document-save", QStyle::SP_DialogSaveButton);
+    QAction* const saveAs =
+        add(file, tr("Save &As..."), tr("Ctrl+Shift+S"), documents, &Documents::saveAs);
+    _revertAction = add(file, tr("Re&vert"), tr("F5"), documents, &Documents::revert,
+                        "document-revert", QStyle::SP_BrowserReload);
+    QAction* const close = add(file, tr("&Close"), tr("Ctrl+W"), documents, &Documents::close);
+    file->addSeparator();
+    add(file, tr("&Quit"), tr("Ctrl+Q"), this, &MainWindow::close);
+
+    QMenu* const document = menuBar()->addMenu(tr("&Document"));
+    QAction* const finish =
+        add(document, tr("&Finish a piece"), tr("Ctrl+Return"), documents, &Documents::finishPiece,
+            "dialog-ok-apply", QStyle::SP_DialogApplyButton);
+    QAction* const setTarget =
+        add(document, tr("Set &target..."), tr("Ctrl+T"), documents, &Documents::setTarget);
+    _documentActions = {save, saveAs, close, finish, setTarget};
+
+    QMenu* const view = menuBar()->addMenu(tr("&View"));
+    connect(view, &QMenu::aboutToShow, this, [this, view] {
+        // The docks and tool bars, also those of plug-ins.
+        const std::unique_ptr<QMenu> menu(createPopupMenu());
+        view->clear();
+        view->addActions(menu->actions());
+    });
+    add(menuBar()->addMenu(tr("&Tools")), tr("&Network diagnostics..."), tr("Ctrl+D"), this,
+        &MainWindow::showNetworkDialog);
+    menuBar()->addMenu(tr("&Help"))->addAction(tr("&About"), this, &MainWindow::showAbout);
+
+    QToolBar* const toolBar = addToolBar(tr("Tool bar"));
+    toolBar->setObjectName(QStringLiteral("toolBar"));
+    toolBar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    toolBar->addActions({create, open, save, _revertAction, finish});
+    createView({finish, setTarget});
+}
+
+void MainWindow::createView(const QList<QAction*>& actions)
+{
+    QFont font = _name->font();
+    font.setPointSize(2 * font.pointSize());
+    _name->setFont(font);
+    _name->setAlignment(Qt::AlignCenter);
+    _name->setTextFormat(Qt::PlainText);
+    setCentralWidget(new QWidget);
+    auto* layout = new QVBoxLayout(centralWidget());
+    layout->setSpacing(16);
+    layout->addStretch();
+    layout->addWidget(_name);
+    layout->addWidget(_counts);
+    for (QAction* action : actions) {
+        auto* button = new QToolButton;
+        button->setDefaultAction(action);
+        button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+        button->setFocusPolicy(Qt::StrongFocus);
+        layout->addWidget(button, 0, Qt::AlignCenter);
+    }
+    layout->addStretch();
 }
 
 void MainWindow::createDocks()
 {
     setDockOptions(AnimatedDocks | AllowNestedDocks);
-    auto* plugins = new PluginsDock;
-    addDockWidget(Qt::RightDockWidgetArea, plugins);
-    addDockWidget(Qt::RightDockWidgetArea, new ChannelsDock);
-    addDockWidget(Qt::BottomDockWidgetArea, _log);
-    resizeDocks({plugins}, {width() * 3 / 5}, Qt::Horizontal);
+    _channels = new ChannelsPanel;
+    auto* log = new EventLog;
+    connect(log, &EventLog::warningLogged, this, &MainWindow::showWarning);
+    QDockWidget* const plugins = addDock(Qt::RightDockWidgetArea, tr("Plug-ins"),
+                                         QStringLiteral("plugins"), new PluginsPanel);
+    addDock(Qt::RightDockWidgetArea, tr("Channels"), QStringLiteral("channels"), _channels);
+    addDock(Qt::BottomDockWidgetArea, tr("Event log"), QStringLiteral("eventLog"), log);
+    resizeDocks({plugins}, {width() / 2}, Qt::Horizontal);
 }
 
-void MainWindow::createMenus()
+QDockWidget* MainWindow::addDock(Qt::DockWidgetArea area, const QString& title, const QString& name,
+                                 QWidget* content)
 {
-    // Some desktops have no standard key for some of these actions.
-    const auto add = [this](QMenu* menu, const QString& text, QKeySequence::StandardKey standardKey,
-                            const QString& otherKey, QStyle::StandardPixmap icon, auto function) {
-        QAction* const action = menu->addAction(style()->standardIcon(icon), text);
-        action->setShortcuts(standardKey);
-        if (action->shortcuts().isEmpty())
-            action->setShortcut(otherKey);
-        connect(action, &QAction::triggered, this, function);
-        return action;
-    };
+    auto* dock = new QDockWidget(title);
+    dock->setObjectName(name);
+    dock->setWidget(content);
+    addDockWidget(area, dock);
+    dock->toggleViewAction()->setShortcut(tr("Ctrl+%1").arg(findChildren<QDockWidget*>().size()));
+    addAction(dock->toggleViewAction());
+    return dock;
+}
 
-    QMenu* const file = menuBar()->addMenu(tr("&File"));
-    QAction* const newAction = add(file, tr("&New"), QKeySequence::New, tr("Ctrl+N"),
-                                   QStyle::SP_FileIcon, &MainWindow::newFile);
-    QAction* const openAction = add(file, tr("&Open..."), QKeySequence::Open, tr("Ctrl+O"),
-                                    QStyle::SP_DialogOpenButton, &MainWindow::chooseFile);
-    _saveAction = add(file, tr("&Save"), QKeySequence::Save, tr("Ctrl+S"),
-                      QStyle::SP_DialogSaveButton, &MainWindow::save);
-    _saveAsAction = add(file, tr("Save &As..."), QKeySequence::SaveAs, tr("Ctrl+Shift+S"),
-                        QStyle::SP_DialogSaveButton, &MainWindow::saveAs);
-    _revertAction = add(file, tr("&Revert"), QKeySequence::Refresh, tr("F5"),
-                        QStyle::SP_BrowserReload, &MainWindow::revert);
-    _closeAction = add(file, tr("&Close"), QKeySequence::Close, tr("Ctrl+W"),
-                       QStyle::SP_DialogCloseButton, &MainWindow::closeFile);
-    file->addSeparator();
-    add(file, tr("&Quit"), QKeySequence::Quit, tr("Ctrl+Q"), QStyle::SP_TitleBarCloseButton,
-        &MainWindow::close);
-
-    _finishAction =
-        add(menuBar()->addMenu(tr("&Document")), tr("&Finish a piece"), QKeySequence::UnknownKey,
-            tr("Ctrl+Return"), QStyle::SP_DialogApplyButton, &MainWindow::finishPiece);
-
-    QMenu* const view = menuBar()->addMenu(tr("&View"));
-    int number = 0;
-    const QList<QDockWidget*> docks = findChildren<QDockWidget*>();
-    for (QDockWidget* dock : docks) {
-        dock->toggleViewAction()->setShortcut(tr("Ctrl+%1").arg(++number));
-        view->addAction(dock->toggleViewAction());
+void MainWindow::listRecentFiles(QMenu& menu)
+{
+    menu.clear();
+    const QStringList paths = Documents::recentFiles();
+    for (const QString& path : paths) {
+        const QString name = shortened(QDir::toNativeSeparators(path));
+        menu.addAction(QString(name).replace(QLatin1Char('&'), QLatin1String("&&")), this,
+                       [this, path] { _documents.open(path); });
     }
-
-    add(menuBar()->addMenu(tr("&Tools")), tr("&Network diagnostics..."), QKeySequence::UnknownKey,
-        tr("Ctrl+D"), QStyle::SP_DriveNetIcon, &MainWindow::showNetworkDialog);
-
-    QToolBar* const toolBar = addToolBar(tr("Tool bar"));
-    toolBar->setObjectName(QStringLiteral("toolBar"));
-    toolBar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    toolBar->addActions({newAction, openAction, _saveAction, _revertAction, _finishAction});
+    if (paths.isEmpty())
+        menu.addAction(tr("No documents"))->setEnabled(false);
 }
 
-void MainWindow::newFile()
+void MainWindow::showDocument(const Doc::Document* document)
 {
-    const QString path = untitledPath();
-    if (confirmClose() && !App::Application::instance().newDocument(path))
-        showError(tr("Cannot create %1").arg(path), openError(path));
-}
-
-void MainWindow::chooseFile()
-{
-    const QString path = QFileDialog::getOpenFileName(this, tr("Open"), QString(), fileFilter());
-    if (!path.isEmpty())
-        openFile(path);
-}
-
-bool MainWindow::save()
-{
-    // A new document has a path, but no file yet.
-    const QString path = App::Application::instance().activateDocument()->filePath();
-    return QFileInfo::exists(path) ? saveTo(path) : saveAs();
-}
-
-bool MainWindow::saveAs()
-{
-    QFileDialog dialog(this, tr("Save As"),
-                       App::Application::instance().activateDocument()->filePath(), fileFilter());
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setDefaultSuffix(QStringLiteral("ovdoc"));
-    return dialog.exec() == QDialog::Accepted && saveTo(dialog.selectedFiles().constFirst());
-}
-
-bool MainWindow::saveTo(const QString& path)
-{
-    Doc::Document* const document = App::Application::instance().activateDocument();
-    const QString previousPath = document->filePath();
-    document->setFilePath(path);
-    if (!document->save()) {
-        document->setFilePath(previousPath);
-        showError(tr("Cannot save %1").arg(path),
-                  tr("The document remains open with its unsaved changes."));
-        return false;
+    const QString path = document ? document->filePath() : QString();
+    setWindowFilePath(path);
+    setWindowModified(document && _documents.isModified());
+    _name->setText(document ? shortened(QFileInfo(path).fileName(), 40) : tr("No document"));
+    _name->setToolTip(toolTipFor(path));
+    _counts->setVisible(document);
+    if (document) {
+        const Laser::PrintCountParams counts = printCounts(*document);
+        // Counts are any integers, and an empty range would show that the program is busy.
+        const int target = std::max(counts.targetCount(), 1);
+        _counts->setRange(0, target);
+        _counts->setValue(std::clamp(counts.finishedCount(), 0, target));
+        _counts->setFormat(
+            tr("%1 of %2 finished").arg(counts.finishedCount()).arg(counts.targetCount()));
     }
-    // The library does the same when it opens a document.
-    Core::Settings::instance().setRunValue(documentKey, path);
-    Core::Settings::instance().setValue(documentKey, path);
-    showDocument(document, false);
-    return true;
+    for (QAction* action : std::as_const(_documentActions))
+        action->setEnabled(document);
+    _revertAction->setEnabled(document && _documents.hasFile());
 }
 
-void MainWindow::revert()
+void MainWindow::showWarning(const QString& text)
 {
-    App::Application& application = App::Application::instance();
-    const QString path = application.activateDocument()->filePath();
-    if (QMessageBox::warning(this, tr("Revert"),
-                             tr("The changes since %1 was saved will be lost.").arg(path),
-                             QMessageBox::Discard | QMessageBox::Cancel,
-                             QMessageBox::Cancel) != QMessageBox::Discard)
-        return;
-    auto saved = std::make_unique<Doc::Document>(new Doc::Storage);
-    if (saved->open(path))
-        application.setActivateDocument(saved.release());
-    else
-        showError(tr("Cannot open %1").arg(path), openError(path));
-}
-
-void MainWindow::closeFile()
-{
-    if (confirmClose())
-        App::Application::instance().closeDocument();
-}
-
-void MainWindow::finishPiece()
-{
-    App::Application& application = App::Application::instance();
-    Doc::Document* const document = application.activateDocument();
-    Doc::Transaction transaction(tr("Finish a piece"));
-    const QSharedPointer<Doc::DocObject> object = document->storage()->queryDocObjectDirect();
-    Laser::PrintCountParams counts = object->printCountData();
-    if (counts.finishedCount() < std::numeric_limits<int>::max())
-        counts.setFinishedCount(counts.finishedCount() + 1);
-    object->setPrintCountData(counts);
-
-    // The library does not watch documents: the code that changes one notifies the listeners.
-    application.notifyTransactionListeners(document, &transaction);
-    application.notifyPropertyListeners(document, true, counts.finishedCount());
-    application.notifyObjectListListener(document);
-    application.notifySelectionListeners(document);
-
-    constexpr int anyObjectType = -1;
-    application.postTransactionEvent(transaction, true, anyObjectType, _log);
-    application.postSelectionChangedEvent(_log);
-    const int boardType = Core::BoardEthDescHandler::instance()->currentBoardEthDescType();
-    QCoreApplication::postEvent(_log, new Core::SwitchScreenLayoutEvent(boardType));
+    _warning->setText(shortened(text, 60));
+    _warning->setToolTip(toolTipFor(text));
+    _warning->show();
 }
 
 void MainWindow::showNetworkDialog()
@@ -302,39 +238,11 @@ void MainWindow::showNetworkDialog()
     _networkDialog->activateWindow();
 }
 
-bool MainWindow::confirmClose()
+void MainWindow::showAbout()
 {
-    if (!isWindowModified())
-        return true;
-    const auto answer = QMessageBox::warning(
-        this, tr("Unsaved changes"), tr("%1 has unsaved changes.").arg(windowFilePath()),
-        QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Save);
-    return answer == QMessageBox::Discard || (answer == QMessageBox::Save && save());
-}
-
-void MainWindow::showDocument(const Doc::Document* document, bool isModified)
-{
-    setWindowFilePath(document ? document->filePath() : QString());
-    setWindowModified(isModified);
-    _view->showDocument(document);
-    if (document) {
-        const Laser::PrintCountParams counts =
-            document->storage()->queryDocObjectDirect()->printCountData();
-        _status->setText(tr("%1: %2 of %3 finished, %4")
-                             .arg(QFileInfo(document->filePath()).fileName(),
-                                  QString::number(counts.finishedCount()),
-                                  QString::number(counts.targetCount()),
-                                  isModified ? tr("unsaved changes") : tr("no unsaved changes")));
-    } else {
-        _status->setText(tr("No document"));
-    }
-    for (QAction* action : {_saveAction, _saveAsAction, _closeAction, _finishAction})
-        action->setEnabled(document);
-    _revertAction->setEnabled(isModified && QFileInfo::exists(windowFilePath()));
-}
-
-void MainWindow::showError(const QString& what, const QString& why)
-{
-    QMessageBox::critical(this, QCoreApplication::applicationName(),
-                          what + QLatin1String(": ") + why);
+    QMessageBox::about(this, tr("About"),
+                       tr("%1 %2\novapp %3\nQt %4")
+                           .arg(QGuiApplication::applicationDisplayName(),
+                                QCoreApplication::applicationVersion(),
+                                QStringLiteral(OVAPP_VERSION), QLatin1String(qVersion())));
 }

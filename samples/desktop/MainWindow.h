@@ -1,76 +1,55 @@
 #pragma once
 
-#include <app/ActiveDocumentListener.h>
-#include <app/CloseDocumentListener.h>
-#include <app/NewDocumentListener.h>
-#include <app/TransactionListener.h>
+#include "Documents.h"
 
 #include <QMainWindow>
 
-#include <memory>
-
-class ChannelsDock;
-class DocumentView;
-class EventLog;
+class ChannelsPanel;
 class NetworkDialog;
-class PluginsDock;
-class QAction;
 class QLabel;
+class QProgressBar;
+class QToolButton;
 
-/// The main window: menus, the document and the docks. It asks before unsaved changes are lost.
-class MainWindow : public QMainWindow,
-                   public App::ActiveDocumentListener,
-                   public App::CloseDocumentListener,
-                   public App::NewDocumentListener,
-                   public App::TransactionListener
+/// The main window: the menus, the active document, the docks and the status bar.
+class MainWindow : public QMainWindow
 {
     Q_OBJECT
 
 public:
     /// Construct it between `Application::init` and `Application::destruct`, and destroy it there.
     MainWindow();
-    ~MainWindow() override;
 
-    /// Opens a document; shows an error if that is not possible.
-    void openFile(const QString& path);
+    /// Restores the layout of the last session, when plug-ins have added their docks.
+    void restoreLayout();
 
-    void updateActiveDocumentListener(Doc::Document* document) override;
-    void updateCloseDocumentListener(Doc::Document* document) override;
-    void updateNewDocumentListener(Doc::Document* document) override;
-    void updateTransactionListener(Doc::Document* document, Doc::Transaction* transaction) override;
+    Documents& documents() { return _documents; }
+    ChannelsPanel& channels() { return *_channels; }
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
 
 private:
-    void createDocks();
     void createMenus();
+    void createView(const QList<QAction*>& actions);
+    void createDocks();
+    QDockWidget* addDock(Qt::DockWidgetArea area, const QString& title, const QString& name,
+                         QWidget* content);
+    void listRecentFiles(QMenu& menu);
 
-    void newFile();
-    void chooseFile();
-    bool save();
-    bool saveAs();
-    void revert();
-    void closeFile();
-    void finishPiece();
+    void showDocument(const Doc::Document* document);
+    void showWarning(const QString& text);
     void showNetworkDialog();
+    void showAbout();
 
-    /// Returns whether the active document may be closed; asks if it has unsaved changes.
-    bool confirmClose();
-    bool saveTo(const QString& path);
-    /// Shows a document, or if it is null, that there is none.
-    void showDocument(const Doc::Document* document, bool isModified);
-    void showError(const QString& what, const QString& why);
-
-    QAction* _saveAction;
-    QAction* _saveAsAction;
+    Documents _documents;
     QAction* _revertAction;
-    QAction* _closeAction;
-    QAction* _finishAction;
-    DocumentView* _view;
-    QLabel* _status;
-    EventLog* _log;
-    NetworkDialog* _networkDialog;
-    /// The document that was closed last.
-    std::unique_ptr<Doc::Document> _p_closedDocument;
+    /// The other actions that need a document.
+    QList<QAction*> _documentActions;
+    QLabel* _name;
+    QProgressBar* _counts;
+    ChannelsPanel* _channels;
+    QToolButton* _warning;
+    NetworkDialog* _networkDialog = nullptr;
 };

@@ -2,68 +2,65 @@
 
 #include <system/ProcessInterrupt.h>
 
+#include <QDialogButtonBox>
 #include <QFontDatabase>
-#include <QHBoxLayout>
-#include <QLabel>
+#include <QFormLayout>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRegularExpression>
-#include <QScrollBar>
-#include <QVBoxLayout>
 
 NetworkDialog::NetworkDialog(QWidget* parent)
     : QDialog(parent), _host(new QLineEdit(QStringLiteral("localhost"))),
-      _pingButton(new QPushButton(tr("&Ping"))), _traceButton(new QPushButton(tr("&Traceroute"))),
-      _stopButton(new QPushButton(tr("&Stop"))), _output(new QPlainTextEdit)
+      _output(new QPlainTextEdit)
 {
+    constexpr int maximumLines = 5000;
     setWindowTitle(tr("Network diagnostics"));
     resize(640, 360);
-    auto* label = new QLabel(tr("&Host:"));
-    label->setBuddy(_host);
     _output->setReadOnly(true);
     _output->setTabChangesFocus(true);
+    _output->setMaximumBlockCount(maximumLines);
     _output->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     _output->setPlaceholderText(tr("The output of the tool"));
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
+    auto* pingButton = buttons->addButton(tr("&Ping"), QDialogButtonBox::ActionRole);
+    auto* traceButton = buttons->addButton(tr("&Traceroute"), QDialogButtonBox::ActionRole);
+    _stopButton = buttons->addButton(tr("&Stop"), QDialogButtonBox::ActionRole);
     _stopButton->setEnabled(false);
+    auto* layout = new QFormLayout(this);
+    layout->addRow(tr("&Host:"), _host);
+    layout->addRow(_output);
+    layout->addRow(buttons);
+    pingButton->setDefault(true);
 
-    auto* layout = new QVBoxLayout(this);
-    auto* controls = new QHBoxLayout;
-    layout->addLayout(controls);
-    layout->addWidget(_output);
-    for (QWidget* widget : {static_cast<QWidget*>(label), static_cast<QWidget*>(_host),
-                            static_cast<QWidget*>(_pingButton), static_cast<QWidget*>(_traceButton),
-                            static_cast<QWidget*>(_stopButton)})
-        controls->addWidget(widget);
-
-    connect(_pingButton, &QPushButton::clicked, this, &NetworkDialog::ping);
-    connect(_traceButton, &QPushButton::clicked, this, &NetworkDialog::trace);
+    connect(pingButton, &QPushButton::clicked, this, &NetworkDialog::ping);
+    connect(traceButton, &QPushButton::clicked, this, &NetworkDialog::trace);
     connect(_stopButton, &QPushButton::clicked, this, &NetworkDialog::stop);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(this, &QDialog::finished, this, &NetworkDialog::stop);
 
     // No limit: a run lasts until it is stopped.
     _ping.setCount(0);
     _ping.setProcessChannelMode(QProcess::MergedChannels);
     connect(&_ping, &QProcess::readyReadStandardOutput, this, [this] {
-        _pingReport += _ping.readAllStandardOutput();
-        showReport(_pingReport);
+        while (_ping.canReadLine())
+            showLine(_ping.readLine());
     });
-    connect(&_ping, &QProcess::stateChanged, this, [this](QProcess::ProcessState state) {
-        if (state == QProcess::NotRunning)
-            endRun();
-    });
+    connect(&_ping, &QProcess::stateChanged, this, &NetworkDialog::updateStopButton);
     connect(&_ping, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
         if (error == QProcess::FailedToStart)
-            _output->setPlainText(tr("ping: %1").arg(_ping.errorString()));
+            showMissing(QStringLiteral("ping"), QStringLiteral("iputils-ping"));
     });
-    // A tool that was stopped may still print something.
     connect(&_traceroute, &TracerouteProcess::readyReadStandardOutput, this, [this] {
-        if (_isTracing)
-            showReport(_traceroute.readAllStandardOutput());
+        // The whole report. Its last line may be incomplete.
+        const QList<QByteArray> lines = _traceroute.readAllStandardOutput().split('\n');
+        while (_traceLines < lines.size() - 1)
+            showLine(lines.at(_traceLines++));
     });
+    // Emitted seven seconds after the last output. The next run can start before.
     connect(&_traceroute, &TracerouteProcess::finished, this, [this] {
-        if (_isTracing)
-            endRun();
+        _traceProcessId = 0;
+        updateStopButton();
     });
 }
 
@@ -75,65 +72,63 @@ NetworkDialog::~NetworkDialog()
 
 void NetworkDialog::ping()
 {
-    const QString host = startRun();
+    const QString host = startRun(QStringLiteral("ping"));
     if (!host.isEmpty())
         _ping.doPing(host);
 }
 
 void NetworkDialog::trace()
 {
-    const QString host = startRun();
+    const QString host = startRun(QStringLiteral("traceroute"));
     if (host.isEmpty())
         return;
-    _isTracing = true;
     _traceroute.doTraceroute(host);
-    if (_traceroute.toolProcessId() == 0) {
-        _output->setPlainText(tr("The traceroute tool cannot be started."));
-        endRun();
-    }
+    _traceProcessId = _traceroute.toolProcessId();
+    updateStopButton();
+    if (_traceProcessId == 0)
+        showMissing(QStringLiteral("traceroute"), QStringLiteral("traceroute"));
 }
 
 void NetworkDialog::stop()
 {
-    if (_ping.state() != QProcess::NotRunning) {
-        // The tool prints its summary when it is interrupted. On Windows it cannot be.
-        if (!System::interruptProcess(_ping.processId()))
-            _ping.kill();
-    } else if (_isTracing) {
-        System::interruptProcess(_traceroute.toolProcessId());
-        endRun();
-    }
+    // The tool prints its summary when it is interrupted. On Windows it cannot be.
+    if (!System::interruptProcess(_ping.processId()))
+        _ping.kill();
+    System::interruptProcess(_traceProcessId);
+    _traceProcessId = 0;
+    updateStopButton();
 }
 
-QString NetworkDialog::startRun()
+void NetworkDialog::updateStopButton()
+{
+    _stopButton->setEnabled(_traceProcessId != 0 || _ping.state() != QProcess::NotRunning);
+}
+
+QString NetworkDialog::startRun(const QString& tool)
 {
     // The library passes the text on unchanged, and the tools would take it for options or for
     // several hosts.
-    QString host = _host->text().trimmed();
+    const QString host = _host->text().trimmed();
     const QRegularExpression pattern(QStringLiteral("\\A[^-/\\s\\p{Cc}][^\\s\\p{Cc}]*\\z"));
     if (!pattern.match(host).hasMatch()) {
-        _output->setPlainText(tr("\"%1\" is not a host name or an address.").arg(host));
+        _output->appendPlainText(tr("\"%1\" is not a host name or an address.").arg(host));
         return QString();
     }
-    _output->clear();
-    _pingReport.clear();
-    _pingButton->setEnabled(false);
-    _traceButton->setEnabled(false);
-    _stopButton->setEnabled(true);
-    _stopButton->setFocus();
+    stop();
+    _ping.kill();
+    _ping.waitForFinished();
+    _traceLines = 0;
+    _output->appendPlainText(QStringLiteral("> %1 %2").arg(tool, host));
     return host;
 }
 
-void NetworkDialog::endRun()
+void NetworkDialog::showMissing(const QString& tool, const QString& package)
 {
-    _isTracing = false;
-    _pingButton->setEnabled(true);
-    _traceButton->setEnabled(true);
-    _stopButton->setEnabled(false);
+    _output->appendPlainText(tr("%1 cannot be started. On Debian, install %2.").arg(tool, package));
 }
 
-void NetworkDialog::showReport(const QByteArray& report)
+void NetworkDialog::showLine(const QByteArray& line)
 {
-    _output->setPlainText(QString::fromLocal8Bit(report));
-    _output->verticalScrollBar()->setValue(_output->verticalScrollBar()->maximum());
+    static const QRegularExpression end(QStringLiteral("[\r\n]+\\z"));
+    _output->appendPlainText(QString::fromLocal8Bit(line).remove(end));
 }

@@ -23,19 +23,19 @@ private:
     void ping();
     void trace();
     void stop();
-    /// Returns the host that the user has typed, and prepares the dialog for a run. If the text is
-    /// not a host, shows an error and returns an empty string.
-    QString startRun();
-    void endRun();
-    void showReport(const QByteArray& report);
+    /// Stops the previous run. Returns the host that the user has typed; empty if it is not valid.
+    QString startRun(const QString& tool);
+    void updateStopButton();
+    void showMissing(const QString& tool, const QString& package);
+    void showLine(const QByteArray& line);
 
     QLineEdit* _host;
-    QPushButton* _pingButton;
-    QPushButton* _traceButton;
-    QPushButton* _stopButton;
     QPlainTextEdit* _output;
+    QPushButton* _stopButton;
     PingProcess _ping;
-    QByteArray _pingReport;
     TracerouteProcess _traceroute;
-    bool _isTracing = false;
+    /// The process of the traceroute tool; 0 if it cannot be stopped any more.
+    qint64 _traceProcessId = 0;
+    /// The number of lines of the traceroute report that are shown.
+    int _traceLines = 0;
 };

@@ -1,55 +1,46 @@
 #include "Program.h"
 
+#include "ChannelsPanel.h"
 #include "MainWindow.h"
+#include "Messages.h"
+#include "PluginChoice.h"
 
 #include <app/Application.h>
 #include <ovcore/ConsoleSingleton.h>
 #include <ovcore/Settings.h>
 #include <plugins/PluginLoader.h>
-#include <registries/CommInfoRegistry.h>
 
 #include <QApplication>
 #include <QDir>
-#include <QFileInfo>
-#include <QPainter>
 #include <QSplashScreen>
 
 namespace {
 
-QPixmap splashImage()
+void loadPlugins(const QString& applicationDir)
 {
-    const QPalette palette = QApplication::palette();
-    QPixmap image(420, 140);
-    image.fill(palette.color(QPalette::Highlight));
-    QPainter painter(&image);
-    QFont font = QApplication::font();
-    font.setPointSize(2 * font.pointSize());
-    painter.setFont(font);
-    painter.setPen(palette.color(QPalette::HighlightedText));
-    painter.drawText(image.rect(), Qt::AlignCenter, QCoreApplication::applicationName());
-    return image;
-}
-
-void loadPlugins(QSplashScreen& splash)
-{
-    App::PluginLoader::setProgressHandler([&splash](const QString& file, int index, int count) {
-        splash.showMessage(
-            QSplashScreen::tr("Loading plug-in %1 of %2: ").arg(index + 1).arg(count) +
-                QFileInfo(file).fileName(),
-            Qt::AlignHCenter | Qt::AlignBottom,
-            QApplication::palette().color(QPalette::HighlightedText));
-        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    using App::PluginLoader;
+    PluginChoice choice(applicationDir);
+    QSplashScreen splash(QApplication::windowIcon().pixmap(256));
+    splash.show();
+    PluginLoader::setFileFilter([](const QString& file) {
+        return PluginChoice::isLeftOut(file) ? QSplashScreen::tr("the user has left it out")
+                                             : QString();
     });
-    App::PluginLoader::initPluginIDValue();
-    App::PluginLoader::loadPlugins(true);
-    App::PluginLoader::setProgressHandler({});
-    App::Application::instance().notifyPluginStateChangeListener(App::PluginLoader::pluginCount());
+    PluginLoader::setStepHandler([&](const QString& file, PluginLoader::Step) {
+        choice.setStarting(file);
+        splash.showMessage(QFileInfo(file).fileName(), Qt::AlignHCenter | Qt::AlignBottom,
+                           Qt::white);
+    });
+    PluginLoader::initPluginIDValue();
+    PluginLoader::loadPlugins(true);
+    PluginLoader::setStepHandler({});
 }
 
 /// Deletes the objects passed to `deleteLater`, since the event loop no longer runs.
 void deleteDeferredObjects()
 {
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    guarded(nullptr, QObject::tr("A plug-in failed when its objects were deleted"),
+            [] { QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); });
 }
 
 } // namespace
@@ -64,30 +55,32 @@ Program::Program(const QString& applicationDir, const QString& pluginDir)
     // Before the plug-ins are loaded, so that its listeners are notified of everything they do.
     _window = std::make_unique<MainWindow>();
     if (!isWritable) {
-        Core::ConsoleSingleton::instance().warning(
-            "Program::Program: settings will be lost: cannot write to %s",
-            applicationDir.toLocal8Bit().constData());
+        Core::ConsoleSingleton::instance().warning("Settings will be lost: cannot write to %s",
+                                                   applicationDir.toLocal8Bit().constData());
     }
-
-    QSplashScreen splash(splashImage());
-    splash.show();
-    loadPlugins(splash);
+    loadPlugins(applicationDir);
+    _window->restoreLayout();
     _window->show();
-    App::Application::instance().doAppStartFinished();
+    guarded(_window.get(), QObject::tr("A plug-in failed at the end of the start"), [] {
+        App::Application& application = App::Application::instance();
+        application.notifyPluginStateChangeListener(App::PluginLoader::pluginCount());
+        application.doAppStartFinished();
+    });
 }
 
 Program::~Program()
 {
     // Closes the windows of plug-ins. The main window has already asked about unsaved changes.
     _window->hide();
-    QApplication::closeAllWindows();
+    guarded(nullptr, QObject::tr("A window of a plug-in failed when it was closed"),
+            &QApplication::closeAllWindows);
     deleteDeferredObjects();
 
-    App::CommInfoRegistry::instance()->stop();
+    _window->channels().stop();
     App::PluginLoader::unloadPlugins();
     deleteDeferredObjects();
 
-    // The window owns the closed document, and removes its listeners, which requires the library.
+    // The window owns the closed document, and its listeners are removed: both need the library.
     App::Application::instance().closeDocument();
     _window.reset();
     App::Application::destruct();

@@ -1,18 +1,24 @@
 #include "MainWindow.h"
 #include "Program.h"
 
-#include <ovcore/Version.h>
-
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
 #include <QStandardPaths>
 
+#include <cstdio>
+
 int main(int argc, char** argv)
 {
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+#endif
     QApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("ovapp-desktop"));
-    QCoreApplication::setApplicationVersion(QString::fromUtf8(Core::Version::versionString()));
+    QCoreApplication::setApplicationVersion(QStringLiteral(DESKTOP_VERSION));
+    QGuiApplication::setApplicationDisplayName(QStringLiteral("ovapp desktop"));
+    QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/icon.png")));
 
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("A desktop program on the library ovapp."));
@@ -33,10 +39,15 @@ int main(int argc, char** argv)
         QStringLiteral("DIR"), QStandardPaths::writableLocation(QStandardPaths::AppDataLocation));
     parser.addOptions({pluginDir, applicationDir});
     parser.process(application);
+    const QStringList files = parser.positionalArguments();
+    if (files.size() > 1) {
+        std::fprintf(stderr, "ovapp-desktop: unexpected argument '%s'\n",
+                     files.at(1).toLocal8Bit().constData());
+        return 2;
+    }
 
     Program program(parser.value(applicationDir), parser.value(pluginDir));
-    const QStringList files = parser.positionalArguments();
     if (!files.isEmpty())
-        program.window().openFile(files.constFirst());
+        program.window().documents().open(files.constFirst());
     return QApplication::exec();
 }
