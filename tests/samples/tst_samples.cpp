@@ -1,4 +1,5 @@
 #include <support/Host.h>
+#include <support/Listener.h>
 #include <support/SampleSession.h>
 
 #include <ovdoc/Document.h>
@@ -11,6 +12,7 @@
 
 #include <ctime>
 #include <memory>
+#include <stdexcept>
 
 #ifdef Q_OS_UNIX
 #include <sys/resource.h>
@@ -115,15 +117,29 @@ private Q_SLOTS:
         QVERIFY(answers(*connected(), "", 2).value(0).contains("too many clients"));
 
         QTcpSocket& client = *clients.back();
-        QByteArrayList lines = answers(client, "status\r\nSTATUS\n", 2);
+        QByteArrayList lines = answers(client, "status\r\nSTATUS\nfinish\n", 3);
         QCOMPARE(lines.value(0), QByteArray(R"({"document":null,"finished":0,"target":0})"));
         QVERIFY(lines.value(1).contains("error"));
+        QVERIFY(lines.value(2).contains("error"));
         const QString path = samples.write(
             "piece.ovdoc"_s,
             R"({"format": "ovdoc", "version": 1, "printCount": {"finished": 3, "target": 8}})");
         const std::unique_ptr<Doc::Document> document(samples.application().openDocument(path));
-        const QString status = R"({"document":"%1","finished":3,"target":8})"_s.arg(path);
-        QCOMPARE(answers(client, "status\n", 1), QByteArrayList{status.toUtf8()});
+        const QString status = R"({"document":"%1","finished":%2,"target":8})"_s.arg(path);
+        QCOMPARE(answers(client, "status\n", 1), QByteArrayList{status.arg(3).toUtf8()});
+        QStringList calls;
+        Listener listener([&calls](const QString& call) {
+            calls += call;
+            if (calls.size() == 3)
+                throw std::runtime_error("the third call fails");
+        });
+        samples.application().addTransactionListener(&listener);
+        samples.application().addPropertyListener(&listener);
+        for (int finished : {4, 5})
+            QCOMPARE(answers(client, "finish\n", 1), QByteArrayList{status.arg(finished).toUtf8()});
+        QCOMPARE(calls, QStringList({"transaction %1 Finish a piece"_s.arg(path),
+                                     "property %1 1 4"_s.arg(path),
+                                     "transaction %1 Finish a piece"_s.arg(path)}));
 
         App::CommInfoRegistry::instance()->stop();
         QTRY_COMPARE(client.state(), QTcpSocket::UnconnectedState);

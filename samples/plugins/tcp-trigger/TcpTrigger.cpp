@@ -28,5 +28,6 @@ App::PluginInfo TcpTrigger::pluginInfo() const
 {
     App::PluginInfo info;
     info.set(QStringLiteral("Name"), QStringLiteral("TCP trigger"));
+    info.set(QStringLiteral("Version"), QStringLiteral("1.0"));
     return info;
 }

@@ -5,6 +5,7 @@
 #include <ovdoc/DocObject.h>
 #include <ovdoc/Document.h>
 #include <ovdoc/Storage.h>
+#include <ovdoc/Transaction.h>
 #include <plugins/PluginBaseSettings.h>
 
 #include <QFile>
@@ -16,7 +17,9 @@
 #include <QTcpSocket>
 #include <QTimer>
 
+#include <exception>
 #include <functional>
+#include <limits>
 
 namespace {
 
@@ -51,6 +54,42 @@ QByteArray status()
     return line({{QStringLiteral("document"), document->filePath()},
                  {QStringLiteral("finished"), counts.finishedCount()},
                  {QStringLiteral("target"), counts.targetCount()}});
+}
+
+/// Counts a piece in the active document, as the program does when the user finishes one.
+QByteArray finish()
+{
+    App::Application& application = App::Application::instance();
+    Doc::Document* const document = application.activateDocument();
+    if (!document)
+        return error("no document is open");
+    const QSharedPointer<Doc::DocObject> object = document->storage()->queryDocObjectDirect();
+    Laser::PrintCountParams counts = object->printCountData();
+    if (counts.finishedCount() == std::numeric_limits<int>::max())
+        return error("the count is at its limit");
+    counts.setFinishedCount(counts.finishedCount() + 1);
+    object->setPrintCountData(counts);
+    // An exception of a listener must not reach the event loop.
+    try {
+        Doc::Transaction transaction(QStringLiteral("Finish a piece"));
+        application.notifyTransactionListeners(document, &transaction);
+        application.notifyPropertyListeners(document, true, counts.finishedCount());
+        constexpr int anyObjectType = -1;
+        application.postTransactionEvent(transaction, true, anyObjectType, nullptr);
+    } catch (const std::exception& exception) {
+        Core::ConsoleSingleton::instance().warning("TriggerChannel: a listener failed: %s",
+                                                   exception.what());
+    }
+    return status();
+}
+
+QByteArray answerTo(const QByteArray& request)
+{
+    if (request == "status")
+        return status();
+    if (request == "finish")
+        return finish();
+    return error("unknown request; expected 'status' or 'finish'");
 }
 
 /// Passes each accepted client, a child of the server, to a function. It does not call
@@ -174,7 +213,7 @@ void TriggerChannel::answerLines(QTcpSocket* client)
             rejectClient(client, error("the line is too long"));
             return;
         }
-        client->write(request == "status" ? status() : error("unknown request; expected 'status'"));
+        client->write(answerTo(request));
         // The backlog is the data that the system's send buffer does not take.
         client->flush();
         if (client->bytesToWrite() > maximumBacklog) {

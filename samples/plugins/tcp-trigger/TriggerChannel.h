@@ -11,9 +11,10 @@ class QTcpSocket;
 /// A TCP server on the loopback address that answers requests about the active document. The port
 /// is the value "Server/port" of the plug-in's settings: 27180 by default, 0 for any free port.
 ///
-/// The only request is the line `status`. The answer is one line of JSON: {"document": path or
-/// null, "finished": number, "target": number}. The answer to any other line is {"error": text}.
-/// Lines end with a line feed, optionally after a carriage return. When a client shuts down its
+/// The request `finish` counts a piece in the active document and notifies the listeners; `status`
+/// changes nothing. The answer to both is one line of JSON: {"document": path or null, "finished":
+/// number, "target": number}. The answer to any other line, and to `finish` without a document, is
+/// {"error": text}. Lines end with a line feed, optionally after a carriage return. When a client shuts down its
 /// sending side, the server answers the remaining requests and closes the connection.
 class TriggerChannel : public App::CommInfo
 {
