@@ -50,37 +50,32 @@ ChannelsPanel::ChannelsPanel() : _list(new QTreeWidget)
 
 void ChannelsPanel::start()
 {
-    callAll(tr("Cannot start the channel %1"), tr("started"),
-            [](App::CommInfo& channel) { channel.start(); });
+    callAll(tr("Cannot start the channel %1"), tr("started"), &App::CommInfo::start);
 }
 
 void ChannelsPanel::stop()
 {
-    callAll(tr("Cannot stop the channel %1"), tr("stopped"),
-            [](App::CommInfo& channel) { channel.stop(); });
+    callAll(tr("Cannot stop the channel %1"), tr("stopped"), &App::CommInfo::stop);
 }
 
 void ChannelsPanel::updatePluginStateListener(int)
 {
-    callAll(tr("Cannot use the channel %1"), tr("not started"), [](App::CommInfo&) {});
+    callAll(QString(), tr("not started"), nullptr);
 }
 
 void ChannelsPanel::callAll(const QString& failure, const QString& state,
-                            void (*function)(App::CommInfo&))
+                            void (App::CommInfo::*function)())
 {
-    App::CommInfoRegistry& registry = *App::CommInfoRegistry::instance();
-    QList<App::CommInfo*> channels;
-    for (int i = 0; i < registry.count(); ++i)
-        channels += registry.infoAt(i);
     _list->clear();
-    for (App::CommInfo* channel : std::as_const(channels)) {
-        // A plug-in may remove its channel at any time.
-        if (!registry.contains(channel))
-            continue;
+    App::CommInfoRegistry& registry = *App::CommInfoRegistry::instance();
+    for (int i = 0; i < registry.count(); ++i) {
+        App::CommInfo* const channel = registry.infoAt(i);
         // A channel does not return whether it has started: it logs a warning if it has not.
         const LastWarning warning;
-        const QString name = channel->name();
-        guarded(this, failure.arg(name), [&] { function(*channel); });
+        QString name;
+        guarded(this, tr("A channel has no name"), [&] { name = channel->name(); });
+        if (function)
+            guarded(this, failure.arg(name), [&] { (channel->*function)(); });
         auto* row = new QTreeWidgetItem(
             _list, {name, warning.text.isEmpty() ? state : tr("failed: ") + warning.text});
         row->setToolTip(1, toolTipFor(row->text(1)));

@@ -22,7 +22,7 @@ public:
 
 private:
     /// Calls a function for every channel and shows the result.
-    void callAll(const QString& failure, const QString& state, void (*function)(App::CommInfo&));
+    void callAll(const QString& failure, const QString& state, void (App::CommInfo::*function)());
 
     QTreeWidget* _list;
 };

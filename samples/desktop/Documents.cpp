@@ -19,7 +19,6 @@ namespace {
 const QString documentKey = QStringLiteral("File/Document");
 const QString recentKey = QStringLiteral("File/recent");
 constexpr char fileFilter[] = QT_TRANSLATE_NOOP("Documents", "Documents (*.ovdoc);;All files (*)");
-constexpr int maximumRecentFiles = 8;
 constexpr int maximumCount = std::numeric_limits<int>::max();
 
 Doc::Document* activeDocument()
@@ -36,14 +35,6 @@ QString activePath()
 QString activeName()
 {
     return shortened(QFileInfo(activePath()).fileName());
-}
-
-QString untitledPath()
-{
-    QString path = QDir::home().filePath(QStringLiteral("untitled.ovdoc"));
-    for (int number = 2; QFileInfo::exists(path); ++number)
-        path = QDir::home().filePath(QStringLiteral("untitled-%1.ovdoc").arg(number));
-    return path;
 }
 
 } // namespace
@@ -77,8 +68,11 @@ QStringList Documents::recentFiles()
 void Documents::create()
 {
     // It is saved with "Save As", which asks before it overwrites a file.
+    QString path = QDir::home().filePath(QStringLiteral("untitled.ovdoc"));
+    for (int number = 2; QFileInfo::exists(path); ++number)
+        path = QDir::home().filePath(QStringLiteral("untitled-%1.ovdoc").arg(number));
     if (confirmClose())
-        load(untitledPath(), &App::Application::newDocument);
+        load(path, &App::Application::newDocument);
 }
 
 void Documents::choose()
@@ -94,7 +88,7 @@ void Documents::open(const QString& path)
     if (QFileInfo(path).absoluteFilePath() != activePath()) {
         if (confirmClose())
             load(path, &App::Application::openDocument);
-    } else if (fileStamp(path) != _stamp) {
+    } else if (fileStamp(activePath()) != _stamp) {
         // The library keeps the document that is open, but the file has changed.
         revert();
     }
@@ -256,8 +250,7 @@ void Documents::setUnmodified(const Doc::Document* document)
         QStringList files = recentFiles();
         files.removeAll(activePath());
         files.prepend(activePath());
-        Core::Settings::instance().setValue(recentKey,
-                                            QStringList(files.mid(0, maximumRecentFiles)));
+        Core::Settings::instance().setValue(recentKey, QStringList(files.mid(0, 8)));
     }
     Q_EMIT changed(document);
 }

@@ -34,11 +34,10 @@ public:
     /// `window` is the parent of the dialogs.
     explicit Documents(QWidget* window);
 
-    /// Returns whether the document has unsaved changes.
     bool isModified() const { return _isModified; }
     /// Returns whether the document was loaded from a file or has been saved once.
     bool hasFile() const { return !_stamp.isEmpty(); }
-    /// Returns the paths of the documents that were opened or saved last, latest first.
+    /// Returns the documents that were opened or saved last, latest first.
     static QStringList recentFiles();
 
     void create();

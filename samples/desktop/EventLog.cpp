@@ -14,7 +14,6 @@
 #include <QFileInfo>
 #include <QFontDatabase>
 #include <QMenu>
-#include <QScrollBar>
 #include <QTime>
 
 #include <memory>
@@ -27,13 +26,6 @@ EventLog::EventLog()
     setLineWrapMode(QPlainTextEdit::NoWrap);
     setMaximumBlockCount(maximumLines);
     setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
-    // Follows the log while the last line is visible.
-    QScrollBar* const bar = verticalScrollBar();
-    connect(bar, &QScrollBar::rangeChanged, bar, [bar, previous = 0](int, int maximum) mutable {
-        if (bar->value() >= previous)
-            bar->setValue(maximum);
-        previous = maximum;
-    });
 
     App::Application& application = App::Application::instance();
     application.addActiveDocumentListener(this);
@@ -89,16 +81,9 @@ void EventLog::append(const char* source, const QString& description, bool isWar
     const QString line = QTime::currentTime().toString(QStringLiteral("hh:mm:ss.zzz ")) +
                          QChar(isWarning ? 0x26a0 : ' ') + // the warning sign
                          QStringLiteral(" %1 ").arg(QLatin1String(source), -16) + description;
-    QTextCharFormat format;
-    if (isWarning) {
-        format.setBackground(QColor(warningColor));
-        format.setForeground(Qt::black);
-    }
-    QTextCursor end(document());
-    end.movePosition(QTextCursor::End);
-    if (!document()->isEmpty())
-        end.insertBlock();
-    end.insertText(line, format);
+    const QString colours = QStringLiteral("background: %1; color: black").arg(warningColor);
+    appendHtml(QStringLiteral("<span style='white-space: pre; %1'>%2</span>")
+                   .arg(isWarning ? colours : QString(), line.toHtmlEscaped()));
 }
 
 void EventLog::append(const char* source, const Doc::Document* document)

@@ -90,39 +90,37 @@ void MainWindow::createMenus()
     const auto add = [this](QMenu* menu, const QString& text, const QString& key, auto receiver,
                             auto function, const char* themeIcon = "",
                             QStyle::StandardPixmap icon = QStyle::SP_CustomBase) {
-        QAction* const action = menu->addAction(
+        auto* action = menu->addAction(
             QIcon::fromTheme(QLatin1String(themeIcon), style()->standardIcon(icon)), text);
         action->setShortcut(key);
         connect(action, &QAction::triggered, receiver, function);
         return action;
     };
     Documents* const documents = &_documents;
-    QMenu* const file = menuBar()->addMenu(tr("&File"));
-    QAction* const create = add(file, tr("&New"), tr("Ctrl+N"), documents, &Documents::create,
-                                "document-new", QStyle::SP_FileIcon);
-    QAction* const open = add(file, tr("&Open..."), tr("Ctrl+O"), documents, &Documents::choose,
-                              "document-open", QStyle::SP_DialogOpenButton);
-    QMenu* const recent = file->addMenu(tr("Open &Recent"));
+    auto* file = menuBar()->addMenu(tr("&File"));
+    auto* create = add(file, tr("&New"), tr("Ctrl+N"), documents, &Documents::create,
+                       "document-new", QStyle::SP_FileIcon);
+    auto* open = add(file, tr("&Open..."), tr("Ctrl+O"), documents, &Documents::choose,
+                     "document-open", QStyle::SP_DialogOpenButton);
+    auto* recent = file->addMenu(tr("Open &Recent"));
     connect(recent, &QMenu::aboutToShow, this, [this, recent] { listRecentFiles(*recent); });
-    QAction* const save = add(file, tr("&Save"), tr("Ctrl+S"), documents, &Documents::save,
-                              "document-save", QStyle::SP_DialogSaveButton);
-    QAction* const saveAs =
-        add(file, tr("Save &As..."), tr("Ctrl+Shift+S"), documents, &Documents::saveAs);
+    auto* save = add(file, tr("&Save"), tr("Ctrl+S"), documents, &Documents::save, "document-save",
+                     QStyle::SP_DialogSaveButton);
+    auto* saveAs = add(file, tr("Save &As..."), tr("Ctrl+Shift+S"), documents, &Documents::saveAs);
     _revertAction = add(file, tr("Re&vert"), tr("F5"), documents, &Documents::revert,
                         "document-revert", QStyle::SP_BrowserReload);
-    QAction* const close = add(file, tr("&Close"), tr("Ctrl+W"), documents, &Documents::close);
+    auto* close = add(file, tr("&Close"), tr("Ctrl+W"), documents, &Documents::close);
     file->addSeparator();
     add(file, tr("&Quit"), tr("Ctrl+Q"), this, &MainWindow::close);
 
-    QMenu* const document = menuBar()->addMenu(tr("&Document"));
-    QAction* const finish =
-        add(document, tr("&Finish a piece"), tr("Ctrl+Return"), documents, &Documents::finishPiece,
-            "dialog-ok-apply", QStyle::SP_DialogApplyButton);
-    QAction* const setTarget =
+    auto* document = menuBar()->addMenu(tr("&Document"));
+    auto* finish = add(document, tr("&Finish a piece"), tr("Ctrl+Return"), documents,
+                       &Documents::finishPiece, "dialog-ok-apply", QStyle::SP_DialogApplyButton);
+    auto* setTarget =
         add(document, tr("Set &target..."), tr("Ctrl+T"), documents, &Documents::setTarget);
     _documentActions = {save, saveAs, close, finish, setTarget};
 
-    QMenu* const view = menuBar()->addMenu(tr("&View"));
+    auto* view = menuBar()->addMenu(tr("&View"));
     connect(view, &QMenu::aboutToShow, this, [this, view] {
         // The docks and tool bars, also those of plug-ins.
         const std::unique_ptr<QMenu> menu(createPopupMenu());
@@ -133,7 +131,7 @@ void MainWindow::createMenus()
         &MainWindow::showNetworkDialog);
     menuBar()->addMenu(tr("&Help"))->addAction(tr("&About"), this, &MainWindow::showAbout);
 
-    QToolBar* const toolBar = addToolBar(tr("Tool bar"));
+    auto* toolBar = addToolBar(tr("Tool bar"));
     toolBar->setObjectName(QStringLiteral("toolBar"));
     toolBar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     toolBar->addActions({create, open, save, _revertAction, finish});
@@ -142,14 +140,11 @@ void MainWindow::createMenus()
 
 void MainWindow::createView(const QList<QAction*>& actions)
 {
-    QFont font = _name->font();
-    font.setPointSize(2 * font.pointSize());
-    _name->setFont(font);
+    _name->setStyleSheet(QStringLiteral("font-size: 20pt"));
     _name->setAlignment(Qt::AlignCenter);
     _name->setTextFormat(Qt::PlainText);
     setCentralWidget(new QWidget);
     auto* layout = new QVBoxLayout(centralWidget());
-    layout->setSpacing(16);
     layout->addStretch();
     layout->addWidget(_name);
     layout->addWidget(_counts);
@@ -165,12 +160,15 @@ void MainWindow::createView(const QList<QAction*>& actions)
 
 void MainWindow::createDocks()
 {
-    setDockOptions(AnimatedDocks | AllowNestedDocks);
     _channels = new ChannelsPanel;
     auto* log = new EventLog;
-    connect(log, &EventLog::warningLogged, this, &MainWindow::showWarning);
-    QDockWidget* const plugins = addDock(Qt::RightDockWidgetArea, tr("Plug-ins"),
-                                         QStringLiteral("plugins"), new PluginsPanel);
+    connect(log, &EventLog::warningLogged, this, [this](const QString& text) {
+        _warning->setText(shortened(text, 60));
+        _warning->setToolTip(toolTipFor(text));
+        _warning->show();
+    });
+    auto* plugins = addDock(Qt::RightDockWidgetArea, tr("Plug-ins"), QStringLiteral("plugins"),
+                            new PluginsPanel);
     addDock(Qt::RightDockWidgetArea, tr("Channels"), QStringLiteral("channels"), _channels);
     addDock(Qt::BottomDockWidgetArea, tr("Event log"), QStringLiteral("eventLog"), log);
     resizeDocks({plugins}, {width() / 2}, Qt::Horizontal);
@@ -221,13 +219,6 @@ void MainWindow::showDocument(const Doc::Document* document)
     for (QAction* action : std::as_const(_documentActions))
         action->setEnabled(document);
     _revertAction->setEnabled(document && _documents.hasFile());
-}
-
-void MainWindow::showWarning(const QString& text)
-{
-    _warning->setText(shortened(text, 60));
-    _warning->setToolTip(toolTipFor(text));
-    _warning->show();
 }
 
 void MainWindow::showNetworkDialog()

@@ -39,7 +39,6 @@ private:
     void listRecentFiles(QMenu& menu);
 
     void showDocument(const Doc::Document* document);
-    void showWarning(const QString& text);
     void showNetworkDialog();
     void showAbout();
 

@@ -21,12 +21,10 @@ NetworkDialog::NetworkDialog(QWidget* parent)
     _output->setTabChangesFocus(true);
     _output->setMaximumBlockCount(maximumLines);
     _output->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
-    _output->setPlaceholderText(tr("The output of the tool"));
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
     auto* pingButton = buttons->addButton(tr("&Ping"), QDialogButtonBox::ActionRole);
     auto* traceButton = buttons->addButton(tr("&Traceroute"), QDialogButtonBox::ActionRole);
-    _stopButton = buttons->addButton(tr("&Stop"), QDialogButtonBox::ActionRole);
-    _stopButton->setEnabled(false);
+    auto* stopButton = buttons->addButton(tr("&Stop"), QDialogButtonBox::ActionRole);
     auto* layout = new QFormLayout(this);
     layout->addRow(tr("&Host:"), _host);
     layout->addRow(_output);
@@ -35,7 +33,7 @@ NetworkDialog::NetworkDialog(QWidget* parent)
 
     connect(pingButton, &QPushButton::clicked, this, &NetworkDialog::ping);
     connect(traceButton, &QPushButton::clicked, this, &NetworkDialog::trace);
-    connect(_stopButton, &QPushButton::clicked, this, &NetworkDialog::stop);
+    connect(stopButton, &QPushButton::clicked, this, &NetworkDialog::stop);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(this, &QDialog::finished, this, &NetworkDialog::stop);
 
@@ -44,24 +42,20 @@ NetworkDialog::NetworkDialog(QWidget* parent)
     _ping.setProcessChannelMode(QProcess::MergedChannels);
     connect(&_ping, &QProcess::readyReadStandardOutput, this, [this] {
         while (_ping.canReadLine())
-            showLine(_ping.readLine());
+            _output->appendPlainText(QString::fromLocal8Bit(_ping.readLine().trimmed()));
     });
-    connect(&_ping, &QProcess::stateChanged, this, &NetworkDialog::updateStopButton);
     connect(&_ping, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
         if (error == QProcess::FailedToStart)
-            showMissing(QStringLiteral("ping"), QStringLiteral("iputils-ping"));
+            _output->appendPlainText(tr("ping cannot be started: on Debian, install iputils-ping"));
     });
     connect(&_traceroute, &TracerouteProcess::readyReadStandardOutput, this, [this] {
         // The whole report. Its last line may be incomplete.
         const QList<QByteArray> lines = _traceroute.readAllStandardOutput().split('\n');
         while (_traceLines < lines.size() - 1)
-            showLine(lines.at(_traceLines++));
+            _output->appendPlainText(QString::fromLocal8Bit(lines.at(_traceLines++).trimmed()));
     });
     // Emitted seven seconds after the last output. The next run can start before.
-    connect(&_traceroute, &TracerouteProcess::finished, this, [this] {
-        _traceProcessId = 0;
-        updateStopButton();
-    });
+    connect(&_traceroute, &TracerouteProcess::finished, this, [this] { _traceProcessId = 0; });
 }
 
 NetworkDialog::~NetworkDialog()
@@ -82,11 +76,11 @@ void NetworkDialog::trace()
     const QString host = startRun(QStringLiteral("traceroute"));
     if (host.isEmpty())
         return;
+    _traceLines = 0;
     _traceroute.doTraceroute(host);
     _traceProcessId = _traceroute.toolProcessId();
-    updateStopButton();
     if (_traceProcessId == 0)
-        showMissing(QStringLiteral("traceroute"), QStringLiteral("traceroute"));
+        _output->appendPlainText(tr("traceroute cannot be started: on Debian, install traceroute"));
 }
 
 void NetworkDialog::stop()
@@ -96,12 +90,6 @@ void NetworkDialog::stop()
         _ping.kill();
     System::interruptProcess(_traceProcessId);
     _traceProcessId = 0;
-    updateStopButton();
-}
-
-void NetworkDialog::updateStopButton()
-{
-    _stopButton->setEnabled(_traceProcessId != 0 || _ping.state() != QProcess::NotRunning);
 }
 
 QString NetworkDialog::startRun(const QString& tool)
@@ -117,18 +105,6 @@ QString NetworkDialog::startRun(const QString& tool)
     stop();
     _ping.kill();
     _ping.waitForFinished();
-    _traceLines = 0;
     _output->appendPlainText(QStringLiteral("> %1 %2").arg(tool, host));
     return host;
-}
-
-void NetworkDialog::showMissing(const QString& tool, const QString& package)
-{
-    _output->appendPlainText(tr("%1 cannot be started. On Debian, install %2.").arg(tool, package));
-}
-
-void NetworkDialog::showLine(const QByteArray& line)
-{
-    static const QRegularExpression end(QStringLiteral("[\r\n]+\\z"));
-    _output->appendPlainText(QString::fromLocal8Bit(line).remove(end));
 }

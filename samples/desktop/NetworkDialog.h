@@ -7,7 +7,6 @@
 
 class QLineEdit;
 class QPlainTextEdit;
-class QPushButton;
 
 /// Runs the system's network tools and shows their output as it arrives.
 class NetworkDialog : public QDialog
@@ -25,13 +24,9 @@ private:
     void stop();
     /// Stops the previous run. Returns the host that the user has typed; empty if it is not valid.
     QString startRun(const QString& tool);
-    void updateStopButton();
-    void showMissing(const QString& tool, const QString& package);
-    void showLine(const QByteArray& line);
 
     QLineEdit* _host;
     QPlainTextEdit* _output;
-    QPushButton* _stopButton;
     PingProcess _ping;
     TracerouteProcess _traceroute;
     /// The process of the traceroute tool; 0 if it cannot be stopped any more.

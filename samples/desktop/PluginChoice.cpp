@@ -25,11 +25,9 @@ void askAbout(const QString& file)
             {{QMessageBox::Yes, QObject::tr("&Leave out")},
              {QMessageBox::No, QObject::tr("L&oad")},
              {QMessageBox::YesToAll, QObject::tr("Leave &all out")}});
-    const QStringList files = App::PluginLoader::pluginFiles();
-    for (const QString& each : files) {
-        if (answer == QMessageBox::YesToAll || (answer == QMessageBox::Yes && each == file))
-            PluginChoice::setLeftOut(each, true);
-    }
+    const QStringList all = App::PluginLoader::pluginFiles();
+    for (const QString& each : answer == QMessageBox::YesToAll ? all : QStringList(file))
+        PluginChoice::setLeftOut(each, answer != QMessageBox::No);
 }
 
 } // namespace
@@ -56,7 +54,7 @@ PluginChoice::PluginChoice(const QString& directory)
     if (!_lock.tryLock(0))
         return;
     _starting = Core::Settings::instance().value(startingKey).toString();
-    if (QFileInfo::exists(_starting) && !isLeftOut(_starting))
+    if (App::PluginLoader::pluginFiles().contains(_starting) && !isLeftOut(_starting))
         askAbout(_starting);
 }
 

@@ -17,17 +17,15 @@ using Verdict = App::PluginRecord::Verdict;
 
 QString stateOf(const App::PluginRecord& record)
 {
-    switch (record.verdict) {
-    case Verdict::Accepted:
-        return record.reason.isEmpty() ? PluginsPanel::tr("loaded")
-                                       : PluginsPanel::tr("loaded, but ") + record.reason;
-    case Verdict::LeftOut:
+    if (record.verdict == Verdict::Accepted && record.reason.isEmpty())
+        return PluginsPanel::tr("loaded");
+    if (record.verdict == Verdict::LeftOut)
         return PluginsPanel::tr("left out");
-    case Verdict::OtherBoard:
+    if (record.verdict == Verdict::OtherBoard)
         return PluginsPanel::tr("for another board");
-    default:
-        return PluginsPanel::tr("cannot be used: ") + record.reason;
-    }
+    return (record.verdict == Verdict::Accepted ? PluginsPanel::tr("loaded, but ")
+                                                : PluginsPanel::tr("cannot be used: ")) +
+           record.reason;
 }
 
 } // namespace
@@ -74,9 +72,9 @@ void PluginsPanel::updatePluginStateListener(int)
     for (int column = 0; column < 3; ++column)
         resizeColumnToContents(column);
     if (records.isEmpty()) {
-        const QString directory = Core::Settings::instance().pluginDirPath();
-        auto* row = new QTreeWidgetItem(this, {tr("No plug-ins in %1").arg(directory)});
+        const QString text = tr("No plug-ins in ") + Core::Settings::instance().pluginDirPath();
+        auto* row = new QTreeWidgetItem(this, {text});
         row->setFirstColumnSpanned(true);
-        row->setToolTip(0, toolTipFor(directory));
+        row->setToolTip(0, toolTipFor(text));
     }
 }

@@ -81,7 +81,8 @@ Program::~Program()
     deleteDeferredObjects();
 
     // The window owns the closed document, and its listeners are removed: both need the library.
-    App::Application::instance().closeDocument();
+    guarded(nullptr, QObject::tr("A plug-in failed when the document was closed"),
+            [] { App::Application::instance().closeDocument(); });
     _window.reset();
     App::Application::destruct();
 }

@@ -13,8 +13,6 @@ public:
     /// Initialises the library, loads the plug-ins behind a splash screen and shows the main
     /// window. `applicationDir`, which is created if it is missing, contains the settings.
     Program(const QString& applicationDir, const QString& pluginDir);
-    Program(const Program&) = delete;
-    Program& operator=(const Program&) = delete;
     /// Shuts everything down in the reverse order. Unsaved changes are lost: the main window asks
     /// before it closes.
     ~Program();
