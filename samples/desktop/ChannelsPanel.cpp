@@ -76,8 +76,8 @@ void ChannelsPanel::callAll(const QString& failure, const QString& state,
         guarded(this, tr("A channel has no name"), [&] { name = channel->name(); });
         if (function)
             guarded(this, failure.arg(name), [&] { (channel->*function)(); });
-        auto* row = new QTreeWidgetItem(
-            _list, {name, warning.text.isEmpty() ? state : tr("failed: ") + warning.text});
+        auto* row =
+            new QTreeWidgetItem(_list, {name, warning.text.isEmpty() ? state : warning.text});
         row->setToolTip(1, toolTipFor(row->text(1)));
         if (!warning.text.isEmpty())
             markAsWarning(*row);

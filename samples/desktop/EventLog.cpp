@@ -23,7 +23,6 @@ EventLog::EventLog()
     constexpr int maximumLines = 1000;
     setReadOnly(true);
     setTabChangesFocus(true);
-    setLineWrapMode(QPlainTextEdit::NoWrap);
     setMaximumBlockCount(maximumLines);
     setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
 
@@ -82,7 +81,7 @@ void EventLog::append(const char* source, const QString& description, bool isWar
                          QChar(isWarning ? 0x26a0 : ' ') + // the warning sign
                          QStringLiteral(" %1 ").arg(QLatin1String(source), -16) + description;
     const QString colours = QStringLiteral("background: %1; color: black").arg(warningColor);
-    appendHtml(QStringLiteral("<span style='white-space: pre; %1'>%2</span>")
+    appendHtml(QStringLiteral("<span style='white-space: pre-wrap; %1'>%2</span>")
                    .arg(isWarning ? colours : QString(), line.toHtmlEscaped()));
 }
 

@@ -143,6 +143,7 @@ void MainWindow::createView(const QList<QAction*>& actions)
     _name->setStyleSheet(QStringLiteral("font-size: 20pt"));
     _name->setAlignment(Qt::AlignCenter);
     _name->setTextFormat(Qt::PlainText);
+    _name->setMinimumWidth(1); // a long name does not widen the window
     setCentralWidget(new QWidget);
     auto* layout = new QVBoxLayout(centralWidget());
     layout->addStretch();
@@ -180,6 +181,7 @@ QDockWidget* MainWindow::addDock(Qt::DockWidgetArea area, const QString& title, 
     auto* dock = new QDockWidget(title);
     dock->setObjectName(name);
     dock->setWidget(content);
+    content->setMinimumHeight(60); // for small screens
     addDockWidget(area, dock);
     dock->toggleViewAction()->setShortcut(tr("Ctrl+%1").arg(findChildren<QDockWidget*>().size()));
     addAction(dock->toggleViewAction());
