@@ -55,7 +55,7 @@ void MainWindow::restoreLayout()
     const Core::Settings& settings = Core::Settings::instance();
     restoreGeometry(settings.value(geometryKey).toByteArray());
     restoreState(settings.value(stateKey).toByteArray());
-    centralWidget()->findChild<QToolButton*>()->setFocus();
+    centralWidget()->setFocus();
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)
@@ -145,6 +145,7 @@ void MainWindow::createView(const QList<QAction*>& actions)
     _name->setTextFormat(Qt::PlainText);
     _name->setMinimumWidth(1); // a long name does not widen the window
     setCentralWidget(new QWidget);
+    centralWidget()->setFocusPolicy(Qt::StrongFocus);
     auto* layout = new QVBoxLayout(centralWidget());
     layout->addStretch();
     layout->addWidget(_name);

@@ -64,9 +64,8 @@ void PluginsPanel::updatePluginStateListener(int)
         if (!record.reason.isEmpty() && record.verdict != Verdict::LeftOut &&
             record.verdict != Verdict::OtherBoard) {
             markAsWarning(*row);
-            Core::ConsoleSingleton::instance().warning("Plug-in %s: %s",
-                                                       file.toLocal8Bit().constData(),
-                                                       row->text(3).toLocal8Bit().constData());
+            const QString text = QFileInfo(file).fileName() + QLatin1String(": ") + row->text(3);
+            Core::ConsoleSingleton::instance().warning("%s", text.toLocal8Bit().constData());
         }
     }
     for (int column = 0; column < 3; ++column)
