@@ -9,7 +9,8 @@
 
 namespace App {
 
-/// The description of a plug-in: named values, which the library passes on unchanged. Copies are
+/// The description of a plug-in: named values, which the library passes on unchanged. By
+/// convention, the texts "Name", "Version", "Vendor" and "Description" are for users. Copies are
 /// cheap (implicitly shared). A moved-from object is empty. Reentrant.
 class OVAPP_EXPORT PluginInfo
 {

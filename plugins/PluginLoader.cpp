@@ -29,7 +29,6 @@ QList<PluginInfo> PluginLoader::_pluginInfos;
 QList<PluginRecord> PluginLoader::_records;
 PluginLoader::StepHandler PluginLoader::_stepHandler;
 PluginLoader::FileFilter PluginLoader::_fileFilter;
-PluginLoader::ProgressHandler PluginLoader::_progressHandler;
 QList<QPluginLoader*> PluginLoader::_pluginLoaders;
 
 namespace {
@@ -233,12 +232,8 @@ void PluginLoader::loadPlugins(bool startPlugins)
     _pluginInfos.clear();
     _records.clear();
     const QStringList files = pluginFiles();
-    for (const QString& file : files) {
-        if (_progressHandler)
-            _progressHandler(file, static_cast<int>(_records.size()),
-                             static_cast<int>(files.size()));
+    for (const QString& file : files)
         loadFile(file, startPlugins);
-    }
 }
 
 PluginRecord PluginLoader::loadFile(const QString& file, bool startPlugin)
@@ -447,36 +442,6 @@ void PluginLoader::addRecord(const PluginRecord& record)
     if (older != _records.end())
         _records.erase(older);
     _records.append(record);
-}
-
-void PluginLoader::setProgressHandler(ProgressHandler handler)
-{
-    _progressHandler = std::move(handler);
-}
-
-QString PluginLoader::verdictName(Verdict verdict)
-{
-    PluginRecord record;
-    record.verdict = verdict;
-    return record.verdictName();
-}
-
-PluginRecord PluginLoader::recordOf(const QString& file, QPluginLoader& loader)
-{
-    PluginRecord record;
-    record.filePath = file;
-    record.reason = System::libraryFileError(file);
-    if (!record.reason.isEmpty())
-        return record;
-    loader.setFileName(file);
-    load(record, loader);
-    return record;
-}
-
-void PluginLoader::inspect(PluginRecord& record)
-{
-    if (record.rootObject)
-        query(record);
 }
 
 } // namespace App

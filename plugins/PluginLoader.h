@@ -72,19 +72,6 @@ public:
 
     PluginLoader() = delete;
 
-    /// @name Deprecated
-    /// These functions are replaced by the records and the step handler.
-    /// @{
-
-    using Verdict = PluginRecord::Verdict;
-    using ProgressHandler = std::function<void(const QString& filePath, int index, int count)>;
-    static void setProgressHandler(ProgressHandler handler);
-    static QString verdictName(Verdict verdict);
-    static PluginRecord recordOf(const QString& file, QPluginLoader& loader);
-    static void inspect(PluginRecord& record);
-
-    /// @}
-
     /// @name Files
     /// @{
 
@@ -194,7 +181,6 @@ private:
     static OVAPP_NO_EXPORT QList<PluginInfo> _pluginInfos;
     static OVAPP_NO_EXPORT QList<PluginRecord> _records;
     static OVAPP_NO_EXPORT StepHandler _stepHandler;
-    static OVAPP_NO_EXPORT ProgressHandler _progressHandler;
     static OVAPP_NO_EXPORT FileFilter _fileFilter;
     /// The loaders of the accepted plug-ins that are still loaded; owned.
     static OVAPP_NO_EXPORT QList<QPluginLoader*> _pluginLoaders;

@@ -382,7 +382,7 @@ QString connections(int all)
         QByteArray answer;
     } kinds[] = {{"status\n", R"({"document":null,"finished":0,"target":0})"},
                  {QByteArray(300, 'x'), R"({"error":"the line is too long"})"},
-                 {"stat\n", R"({"error":"unknown request; expected 'status'"})"},
+                 {"stat\n", R"({"error":"unknown request; expected 'status' or 'finish'"})"},
                  {}};
     const SampleSession session;
     const quint16 port = session.startChannels();
