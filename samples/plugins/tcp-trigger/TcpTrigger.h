@@ -7,7 +7,8 @@
 #include <QObject>
 
 /// Lets other programs on this computer query the print counts of the active document, and count
-/// finished pieces. The plug-in registers a channel; the program starts and stops it with its other channels.
+/// finished pieces. The plug-in registers a channel; the program starts and stops it with its other
+/// channels.
 class TcpTrigger : public QObject, public App::PluginInterface
 {
     Q_OBJECT

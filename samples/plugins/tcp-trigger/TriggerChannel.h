@@ -14,8 +14,9 @@ class QTcpSocket;
 /// The request `finish` counts a piece in the active document and notifies the listeners; `status`
 /// changes nothing. The answer to both is one line of JSON: {"document": path or null, "finished":
 /// number, "target": number}. The answer to any other line, and to `finish` without a document, is
-/// {"error": text}. Lines end with a line feed, optionally after a carriage return. When a client shuts down its
-/// sending side, the server answers the remaining requests and closes the connection.
+/// {"error": text}. Lines end with a line feed, optionally after a carriage return. When a client
+/// shuts down its sending side, the server answers the remaining requests and closes the
+/// connection.
 class TriggerChannel : public App::CommInfo
 {
 public:
