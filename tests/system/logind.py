@@ -20,4 +20,4 @@ def Inhibit(mock, what, who, why, mode):
 @dbus.service.method(MOCK_IFACE, in_signature='s', out_signature='')
 def Refuse(_, whats):
     refused.clear()
-    refused.update(whats.split())
+    refused.update(whats.split(':'))

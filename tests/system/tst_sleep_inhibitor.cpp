@@ -5,38 +5,45 @@
 #include <QtTest>
 
 #include <csignal>
-#include <cstdio>
 #include <sys/wait.h>
-#include <systemd/sd-bus.h>
 #include <unistd.h>
 
 using System::setThreadExecutionState;
 
 // logind is slow on a busy machine.
-#define TRY_VERIFY(condition) QTRY_VERIFY2_WITH_TIMEOUT(condition, qPrintable(inhibitors()), 10000)
+#define TRY_INHIBITORS(expected) QTRY_COMPARE_WITH_TIMEOUT(inhibitors(), expected, 10000)
 
 namespace {
 
 const quint32 requested = 0x80000041u;
 const quint32 withdrawn = 0x80000000u;
+const QString none = "array [ ]"_s;
 
-const char logindName[] = "org.freedesktop.login1";
-const char neededPackages[] = "needs dbus-daemon and python3-dbusmock: scripts/setup test";
-
-/// A process that ends with the test, however that ends.
-struct Helper : QProcess
+/// Calls a method of logind. Returns the reply without process IDs, or why there is none.
+QString callLogind(const QByteArray& call)
 {
-    ~Helper() override
-    {
-        kill();
-        waitForFinished();
-    }
+    QProcess client;
+    client.start("dbus-send"_s,
+                 words("--system --print-reply=literal --dest=org.freedesktop.login1 "
+                       "/org/freedesktop/login1 org.freedesktop." +
+                       call));
+    client.waitForFinished();
+    const QByteArray reply = client.readAllStandardOutput() + client.readAllStandardError();
+    return QString::fromUtf8(reply).simplified().remove(QRegularExpression(" uint32 \\d+"_s));
+}
 
-    void run(const QStringList& command)
-    {
-        start("setpriv"_s, words("--pdeathsig KILL --") + command);
-    }
-};
+QString inhibitors()
+{
+    return callLogind("login1.Manager.ListInhibitors");
+}
+
+QString lock(const QString& types)
+{
+    return "array [ struct { %1 tst_sleep_inhibitor Sleep would stop the laser in the middle of a "
+           "job block } ]"_s.arg(types);
+}
+
+const QString both = lock("sleep:idle"_s);
 
 } // namespace
 
@@ -47,55 +54,46 @@ class tst_sleep_inhibitor : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        const QString configuration = _directory.filePath("bus.conf"_s);
-        writeFile(configuration,
-                  "<busconfig><listen>unix:dir=" + QFile::encodeName(_directory.path()) +
-                      "</listen><policy context='default'><allow user='*'/><allow own='*'/>"
-                      "<allow send_destination='*'/><allow receive_sender='*'/>"
-                      "<allow receive_type='method_call'/></policy></busconfig>");
-        _daemon.run(words("dbus-daemon --nofork --print-address --config-file") +
-                    QStringList(configuration));
-        QVERIFY2(_daemon.waitForReadyRead(), neededPackages);
+        // Does not outlive the test, however that ends; logind ends with the bus.
+        _daemon.start("setpriv"_s, words("--pdeathsig KILL -- dbus-daemon --session --nofork "
+                                         "--print-address"));
+        QVERIFY2(_daemon.waitForReadyRead(), "needs dbus-daemon: scripts/setup test");
         qputenv("DBUS_SYSTEM_BUS_ADDRESS", _daemon.readLine().trimmed());
         _logind.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        _logind.run(words("/usr/bin/python3 -m dbusmock --system --template") +
-                    QStringList(QStringLiteral(LOGIND_TEMPLATE)));
-        sd_bus* bus = nullptr;
-        QVERIFY(sd_bus_open_system(&bus) >= 0);
-        _client.reset(bus);
-        QTRY_VERIFY2_WITH_TIMEOUT(inhibitors().isEmpty(), neededPackages, 30000);
+        _logind.start("/usr/bin/python3"_s,
+                      words("-m dbusmock --system --template %1", QStringLiteral(LOGIND_TEMPLATE)));
+        // Without events: the lock that main() requests is not acquired before.
+        for (int i = 0; i < 300 && inhibitors() != none; ++i)
+            QThread::msleep(100);
+        QVERIFY2(inhibitors() == none, "needs python3-dbusmock: scripts/setup test");
+        TRY_INHIBITORS(both);
+        setThreadExecutionState(withdrawn);
+        TRY_INHIBITORS(none);
     }
 
-    void policies_data()
+    void cleanupTestCase()
     {
-        QTest::addColumn<QByteArray>("refused");
-        QTest::addColumn<QString>("what");
-        QTest::newRow("none") << QByteArray() << "sleep:idle"_s;
-        QTest::newRow("sleep") << QByteArray("sleep") << "idle"_s;
-        QTest::newRow("both") << QByteArray("sleep idle") << QString();
+        _daemon.kill();
+        QVERIFY(_daemon.waitForFinished() && _logind.waitForFinished());
     }
 
     void policies()
     {
-        QFETCH(const QByteArray, refused);
-        QFETCH(const QString, what);
-        const QString held =
-            what +
-            " by tst_sleep_inhibitor: Sleep would stop the laser in the middle of a job, block"_s;
-        refuse(refused);
-        const auto allow = qScopeGuard([this] { refuse({}); });
-        for (int i = 0; i < 2; ++i) {
-            Helper child;
+        for (const auto& [refused, held] :
+             {std::pair("", both), {"sleep", lock("idle"_s)}, {"sleep:idle", none}, {"", both}}) {
+            callLogind(QByteArray("DBus.Mock.Refuse string:") + refused);
+            QProcess child;
             {
                 const Session session;
-                if (what.isEmpty())
-                    QTest::qWait(200);
-                TRY_VERIFY(inhibitors() == (what.isEmpty() ? QString() : held));
+                QTest::qWait(200);
+                TRY_INHIBITORS(held);
                 // Processes that the program starts may outlive it.
-                child.run({"cat"_s});
+                child.start("cat"_s, QStringList());
                 QVERIFY(child.waitForStarted());
             }
-            TRY_VERIFY(isWithdrawn());
+            TRY_INHIBITORS(none);
+            child.closeWriteChannel();
+            QVERIFY(child.waitForFinished());
         }
     }
 
@@ -106,39 +104,46 @@ private Q_SLOTS:
             thread->start();
             QTRY_VERIFY(thread->isFinished());
         };
-        runInThread([this] {
+        runInThread([] {
             QCOMPARE(setThreadExecutionState(0x00000001u), withdrawn);
             QCOMPARE(setThreadExecutionState(requested), 0x00000001u);
             QCOMPARE(setThreadExecutionState(0x00000040u), requested);
-            TRY_VERIFY(isHeld());
+            TRY_INHIBITORS(both);
             QCOMPARE(setThreadExecutionState(0x80000040u), 0x00000040u);
-            TRY_VERIFY(isWithdrawn());
+            TRY_INHIBITORS(none);
             setThreadExecutionState(requested);
-            TRY_VERIFY(isHeld());
+            TRY_INHIBITORS(both);
         });
-        TRY_VERIFY(isWithdrawn());
+        TRY_INHIBITORS(none);
         QCOMPARE(setThreadExecutionState(requested), withdrawn);
-        runInThread([] { setThreadExecutionState(requested); });
-        runInThread([] { setThreadExecutionState(withdrawn); });
-        TRY_VERIFY(isHeld());
+        runInThread([] {
+            setThreadExecutionState(requested);
+            setThreadExecutionState(withdrawn);
+        });
+        TRY_INHIBITORS(both);
         setThreadExecutionState(withdrawn);
-        TRY_VERIFY(isWithdrawn());
+        TRY_INHIBITORS(none);
     }
 
     void forkAndExit()
     {
-        Helper child;
-        child.run({QCoreApplication::applicationFilePath(), "--fork"_s});
-        TRY_VERIFY(isHeld());
-        child.write("fork");
-        QVERIFY(child.waitForReadyRead());
+        setThreadExecutionState(requested);
+        TRY_INHIBITORS(both);
+        const pid_t child = fork();
+        if (child == 0) {
+            setThreadExecutionState(withdrawn);
+            setThreadExecutionState(requested);
+            // Called after the destruction of thread-local objects.
+            std::atexit([] { setThreadExecutionState(withdrawn); });
+            std::exit(0);
+        }
+        int status = -1;
+        QCOMPARE(waitpid(child, &status, 0), child);
+        QCOMPARE(status, 0);
         QTest::qWait(100);
-        TRY_VERIFY(isHeld());
-        child.closeWriteChannel();
-        QVERIFY(child.waitForFinished());
-        QCOMPARE(child.exitStatus(), QProcess::NormalExit);
-        QCOMPARE(child.readAllStandardError(), QByteArray());
-        TRY_VERIFY(isWithdrawn());
+        TRY_INHIBITORS(both);
+        setThreadExecutionState(withdrawn);
+        TRY_INHIBITORS(none);
     }
 
     void muteBus()
@@ -146,86 +151,28 @@ private Q_SLOTS:
         const auto daemon = pid_t(_daemon.processId());
         kill(daemon, SIGSTOP);
         const auto goOn = qScopeGuard([=] { kill(daemon, SIGCONT); });
-        const QTemporaryDir directory;
         qint64 fastest = std::numeric_limits<qint64>::max();
         for (int i = 0; i < 20; ++i) {
-            Core::Settings::instance().setApplicationDirPath(directory.path());
             QElapsedTimer timer;
             timer.start();
-            App::Application::init();
-            QCoreApplication::processEvents();
-            App::Application::destruct();
+            {
+                const Session session;
+                QCoreApplication::processEvents();
+            }
             fastest = qMin(fastest, timer.nsecsElapsed());
         }
         QVERIFY2(fastest < 5000000, qPrintable(QString::number(fastest)));
-        kill(daemon, SIGCONT);
-        TRY_VERIFY(isWithdrawn());
     }
 
 private:
-    void refuse(const QByteArray& whats) const
-    {
-        QVERIFY(sd_bus_call_method(_client.get(), logindName, "/org/freedesktop/login1",
-                                   "org.freedesktop.DBus.Mock", "Refuse", nullptr, nullptr, "s",
-                                   whats.constData()) >= 0);
-    }
-
-    QString inhibitors() const
-    {
-        sd_bus_message* reply = nullptr;
-        if (sd_bus_call_method(_client.get(), logindName, "/org/freedesktop/login1",
-                               "org.freedesktop.login1.Manager", "ListInhibitors", nullptr, &reply,
-                               "") < 0)
-            return "no answer"_s;
-        const std::unique_ptr<sd_bus_message, sd_bus_message* (*)(sd_bus_message*)> holder(
-            reply, sd_bus_message_unref);
-        QStringList result;
-        sd_bus_message_enter_container(reply, 'a', "(ssssuu)");
-        const char *what, *who, *why, *mode;
-        while (sd_bus_message_read(reply, "(ssssuu)", &what, &who, &why, &mode, nullptr, nullptr) >
-               0)
-            result.append(QString::asprintf("%s by %s: %s, %s", what, who, why, mode));
-        return result.join(u'\n');
-    }
-
-    bool isHeld() const { return inhibitors().startsWith("sleep:idle"_s); }
-    bool isWithdrawn() const { return inhibitors().isEmpty(); }
-
-    const QTemporaryDir _directory;
-    Helper _daemon;
-    Helper _logind;
-    std::unique_ptr<sd_bus, sd_bus* (*)(sd_bus*)> _client{nullptr, sd_bus_close_unref};
+    QProcess _daemon;
+    QProcess _logind;
 };
-
-/// Requests the system to stay awake. At input, forks a child that withdraws its own request and
-/// exits. At the end of input, exits, and withdraws the request only then.
-int forkAtInput(int argc, char** argv)
-{
-    // Before there is a QCoreApplication.
-    setThreadExecutionState(requested);
-    const QCoreApplication application(argc, argv);
-    const QSocketNotifier notifier(STDIN_FILENO, QSocketNotifier::Read);
-    QObject::connect(&notifier, &QSocketNotifier::activated, &notifier, [] {
-        char input[9];
-        if (read(STDIN_FILENO, input, sizeof input) <= 0) {
-            std::atexit([] { setThreadExecutionState(withdrawn); });
-            std::exit(0);
-        }
-        if (fork() == 0) {
-            setThreadExecutionState(withdrawn);
-            std::exit(0);
-        }
-        wait(nullptr);
-        std::putchar('.');
-        std::fflush(stdout);
-    });
-    return QCoreApplication::exec();
-}
 
 int main(int argc, char** argv)
 {
-    if (argc == 2 && qstrcmp(argv[1], "--fork") == 0)
-        return forkAtInput(argc, argv);
+    // Before there is a QCoreApplication.
+    setThreadExecutionState(requested);
     QCoreApplication application(argc, argv);
     tst_sleep_inhibitor test;
     return QTest::qExec(&test, argc, argv);
