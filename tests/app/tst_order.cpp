@@ -16,9 +16,14 @@ QStringList calls;
 bool logsToFile = false;
 const char* version = nullptr;
 
-QString text(const QVariant& value)
+void record(const char* call, const QVariantList& arguments)
 {
-    return QLatin1String(value.typeName()) + u' ' + value.toString();
+    QStringList texts;
+    for (const QVariant& argument : arguments)
+        texts.append(argument.toString());
+    calls.append(QLatin1String(call));
+    if (!texts.isEmpty())
+        calls.last() += u'(' + texts.join(", "_s) + u')';
 }
 
 } // namespace
@@ -29,12 +34,18 @@ QString text(const QVariant& value)
         static type object;                                                                        \
         return object;                                                                             \
     }
-#define RECORDED(call, parameters)                                                                 \
-    void call parameters                                                                           \
+#define RETURNING(type, call, value)                                                               \
+    type call                                                                                      \
     {                                                                                              \
-        calls.append(QStringLiteral(#call));                                                       \
+        return value;                                                                              \
     }
-#define RECORDED_SERVICE(name) RECORDED(name::init, ()) RECORDED(name::destruct, ())
+#define RECORDED(type, call, parameters, ...)                                                      \
+    type call parameters                                                                           \
+    {                                                                                              \
+        record(#call, {__VA_ARGS__});                                                              \
+        return type();                                                                             \
+    }
+#define RECORDED_SERVICE(name) RECORDED(void, name::init, (), ) RECORDED(void, name::destruct, (), )
 
 RECORDED_SERVICE(App::CommInfoRegistry)
 RECORDED_SERVICE(App::ExtendPluginRegistry)
@@ -47,25 +58,29 @@ RECORDED_SERVICE(Database::MemoryDatabaseManager)
 RECORDED_SERVICE(Doc::EntityClipboard)
 RECORDED_SERVICE(Doc::EntityInfoRegistry)
 RECORDED_SERVICE(FontLibrary::FontPluginLoader)
-RECORDED(Core::BoardEthDescHandler::destruct, ())
-RECORDED(Core::Object::initPropertyType, ())
-RECORDED(Doc::DocObject::initPropertyType, ())
-RECORDED(Doc::Entity::initPropertyType, ())
-RECORDED(Doc::GroupEntity::initPropertyType, ())
-RECORDED(Doc::Layer::initPropertyType, ())
-RECORDED(Doc::ObjectGroupEntity::initPropertyType, ())
-RECORDED(Core::ConsoleSingleton::attachObserver, (ConsoleObserver*))
-RECORDED(Core::ConsoleSingleton::detachObserver, (ConsoleObserver*))
-RECORDED(Core::ConsoleObserverFile::write, (Severity, const QByteArray&))
+RECORDED(void, Core::BoardEthDescHandler::destruct, (), )
+RECORDED(void, Core::Object::initPropertyType, (), )
+RECORDED(void, Doc::DocObject::initPropertyType, (), )
+RECORDED(void, Doc::Entity::initPropertyType, (), )
+RECORDED(void, Doc::GroupEntity::initPropertyType, (), )
+RECORDED(void, Doc::Layer::initPropertyType, (), )
+RECORDED(void, Doc::ObjectGroupEntity::initPropertyType, (), )
+RECORDED(void, Core::ConsoleSingleton::attachObserver, (ConsoleObserver*), )
+RECORDED(void, Core::ConsoleSingleton::detachObserver, (ConsoleObserver*), )
+RECORDED(void, Core::ConsoleSingleton::log, (const char* format, ...), QLatin1String(format))
+RECORDED(void, Core::ConsoleObserverFile::write, (Severity, const QByteArray&), )
+RECORDED(void, Core::Settings::setValue, (const QString& key, const QVariant& value), key,
+         QLatin1String(value.typeName()), value)
+RECORDED(quint32, System::setThreadExecutionState, (quint32 flags), QString::number(flags, 16))
+RECORDED(void, FontLibrary::FontDatabase::addFontsFromDirectory,
+         (const QString& directory, bool flag), directory, flag)
+RECORDED(void, App::Application::notifyStartFinishListener, (), _p_activeDocument != nullptr)
+RETURNING(QString, Core::Settings::sysFontDirPath() const, "system fonts"_s)
+RETURNING(QString, Core::Settings::usrFontDirPath() const, "user fonts"_s)
+RETURNING(const char*, Core::Version::versionString(), version)
 SINGLETON(Core::ConsoleSingleton)
 SINGLETON(Core::Settings)
 SINGLETON(FontLibrary::FontDatabase)
-
-quint32 System::setThreadExecutionState(quint32 flags)
-{
-    calls.append("System::setThreadExecutionState(%1)"_s.arg(flags, 0, 16));
-    return 0;
-}
 
 namespace Core {
 
@@ -77,125 +92,71 @@ Settings::~Settings() = default;
 
 QVariant Settings::value(const QString& key, const QVariant& defaultValue) const
 {
-    calls.append("Core::Settings::value(%1, %2)"_s.arg(key, text(defaultValue)));
+    record("Core::Settings::value", {key, QLatin1String(defaultValue.typeName()), defaultValue});
     return logsToFile ? QVariant(true) : defaultValue;
-}
-
-void Settings::setValue(const QString& key, const QVariant& value)
-{
-    calls.append("Core::Settings::setValue(%1, %2)"_s.arg(key, text(value)));
-}
-
-QString Settings::sysFontDirPath() const
-{
-    return "system fonts"_s;
-}
-
-QString Settings::usrFontDirPath() const
-{
-    return "user fonts"_s;
-}
-
-const char* Version::versionString()
-{
-    return version;
-}
-
-void ConsoleSingleton::log(const char* format, ...)
-{
-    calls.append("Core::ConsoleSingleton::log("_s + QString::fromUtf8(format) + u')');
 }
 
 ConsoleObserver::~ConsoleObserver() = default;
 
 ConsoleObserverFile::ConsoleObserverFile(const QString& fileName)
 {
-    calls.append("Core::ConsoleObserverFile(%1)"_s.arg(fileName));
+    record("Core::ConsoleObserverFile", {fileName});
 }
 
 ConsoleObserverFile::~ConsoleObserverFile()
 {
-    calls.append("Core::~ConsoleObserverFile"_s);
+    record("Core::~ConsoleObserverFile", {});
 }
 
 void BoardEthDescHandler::init()
 {
     // The application object exists from here on.
     Application::instance().notifyStartFinishListener();
-    calls.append("Core::BoardEthDescHandler::init"_s);
+    record("Core::BoardEthDescHandler::init", {});
 }
 
 } // namespace Core
 
-void Application::notifyStartFinishListener()
-{
-    calls.append("App::Application::notifyStartFinishListener, active document: %1"_s.arg(
-        _p_activeDocument ? "any"_s : "none"_s));
-}
-
-void FontLibrary::FontDatabase::addFontsFromDirectory(const QString& directory, bool flag)
-{
-    calls.append(
-        "FontLibrary::FontDatabase::addFontsFromDirectory(%1, %2)"_s.arg(directory).arg(flag));
-}
-
 namespace {
 
 const char startUp[] = R"(
-    System::setThreadExecutionState(80000041)
-    Core::Settings::init
-    Core::Settings::value(Debug/file, bool false)
-    Core::ConsoleObserverFile(log.txt)
-    Core::ConsoleSingleton::attachObserver
+    System::setThreadExecutionState(80000041); Core::Settings::init
+    Core::Settings::value(Debug/file, bool, false)
+    Core::ConsoleObserverFile(log.txt); Core::ConsoleSingleton::attachObserver
     Core::ConsoleSingleton::log(Application::attachObservers.)
-    App::Application::notifyStartFinishListener, active document: none
-    Core::BoardEthDescHandler::init
-    Doc::EntityInfoRegistry::init
-    Core::SystemTimerManager::init
-    Database::DatabaseManager::init
-    Database::DatabaseHandlerFactory::init
-    Database::MemoryDatabaseManager::init
-    FontLibrary::FontPluginLoader::init
-    FontLibrary::FontDatabase::addFontsFromDirectory(system fonts, 1)
-    FontLibrary::FontDatabase::addFontsFromDirectory(user fonts, 1)
-    Core::Object::initPropertyType
-    Doc::DocObject::initPropertyType
-    Doc::Layer::initPropertyType
-    Doc::Entity::initPropertyType
-    Doc::GroupEntity::initPropertyType
-    Doc::ObjectGroupEntity::initPropertyType
-    App::CommInfoRegistry::init
-    App::ExtendPluginRegistry::init
-    Core::SystemBackupManager::init
-    Doc::EntityClipboard::init)";
+    App::Application::notifyStartFinishListener(false); Core::BoardEthDescHandler::init
+    Doc::EntityInfoRegistry::init; Core::SystemTimerManager::init
+    Database::DatabaseManager::init; Database::DatabaseHandlerFactory::init
+    Database::MemoryDatabaseManager::init; FontLibrary::FontPluginLoader::init
+    FontLibrary::FontDatabase::addFontsFromDirectory(system fonts, true)
+    FontLibrary::FontDatabase::addFontsFromDirectory(user fonts, true)
+    Core::Object::initPropertyType; Doc::DocObject::initPropertyType
+    Doc::Layer::initPropertyType; Doc::Entity::initPropertyType
+    Doc::GroupEntity::initPropertyType; Doc::ObjectGroupEntity::initPropertyType
+    App::CommInfoRegistry::init; App::ExtendPluginRegistry::init
+    Core::SystemBackupManager::init; Doc::EntityClipboard::init)";
 
 const char startFinished[] = R"(
-    Core::Settings::setValue(About/version, QString %1)
-    App::Application::notifyStartFinishListener, active document: none
+    Core::Settings::setValue(About/version, QString, %1)
+    App::Application::notifyStartFinishListener(false)
     Core::ConsoleSingleton::log(Application::doAppStartFinished:: application started.))";
 
 const char shutdown[] = R"(
-    Doc::EntityClipboard::destruct
-    Core::SystemBackupManager::destruct
-    App::ExtendPluginRegistry::destruct
-    App::CommInfoRegistry::destruct
-    FontLibrary::FontPluginLoader::destruct
-    Database::MemoryDatabaseManager::destruct
-    Database::DatabaseHandlerFactory::destruct
-    Database::DatabaseManager::destruct
-    Core::SystemTimerManager::destruct
-    Doc::EntityInfoRegistry::destruct
+    Doc::EntityClipboard::destruct; Core::SystemBackupManager::destruct
+    App::ExtendPluginRegistry::destruct; App::CommInfoRegistry::destruct
+    FontLibrary::FontPluginLoader::destruct; Database::MemoryDatabaseManager::destruct
+    Database::DatabaseHandlerFactory::destruct; Database::DatabaseManager::destruct
+    Core::SystemTimerManager::destruct; Doc::EntityInfoRegistry::destruct
     Core::BoardEthDescHandler::destruct
-    Core::ConsoleSingleton::detachObserver
-    Core::~ConsoleObserverFile
-    Core::Settings::destruct
-    System::setThreadExecutionState(80000000)
+    Core::ConsoleSingleton::detachObserver; Core::~ConsoleObserverFile
+    Core::Settings::destruct; System::setThreadExecutionState(80000000)
     Core::ConsoleSingleton::log(destruct application.))";
 
 /// Returns the calls in a text except those that match `without`.
 QStringList lines(const char* text, const QString& without = "^$"_s)
 {
-    QStringList result = QString::fromUtf8(text).split("\n    "_s, Qt::SkipEmptyParts);
+    QStringList result =
+        QString::fromUtf8(text).split(QRegularExpression("\\n    |; "_s), Qt::SkipEmptyParts);
     for (const QString& line : result.filter(QRegularExpression(without)))
         result.removeOne(line);
     return result;
