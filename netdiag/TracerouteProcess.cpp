@@ -3,7 +3,7 @@
 #include <netdiag/SystemTools.h>
 
 #include <ovcore/Settings.h>
-#include <system/DetachedProcess.h>
+#include <system/AppendFile.h>
 
 #include <QCoreApplication>
 #include <QDir>

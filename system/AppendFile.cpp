@@ -1,9 +1,11 @@
 #include <system/AppendFile.h>
 
 #include <QFile>
+#include <QProcess>
 
 #ifdef Q_OS_WIN
 #include <QDir>
+#include <QScopeGuard>
 
 #include <fcntl.h>
 #include <io.h>
@@ -12,25 +14,28 @@
 
 namespace System {
 
+#ifdef Q_OS_WIN
 namespace {
 
-constexpr QIODevice::OpenMode openMode =
-    QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered;
+/// QFile would seek to the end only once, when it opens the file. A handle with no other right than
+/// FILE_APPEND_DATA always writes at the end.
+HANDLE openHandle(const QString& path, DWORD flags)
+{
+    const QString nativePath = QDir::toNativeSeparators(path);
+    return CreateFileW(reinterpret_cast<const wchar_t*>(nativePath.utf16()), FILE_APPEND_DATA,
+                       FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_ALWAYS,
+                       flags, nullptr);
+}
 
 } // namespace
+#endif
 
-#ifdef Q_OS_WIN
-
-bool openForAppending(QFile& file, WriteMode mode)
+bool openForAppending(QFile& file)
 {
-    // QFile would seek to the end only once, when it opens the file. A handle with no other right
-    // than FILE_APPEND_DATA always writes at the end.
-    const QString path = QDir::toNativeSeparators(file.fileName());
-    const DWORD flags = mode == WriteMode::WriteThrough ? FILE_FLAG_WRITE_THROUGH : 0;
-    const HANDLE handle =
-        CreateFileW(reinterpret_cast<const wchar_t*>(path.utf16()), FILE_APPEND_DATA,
-                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_ALWAYS,
-                    FILE_ATTRIBUTE_NORMAL | flags, nullptr);
+    constexpr QIODevice::OpenMode mode =
+        QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered;
+#ifdef Q_OS_WIN
+    const HANDLE handle = openHandle(file.fileName(), FILE_ATTRIBUTE_NORMAL);
     if (handle == INVALID_HANDLE_VALUE)
         return false;
     const int descriptor = _open_osfhandle(reinterpret_cast<intptr_t>(handle), _O_APPEND);
@@ -38,16 +43,36 @@ bool openForAppending(QFile& file, WriteMode mode)
         CloseHandle(handle);
         return false;
     }
-    return file.open(descriptor, openMode, QFileDevice::AutoCloseHandle);
-}
-
+    return file.open(descriptor, mode, QFileDevice::AutoCloseHandle);
 #else
-
-bool openForAppending(QFile& file, WriteMode)
-{
-    return file.open(openMode);
+    return file.open(mode);
+#endif
 }
 
+qint64 startDetached(const QString& program, const QStringList& arguments,
+                     const QString& outputFilePath)
+{
+    QProcess process;
+    process.setProgram(program);
+    process.setArguments(arguments);
+#ifdef Q_OS_WIN
+    // File watchers are only notified when the data reaches the disk.
+    const HANDLE handle = openHandle(outputFilePath, FILE_FLAG_WRITE_THROUGH);
+    if (handle == INVALID_HANDLE_VALUE)
+        return 0;
+    const auto closeHandle = qScopeGuard([handle] { CloseHandle(handle); });
+    SetHandleInformation(handle, HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT);
+    process.setCreateProcessArgumentsModifier([handle](QProcess::CreateProcessArguments* call) {
+        call->startupInfo->hStdOutput = handle;
+        call->startupInfo->hStdError = handle;
+    });
+#else
+    // QProcess ignores MergedChannels for detached processes.
+    process.setStandardOutputFile(outputFilePath, QIODevice::Append);
+    process.setStandardErrorFile(outputFilePath, QIODevice::Append);
 #endif
+    qint64 pid = 0;
+    return process.startDetached(&pid) ? pid : 0;
+}
 
 } // namespace System
