@@ -12,7 +12,6 @@
 #include <QContextMenuEvent>
 #include <QCoreApplication>
 #include <QFileInfo>
-#include <QFontDatabase>
 #include <QMenu>
 #include <QTime>
 
@@ -24,7 +23,7 @@ EventLog::EventLog()
     setReadOnly(true);
     setTabChangesFocus(true);
     setMaximumBlockCount(maximumLines);
-    setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    setTabStopDistance(20 * fontMetrics().averageCharWidth());
 
     App::Application& application = App::Application::instance();
     application.addActiveDocumentListener(this);
@@ -77,9 +76,9 @@ void EventLog::contextMenuEvent(QContextMenuEvent* event)
 
 void EventLog::append(const char* source, const QString& description, bool isWarning)
 {
-    const QString line = QTime::currentTime().toString(QStringLiteral("hh:mm:ss.zzz ")) +
-                         QChar(isWarning ? 0x26a0 : ' ') + // the warning sign
-                         QStringLiteral(" %1 ").arg(QLatin1String(source), -16) + description;
+    const QString mark = isWarning ? QString(QChar(0x26a0)) + u' ' : QString(); // the warning sign
+    const QString line = QTime::currentTime().toString(QStringLiteral("hh:mm:ss.zzz\t")) + mark +
+                         QLatin1String(source) + u'\t' + description;
     const QString colours = QStringLiteral("background: %1; color: black").arg(warningColor);
     appendHtml(QStringLiteral("<span style='white-space: pre-wrap; %1'>%2</span>")
                    .arg(isWarning ? colours : QString(), line.toHtmlEscaped()));
