@@ -87,7 +87,7 @@ void Documents::open(const QString& path)
 {
     if (QFileInfo(path).absoluteFilePath() != activePath()) {
         if (confirmClose())
-            load(path, &App::Application::openDocument);
+            load(QFileInfo(path).absoluteFilePath(), &App::Application::openDocument);
     } else if (fileStamp(activePath()) != _stamp) {
         // The library keeps the document that is open, but the file has changed.
         revert();

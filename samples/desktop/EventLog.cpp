@@ -79,7 +79,8 @@ void EventLog::append(const char* source, const QString& description, bool isWar
     const QString mark = isWarning ? QString(QChar(0x26a0)) + u' ' : QString(); // the warning sign
     const QString line = QTime::currentTime().toString(QStringLiteral("hh:mm:ss.zzz\t")) + mark +
                          QLatin1String(source) + u'\t' + description;
-    const QString colours = QStringLiteral("background: %1; color: black").arg(warningColor);
+    const QString colours =
+        QStringLiteral("background: %1; color: black").arg(QLatin1String(warningColor));
     appendHtml(QStringLiteral("<span style='white-space: pre-wrap; %1'>%2</span>")
                    .arg(isWarning ? colours : QString(), line.toHtmlEscaped()));
 }

@@ -13,7 +13,7 @@ void markAsWarning(QTreeWidgetItem& row)
 {
     row.setIcon(0, QApplication::style()->standardIcon(QStyle::SP_MessageBoxWarning));
     for (int column = 0; column < row.columnCount(); ++column) {
-        row.setBackground(column, QColor(warningColor));
+        row.setBackground(column, QColor(QLatin1String(warningColor)));
         row.setForeground(column, Qt::black);
     }
 }

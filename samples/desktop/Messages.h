@@ -8,7 +8,7 @@
 class QTreeWidgetItem;
 
 /// The background of warnings, for black text.
-constexpr QLatin1String warningColor("#ffecb3");
+constexpr char warningColor[] = "#ffecb3";
 /// Marks a row with the warning icon and colour.
 void markAsWarning(QTreeWidgetItem& row);
 
