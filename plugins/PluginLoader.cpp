@@ -255,6 +255,8 @@ PluginRecord PluginLoader::loadFile(const QString& file, bool startPlugin)
         record.reason = QStringLiteral("it is loaded already");
         return record;
     }
+    if (file.isEmpty())
+        return refuse(Verdict::NoPlugin, QStringLiteral("its path is empty"));
     if (isDiscard(record.filePath))
         return refuse(Verdict::LeftOut, QStringLiteral("a file with this name is never loaded"));
     const FileFilter filter = _fileFilter;

@@ -66,6 +66,7 @@ public:
         /// The root object is deleted.
         Unload
     };
+    /// Called before a step of a file.
     using StepHandler = std::function<void(const QString& filePath, Step step)>;
     /// Returns why a file is left out, in one sentence without a full stop; empty to load it.
     using FileFilter = std::function<QString(const QString& filePath)>;

@@ -27,20 +27,6 @@ using Verdict = PluginRecord::Verdict;
 
 #ifdef Q_OF_ELF
 #include <link.h>
-
-/// Returns the plug-in with another number in the section header of Qt's metadata.
-template <typename Number>
-static QByteArray withMetaData(QByteArray plugin, Number ElfW(Shdr)::*member, Number number)
-{
-    const auto* header = reinterpret_cast<const ElfW(Ehdr)*>(plugin.constData());
-    auto* sections = reinterpret_cast<ElfW(Shdr)*>(plugin.data() + header->e_shoff);
-    const char* names = plugin.constData() + sections[header->e_shstrndx].sh_offset;
-    for (auto* section = sections; section != sections + header->e_shnum; ++section) {
-        if (QByteArray(names + section->sh_name).contains("metadata"))
-            section->*member = number;
-    }
-    return plugin;
-}
 #endif
 
 /// Returns the version stamp in the metadata of a plug-in: a key and an array of one text.
@@ -542,26 +528,22 @@ private Q_SLOTS:
         QVERIFY(QFile::link("/dev/zero"_s, nextPath()));
 #endif
 #ifdef Q_OF_ELF
-        // Some versions of Qt accept these.
-        const auto writeDamaged = [&](const QByteArray& content) {
+        // Some versions of Qt accept these. Each refers to data beyond the end of the file.
+        const auto writeDamaged = [&](const auto& damage) {
+            QByteArray content = plugin;
+            auto* header = reinterpret_cast<ElfW(Ehdr)*>(content.data());
+            damage(*header, *reinterpret_cast<ElfW(Phdr)*>(content.data() + header->e_phoff),
+                   *reinterpret_cast<ElfW(Shdr)*>(content.data() + header->e_shoff +
+                                                  header->e_shentsize));
             const QString path = nextPath();
             writeFile(path, content);
             QVERIFY(!System::libraryFileError(path).isEmpty());
         };
-        for (const auto member : {&ElfW(Shdr)::sh_offset, &ElfW(Shdr)::sh_size}) {
-            for (const ElfW(Off) value : {0x7fffffffULL, ~0ULL, ~0ULL << 2})
-                writeDamaged(withMetaData(plugin, member, value));
-        }
-        writeDamaged(withMetaData(plugin, &ElfW(Shdr)::sh_name, ElfW(Word)(0x7fffffff)));
-        QByteArray changed = plugin;
-        auto* header = reinterpret_cast<ElfW(Ehdr)*>(changed.data());
-        header->e_shstrndx = 0xfff0;
-        writeDamaged(changed);
-        changed = plugin;
-        header = reinterpret_cast<ElfW(Ehdr)*>(changed.data());
-        // The system would map it beyond the end of the file.
-        reinterpret_cast<ElfW(Phdr)*>(changed.data() + header->e_phoff)->p_filesz = 1 << 24;
-        writeDamaged(changed);
+        writeDamaged([](auto& header, auto&, auto&) { header.e_shstrndx = 0xfff0; });
+        writeDamaged([](auto&, auto& segment, auto&) { segment.p_filesz = 1 << 24; });
+        writeDamaged([](auto&, auto&, auto& section) { section.sh_offset = ~0ULL << 2; });
+        writeDamaged([](auto&, auto&, auto& section) { section.sh_size = ~0ULL; });
+        writeDamaged([](auto&, auto&, auto& section) { section.sh_name = 0x7fffffff; });
 #endif
         const int damaged = number;
         write(PluginFixture::built("PluginC"_s));

@@ -79,6 +79,8 @@ QByteArray finish()
     } catch (const std::exception& exception) {
         Core::ConsoleSingleton::instance().warning("TriggerChannel: a listener failed: %s",
                                                    exception.what());
+    } catch (...) {
+        Core::ConsoleSingleton::instance().warning("TriggerChannel: a listener failed");
     }
     return status();
 }
