@@ -1,8 +1,9 @@
 // Repeats the life cycle of a program, and injects failures.
 
+#include "SmallFileSystem.h"
+
 #include <support/Listener.h>
 #include <support/SampleSession.h>
-#include <support/SmallFileSystem.h>
 
 #include <events/SelectionChangeEvent.h>
 #include <events/TransactionEvent.h>

@@ -93,24 +93,21 @@ private Q_SLOTS:
                                  {"list"_s, QStringList{"\u00f6"_s, "a, b"_s}},
                                  {"text"_s, "b\u00f6se \u20ac"_s},
                                  {name + "/H\u00f6he"_s, "1.5"_s}};
-        const auto writeTo = [&values](auto& settings) {
-            for (auto value = values.cbegin(); value != values.cend(); ++value)
-                settings.setValue(value.key(), value.value());
-        };
         PluginBaseSettings written(name);
-        writeTo(written);
-        const QByteArray content = contentOf(QDir(path(name)).filePath(name + ".ini"_s));
         QSettings plain(path("plain.ini"_s), QSettings::IniFormat);
-        writeTo(plain);
+        for (const QString& each : values.keys()) {
+            written.setValue(each, values.value(each));
+            plain.setValue(each, values.value(each));
+        }
         plain.sync();
+        const QByteArray content = contentOf(QDir(path(name)).filePath(name + ".ini"_s));
         QCOMPARE(contentOf(plain.fileName()), content);
 
         // Under another path, since Qt reads each file once.
-        QVERIFY(QDir().mkpath(path(marker)));
         writeFile(path("Marker/Marker.ini"_s), content);
         PluginBaseSettings read(marker);
-        for (auto value = values.cbegin(); value != values.cend(); ++value)
-            QCOMPARE(read.value(value.key()), value.value());
+        for (const QString& each : values.keys())
+            QCOMPARE(read.value(each), values.value(each));
     }
 
     void keepsValuesInMemory()
