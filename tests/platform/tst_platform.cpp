@@ -157,7 +157,6 @@ private Q_SLOTS:
     {
         constexpr int perThread = 500;
         Counter steady;
-        ConsoleSingleton::instance().attachObserver(&steady);
         const auto run = [] {
             for (int i = 0; i < perThread; ++i) {
                 Counter passing;
