@@ -1,6 +1,6 @@
 #include "CommandLine.h"
 #include "Commands.h"
-#include "inspection/InspectionProtocol.h"
+#include "inspection/PluginInspector.h"
 #include "Output.h"
 #include "SessionOptions.h"
 
@@ -124,20 +124,14 @@ void inspect(const QString& file, bool isProfiled)
         const QList<PluginRecord> records = PluginLoader::records();
         if (!records.isEmpty())
             sendRecord(records.constFirst());
-        switch (step) {
-        case PluginLoader::Step::Load:
-            return sendActivity("it was loaded");
-        case PluginLoader::Step::Query:
-            return sendActivity("its queries were called");
-        case PluginLoader::Step::Start:
+        if (step == PluginLoader::Step::Start)
             before = Registrations();
-            return sendActivity("it was started");
-        case PluginLoader::Step::Stop:
-            return sendActivity("it was stopped");
-        case PluginLoader::Step::Unload:
+        if (step == PluginLoader::Step::Unload)
             after = Registrations();
-            return sendActivity("it was unloaded");
-        }
+        constexpr const char* activities[] = {"it was loaded", "its queries were called",
+                                              "it was started", "it was stopped",
+                                              "it was unloaded"};
+        sendActivity(activities[static_cast<int>(step)]);
     });
     PluginLoader::loadFile(file, isProfiled);
     PluginLoader::unloadPlugins();

@@ -1,6 +1,5 @@
 #include "inspection/PluginInspector.h"
 
-#include "inspection/InspectionProtocol.h"
 #include "Output.h"
 
 #include <QCoreApplication>

@@ -33,44 +33,6 @@ namespace Host {
 
 namespace {
 
-/// Reads the host and the number that both commands take, or returns the exit code if the command
-/// ends here. `number` contains the default value; afterwards it is at least `least`.
-std::optional<int> read(const QStringList& arguments, const QString& description,
-                        const QCommandLineOption& option, int least, QString& host, int& number)
-{
-    QCommandLineParser parser;
-    parser.setApplicationDescription(description);
-    parser.addPositionalArgument(QStringLiteral("HOST"), QStringLiteral("A name or an address."));
-    parser.addOption(option);
-    if (const std::optional<int> status = parse(parser, arguments))
-        return status;
-
-    const QStringList hosts = parser.positionalArguments();
-    if (hosts.size() != 1)
-        return fail(UsageError, QStringLiteral("expected one host, got %1").arg(hosts.size()));
-    host = hosts.first();
-    // The tool would read such a host as an option, as no host, or as two hosts.
-    if (host.isEmpty() || host.startsWith(QLatin1Char('-')) || host.startsWith(QLatin1Char('/')) ||
-        std::any_of(host.cbegin(), host.cend(), [](QChar character) {
-            return character.isSpace() || character.category() == QChar::Other_Control;
-        })) {
-        return fail(UsageError,
-                    QStringLiteral("%1 is not a host name or address").arg(quoted(host)));
-    }
-
-    if (parser.isSet(option)) {
-        bool isNumber = false;
-        number = parser.value(option).toInt(&isNumber);
-        if (!isNumber || number < least) {
-            return fail(UsageError,
-                        QStringLiteral("--%1: %2 is not an integer of at least %3")
-                            .arg(option.names().constFirst(), quoted(parser.value(option)))
-                            .arg(least));
-        }
-    }
-    return std::nullopt;
-}
-
 /// Prints a part of a tool's output.
 void printOutput(QByteArray text)
 {
@@ -202,10 +164,39 @@ int runTrace(const QString& host, int maxHops)
     return Success;
 }
 
-/// Calls a function while the library is initialised. Its files are temporary.
-template <typename Function>
-int withLibrary(Function function)
+/// Executes a command that takes a host and the number of `option`, which is at least `least`:
+/// calls `runTool` with them while the library is initialised. Its files are temporary.
+int runWithHost(const QStringList& arguments, const QString& description,
+                const QCommandLineOption& option, int least,
+                int (*runTool)(const QString& host, int number))
 {
+    QCommandLineParser parser;
+    parser.setApplicationDescription(description);
+    parser.addPositionalArgument(QStringLiteral("HOST"), QStringLiteral("A name or an address."));
+    parser.addOption(option);
+    if (const std::optional<int> exitCode = parse(parser, arguments))
+        return *exitCode;
+
+    const QStringList hosts = parser.positionalArguments();
+    if (hosts.size() != 1)
+        return fail(UsageError, QStringLiteral("expected one host, got %1").arg(hosts.size()));
+    const QString host = hosts.first();
+    // The tool would read such a host as an option, as no host, or as two hosts.
+    if (host.isEmpty() || host.startsWith(QLatin1Char('-')) || host.startsWith(QLatin1Char('/')) ||
+        std::any_of(host.cbegin(), host.cend(), [](QChar character) {
+            return character.isSpace() || character.category() == QChar::Other_Control;
+        })) {
+        return fail(UsageError,
+                    QStringLiteral("%1 is not a host name or address").arg(quoted(host)));
+    }
+    bool isNumber = false;
+    const int number = parser.value(option).toInt(&isNumber);
+    if (!isNumber || number < least) {
+        return fail(UsageError, QStringLiteral("--%1: %2 is not an integer of at least %3")
+                                    .arg(option.names().constFirst(), quoted(parser.value(option)))
+                                    .arg(least));
+    }
+
     const QTemporaryDir directory;
     if (!directory.isValid()) {
         return fail(
@@ -214,38 +205,30 @@ int withLibrary(Function function)
     }
     Core::Settings::instance().setApplicationDirPath(directory.path());
     App::Application::init();
-    const int status = function();
+    const int exitCode = runTool(host, number);
     App::Application::destruct();
-    return status;
+    return exitCode;
 }
 
 } // namespace
 
 int ping(const QStringList& arguments)
 {
-    const QCommandLineOption option(QStringLiteral("count"),
-                                    QStringLiteral("The number of requests; 4 by default, 0 for no "
-                                                   "limit. Ignored on Windows."),
-                                    QStringLiteral("N"));
-    QString host;
-    int count = 4;
-    if (const std::optional<int> status = read(
-            arguments, QStringLiteral("Sends echo requests to a host."), option, 0, host, count))
-        return *status;
-    return withLibrary([&] { return runPing(host, count); });
+    return runWithHost(arguments, QStringLiteral("Sends echo requests to a host."),
+                       {QStringLiteral("count"),
+                        QStringLiteral("The number of requests; 4 by default, 0 for no limit. "
+                                       "Ignored on Windows."),
+                        QStringLiteral("N"), QStringLiteral("4")},
+                       0, runPing);
 }
 
 int trace(const QStringList& arguments)
 {
-    const QCommandLineOption option(QStringLiteral("max-hops"),
-                                    QStringLiteral("The maximum number of hops; 10 by default."),
-                                    QStringLiteral("N"));
-    QString host;
-    int maxHops = 10;
-    if (const std::optional<int> status = read(
-            arguments, QStringLiteral("Traces the route to a host."), option, 1, host, maxHops))
-        return *status;
-    return withLibrary([&] { return runTrace(host, maxHops); });
+    return runWithHost(arguments, QStringLiteral("Traces the route to a host."),
+                       {QStringLiteral("max-hops"),
+                        QStringLiteral("The maximum number of hops; 10 by default."),
+                        QStringLiteral("N"), QStringLiteral("10")},
+                       1, runTrace);
 }
 
 } // namespace Host

@@ -3,9 +3,7 @@
 #include "Interrupts.h"
 #include "Output.h"
 #include "session/EventPrinter.h"
-#include "session/HeartbeatChannel.h"
 #include "session/SessionListener.h"
-#include "session/SessionReceiver.h"
 #include "SessionOptions.h"
 
 #include <app/Application.h>
@@ -18,6 +16,7 @@
 #include <ovdoc/Storage.h>
 #include <ovdoc/Transaction.h>
 #include <plugins/PluginLoader.h>
+#include <registries/CommInfo.h>
 #include <registries/CommInfoRegistry.h>
 
 #include <QCommandLineParser>
@@ -40,14 +39,13 @@ using App::PluginLoader;
 
 QString sampleDocument()
 {
-    const QDir samples(QCoreApplication::applicationDirPath() + QLatin1Char('/') +
-                       QLatin1String(OVAPP_SAMPLES_PATH));
-    return QDir::cleanPath(samples.filePath(QStringLiteral("documents/coaster.ovdoc")));
+    return QDir::cleanPath(QCoreApplication::applicationDirPath() +
+                           QStringLiteral("/" OVAPP_SAMPLES_PATH "/documents/coaster.ovdoc"));
 }
 
 /// Counts one more finished piece, notifies the listeners of every kind that a change concerns, and
 /// posts the events.
-void changeDocument(Doc::Document* document, SessionReceiver& receiver)
+void changeDocument(Doc::Document* document, QObject& receiver)
 {
     App::Application& application = App::Application::instance();
     Doc::Transaction transaction(QStringLiteral("Finish a piece"));
@@ -70,6 +68,35 @@ void changeDocument(Doc::Document* document, SessionReceiver& receiver)
                        Core::BoardEthDescHandler::instance()->currentBoardEthDescType()));
 }
 
+/// A minimal communication channel. While it is started, it prints a line at regular intervals,
+/// from the event loop.
+class HeartbeatChannel : public App::CommInfo
+{
+public:
+    HeartbeatChannel(EventPrinter& printer, std::chrono::milliseconds interval) : _printer(printer)
+    {
+        _timer.setInterval(interval);
+        QObject::connect(&_timer, &QTimer::timeout, &_timer,
+                         [this] { _printer.print(name(), QStringLiteral("is alive")); });
+    }
+
+    QString name() const override { return QStringLiteral("heartbeat channel"); }
+    void start() override
+    {
+        _printer.print(name(), QStringLiteral("starts"));
+        _timer.start();
+    }
+    void stop() override
+    {
+        _timer.stop();
+        _printer.print(name(), QStringLiteral("stops"));
+    }
+
+private:
+    EventPrinter& _printer;
+    QTimer _timer;
+};
+
 /// Keeps the channels started until an interrupt if `stay` is true, otherwise for some heartbeats.
 /// Returns an error message; empty if there is no error.
 QString runChannels(bool stay, EventPrinter& printer)
@@ -79,11 +106,9 @@ QString runChannels(bool stay, EventPrinter& printer)
     channels.registerCommInfo(&heartbeat);
     channels.start();
     QEventLoop loop;
-    bool isEnded = false;
-    const auto end = [&loop, &isEnded] {
-        isEnded = true;
-        loop.quit();
-    };
+    // No plug-in is expected to call QCoreApplication::exit with this code.
+    constexpr int ended = std::numeric_limits<int>::min();
+    const auto end = [&loop] { loop.exit(ended); };
     QTimer endTimer;
     if (stay) {
         printer.printStep(QStringLiteral("keeps the channels started until Ctrl+C"));
@@ -97,7 +122,7 @@ QString runChannels(bool stay, EventPrinter& printer)
     } else {
         QTimer::singleShot(70, &loop, end);
     }
-    loop.exec();
+    const bool isEnded = loop.exec() == ended;
     channels.stop();
     channels.unregisterCommInfo(&heartbeat);
     return isEnded ? QString() : QStringLiteral("a plug-in has ended the event loop");
@@ -105,8 +130,7 @@ QString runChannels(bool stay, EventPrinter& printer)
 
 /// Opens the document, changes it, reverts it and closes it. Returns an error message; empty if
 /// there is no error.
-QString useDocument(const QString& path, bool stay, SessionReceiver& receiver,
-                    EventPrinter& printer)
+QString useDocument(const QString& path, bool stay, QObject& receiver, EventPrinter& printer)
 {
     App::Application& application = App::Application::instance();
     auto onDisk = std::make_unique<Doc::Document>(new Doc::Storage);
@@ -165,27 +189,20 @@ void loadPlugins(EventPrinter& printer)
     App::Application::instance().notifyPluginStateChangeListener(PluginLoader::pluginCount());
 }
 
-void unloadPlugins(EventPrinter& printer)
-{
-    printer.printStep(QStringLiteral("stops and unloads the plug-ins"));
-    PluginLoader::unloadPlugins();
-    PluginLoader::setStepHandler(nullptr);
-}
-
 /// Executes the session between start-up and shutdown. Returns an error message; empty if there is
 /// no error.
 QString useApplication(const QString& document, bool stay, EventPrinter& printer)
 {
     SessionListener listener(printer);
-    SessionReceiver receiver(printer);
-    QCoreApplication::instance()->installEventFilter(&receiver);
     loadPlugins(printer);
     printer.printStep(QStringLiteral("completes its start-up"));
     App::Application::instance().doAppStartFinished();
 
-    const QString error = useDocument(document, stay, receiver, printer);
+    const QString error = useDocument(document, stay, listener, printer);
 
-    unloadPlugins(printer);
+    printer.printStep(QStringLiteral("stops and unloads the plug-ins"));
+    PluginLoader::unloadPlugins();
+    PluginLoader::setStepHandler(nullptr);
     return error;
 }
 

@@ -3,10 +3,14 @@
 #include "session/EventPrinter.h"
 
 #include <app/Application.h>
+#include <events/SelectionChangeEvent.h>
+#include <events/SwitchScreenLayoutEvent.h>
+#include <events/TransactionEvent.h>
 #include <ovdoc/DocObject.h>
 #include <ovdoc/Storage.h>
 #include <ovdoc/Transaction.h>
 
+#include <QCoreApplication>
 #include <QFileInfo>
 
 namespace Host {
@@ -39,9 +43,8 @@ SessionListener::SessionListener(EventPrinter& printer) : _printer(printer)
     application.addPropertyListener(this);
     application.addSelectionListener(this);
     application.addTransactionListener(this);
+    QCoreApplication::instance()->installEventFilter(this);
 }
-
-SessionListener::~SessionListener() = default;
 
 void SessionListener::updateActiveDocumentListener(Doc::Document* document)
 {
@@ -95,9 +98,48 @@ void SessionListener::updateTransactionListener(Doc::Document* document,
           QStringLiteral("\"%1\" in: %2").arg(transaction->name(), describe(document)));
 }
 
+bool SessionListener::event(QEvent* event)
+{
+    return printEvent(QStringLiteral("receiver"), *event) || QObject::event(event);
+}
+
+bool SessionListener::eventFilter(QObject* watched, QEvent* event)
+{
+    // A filter of the application object receives the events of every object of its thread.
+    return watched == QCoreApplication::instance() &&
+           printEvent(QStringLiteral("QCoreApplication"), *event);
+}
+
 void SessionListener::print(const QString& kind, const QString& description)
 {
     _printer.print(kind + QStringLiteral(" listener"), description);
+}
+
+bool SessionListener::printEvent(const QString& receiver, const QEvent& event)
+{
+    switch (static_cast<int>(event.type())) {
+    case App::TransactionEvent::eventType: {
+        const auto& posted = static_cast<const App::TransactionEvent&>(event);
+        _printer.print(receiver,
+                       QStringLiteral("receives the transaction \"%1\", %2, object types %3")
+                           .arg(posted.transaction().name(),
+                                posted.hasOnlyChanges() ? QStringLiteral("changes only")
+                                                        : QStringLiteral("more than changes"))
+                           .arg(posted.objectTypeFilter()));
+        return true;
+    }
+    case App::SelectionChangeEvent::eventType:
+        _printer.print(receiver, QStringLiteral("receives a change of the selection"));
+        return true;
+    case Core::SwitchScreenLayoutEvent::eventType:
+        _printer.print(
+            receiver,
+            QStringLiteral("receives a switch to the screen layout of board type %1")
+                .arg(static_cast<const Core::SwitchScreenLayoutEvent&>(event).boardType()));
+        return true;
+    default:
+        return false;
+    }
 }
 
 } // namespace Host

@@ -11,6 +11,7 @@
 #include <app/TransactionListener.h>
 #include <ovdoc/Document.h>
 
+#include <QObject>
 #include <QString>
 
 #include <memory>
@@ -20,9 +21,11 @@ namespace Host {
 
 class EventPrinter;
 
-/// A listener of every kind that prints each notification. It also owns the closed documents, which
-/// the library does not delete.
-class SessionListener : public App::ActiveDocumentListener,
+/// A listener of every kind that prints each notification, and each event that the library posts to
+/// it or to the `QCoreApplication`. It also owns the closed documents, which the library does not
+/// delete.
+class SessionListener : public QObject,
+                        public App::ActiveDocumentListener,
                         public App::AppStartFinishListener,
                         public App::CloseDocumentListener,
                         public App::NewDocumentListener,
@@ -33,12 +36,9 @@ class SessionListener : public App::ActiveDocumentListener,
                         public App::TransactionListener
 {
 public:
-    /// Registers itself with the application object as a listener of every kind.
+    /// Registers itself with the application object as a listener of every kind, and with the
+    /// `QCoreApplication` as an event filter.
     explicit SessionListener(EventPrinter& printer);
-    SessionListener(const SessionListener&) = delete;
-    SessionListener& operator=(const SessionListener&) = delete;
-    /// Deletes the closed documents. Its base classes remove it from the lists.
-    ~SessionListener() override;
 
     void updateActiveDocumentListener(Doc::Document* document) override;
     void updateAppStartFinishListener() override;
@@ -50,8 +50,13 @@ public:
     void updateSelectionListener(Doc::Document* document) override;
     void updateTransactionListener(Doc::Document* document, Doc::Transaction* transaction) override;
 
+    bool event(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     void print(const QString& kind, const QString& description);
+    /// Prints the event and returns true if it is one that the library posts.
+    bool printEvent(const QString& receiver, const QEvent& event);
 
     EventPrinter& _printer;
     std::vector<std::unique_ptr<Doc::Document>> _closedDocuments;
