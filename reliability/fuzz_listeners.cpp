@@ -4,7 +4,6 @@
 
 #include <app/Application.h>
 #include <app/AppStartFinishListener.h>
-#include <app/SelectionListener.h>
 
 #include <QCoreApplication>
 
@@ -30,11 +29,6 @@ struct Actor : App::AppStartFinishListener
 private:
     Model& _model;
     const int _index;
-};
-
-struct Bystander : App::SelectionListener
-{
-    void updateSelectionListener(Doc::Document*) override {}
 };
 
 /// Listeners that add, remove, destroy and notify one another, and a model of the expected calls.
@@ -89,9 +83,6 @@ private:
 
     void change()
     {
-        // Changes of another list must not affect the iterations.
-        App::Application::instance().addSelectionListener(&_bystander);
-        App::Application::instance().removeSelectionListener(&_bystander);
         for (unsigned left = below(4); left > 0 && _budget > 0; --left, --_budget) {
             const auto index = static_cast<int>(below(count));
             const unsigned action = below(10);
@@ -140,7 +131,6 @@ private:
 
     FuzzedDataProvider& _choices;
     std::optional<Actor> _actors[count];
-    Bystander _bystander;
     /// The number of each listener's registration; 0 if it is not registered.
     int _numbers[count] = {};
     /// The registered listeners, by the number of their registration.

@@ -13,11 +13,9 @@
 #include <QApplication>
 #include <QLineEdit>
 #include <QListView>
-#include <QMenuBar>
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QProgressBar>
-#include <QPushButton>
 #include <QTreeWidget>
 #include <QtTest>
 
@@ -443,23 +441,6 @@ private Q_SLOTS:
         QTRY_VERIFY(contentOf(desktop.path("traceroute.out"_s)).endsWith("summary\n"));
         QTest::keyClick(dialog, Qt::Key_T, Qt::AltModifier);
         QTRY_VERIFY(output->toPlainText().contains("install traceroute"_s));
-    }
-
-    void keyboard()
-    {
-        Desktop desktop(_user.path());
-        desktop.press(Qt::Key_N);
-        QStringList altKeys;
-        for (const QAction* menu : desktop.window.menuBar()->actions())
-            altKeys += menu->text().section(u'&', 1).left(1).toUpper();
-        for (const QPushButton* button : desktop.window.findChildren<QPushButton*>())
-            altKeys += button->text().section(u'&', 1).left(1).toUpper();
-        QVERIFY(altKeys.removeDuplicates() == 0 && !altKeys.contains(QString()));
-
-        // The Tab key begins in the document.
-        QCOMPARE(QApplication::focusWidget(), desktop.window.centralWidget());
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
-        QVERIFY(desktop.window.centralWidget()->isAncestorOf(QApplication::focusWidget()));
     }
 
 private:

@@ -82,17 +82,10 @@ private Q_SLOTS:
         info.set("name"_s, QVariant());
         QCOMPARE(info.get("name"_s, 5), QVariant());
         QCOMPARE(info.get("Missing"_s, 5), QVariant(5));
-
-        PluginInfo copy(info);
-        copy.set("Name"_s, 2);
-        copy.set("QtVersion"_s, 3);
-        QCOMPARE(copy.get("QtVersion"_s), QVariant(3));
-        QCOMPARE(info.keys(), words("QtVersion name"));
-        PluginInfo moved(std::move(copy));
-        QVERIFY(copy.keys().isEmpty());
-        info = std::move(moved);
-        QVERIFY(moved.keys().isEmpty());
+        info.set("Name"_s, 2);
         QCOMPARE(info.keys(), words("Name QtVersion name"));
+        const PluginInfo moved(std::move(info));
+        QVERIFY(info.keys().isEmpty() && moved.keys().size() == 3);
     }
 
     void scansInOrder()
@@ -504,20 +497,13 @@ private Q_SLOTS:
         const QByteArray plugin = PluginFixture::built("PluginA"_s);
         const auto size = plugin.size();
         QVERIFY(size > 4096);
-        for (const auto part :
-             {int(size) - 1, int(size) - 100, int(size) / 2, 4096, 64, 63, 10, 0}) {
+        for (const int part : {int(size) - 1, int(size) / 2, 4096, 64, 63, 0}) {
             write(plugin.left(part));
             // Without the section table, which is at the end in ELF, or on Windows the imports.
             if (part <= size / 2)
                 write(plugin.left(part).leftJustified(size, '\0'));
         }
-        QByteArray random(10000, Qt::Uninitialized);
-        QRandomGenerator(7).fillRange(reinterpret_cast<quint32*>(random.data()), random.size() / 4);
-        write(random);
-        write(plugin.left(64) + random);
-        write(plugin.left(4096) + random + "QTMETADATA !" + random);
         write(contentOf(QCoreApplication::applicationFilePath()));
-        write("MZ" + QByteArray(200, '\0') + "PE\0\0");
         QVERIFY(QFile::link(_fixture->path("nowhere"_s), nextPath()));
         QVERIFY(QFile::link(_fixture->plugin("."_s), nextPath()));
 #ifdef Q_OS_UNIX
