@@ -91,16 +91,14 @@ log: destruct application.)"_s;
 
     void documentThatCannotBeOpened()
     {
-        QProcess host;
-        host.setProcessChannelMode(QProcess::MergedChannels);
-        host.start(hostPath, {"run"_s, "--app-dir"_s, _directory->path(), "--document"_s,
-                              "a\nb\u202e\u2028\U0001f600"_s});
-        QStringList output = outcomeOf(host).output;
-        QCOMPARE(host.exitCode(), 1);
-        QCOMPARE(
-            output.takeLast(),
-            "ovapp-host: cannot open 'a\\x0ab\\x202e\\x2028\U0001f600': there is no such file"_s);
-        QVERIFY2(output.last().endsWith("destruct application."_s), qPrintable(output.last()));
+        const Outcome outcome = runHost({"run"_s, "--app-dir"_s, _directory->path(), "--document"_s,
+                                         "a\nb\u202e\u2028\U0001f600"_s});
+        QCOMPARE(outcome.status, 1);
+        QCOMPARE(outcome.errors,
+                 QStringList("ovapp-host: cannot open 'a\\x0ab\\x202e\\x2028\U0001f600': there is "
+                             "no such file"_s));
+        QVERIFY2(outcome.output.last().endsWith("destruct application."_s),
+                 qPrintable(outcome.output.last()));
     }
 
     void usage()
@@ -153,138 +151,105 @@ log: destruct application.)"_s;
         }
     }
 
-    void settingsThatCannotBeWritten()
-    {
-        QVERIFY(QDir().mkpath(path("ovapp.ini.lock"_s)));
-        const Outcome outcome = run("run --app-dir %1 --plugins %1");
-        QCOMPARE(outcome.status, 0);
-        QCOMPARE(outcome.errors.size(), 1);
-        QVERIFY2(outcome.errors.first().startsWith(
-                     "ovapp-host: warning: '%1/ovapp.ini' cannot be written: its lock file"_s.arg(
-                         _directory->path())),
-                 qPrintable(outcome.errors.first()));
-    }
-
-    void networkTools_data()
-    {
-        QTest::addColumn<bool>("installed");
-        QTest::addColumn<QString>("arguments");
-        QTest::addColumn<int>("status");
-        QTest::addColumn<QStringList>("output");
-        QTest::addColumn<QString>("error");
-        const auto row = [](const char* arguments, int status, const QStringList& output,
-                            const QString& error = QString(), bool installed = true) {
-            QTest::addRow("%s%s", arguments, installed ? "" : ", no tool")
-                << installed << arguments << status << output << error;
-        };
-        const QStringList hops{QLatin1String(SystemTools::tracerouteMaxHops)};
-        row("ping --count 0 here", 0, words("here"));
-        if (SystemTools::pingRunsUntilStopped)
-            row("ping --count 1 endless", 0, words("endless summary"));
-        row("ping unanswered", 1, words("unanswered"), "ovapp-host: complaint"_s);
-        row("ping here", 1, {},
-            "ovapp-host: cannot start the system's ping tool; on Debian, install iputils-ping"_s,
-            false);
-        row("trace --max-hops 1 slow", 0,
-            hops + words("1 slow complaint") + QStringList(" 1  later"_s));
-        row("trace here", 1, hops + words("10 here complaint"),
-            "ovapp-host: no hop to 'here' was found"_s);
-        row("trace here", 1, {},
-            "ovapp-host: cannot start the system's traceroute tool; on Debian, install "
-            "traceroute"_s,
-            false);
-    }
-
     void networkTools()
     {
-        QFETCH(bool, installed);
-        QFETCH(QString, arguments);
-        const char* tool =
-            arguments.startsWith("ping"_s) ? SystemTools::ping : SystemTools::traceroute;
-        if (!installed && Tools::isAlwaysFound(QLatin1String(tool)))
-            QSKIP("This system's own tool cannot be hidden");
-        Tools::findIn(installed ? QStringLiteral(FAKE_TOOL_DIR)
-                                : QCoreApplication::applicationDirPath());
+        const QStringList hops{QLatin1String(SystemTools::tracerouteMaxHops)};
+        const bool endless = SystemTools::pingRunsUntilStopped;
         const QString strayReport = QFileInfo(hostPath).path() + "/traceroute.out"_s;
         QFile::remove(strayReport);
-        const Outcome outcome = runHost(words(qPrintable(arguments)));
+        const std::tuple<const char*, int, QStringList, QString> rows[] = {
+            {"ping --count 0 here", 0, words("here"), {}},
+            {endless ? "ping --count 1 endless" : "ping here",
+             0,
+             endless ? words("endless summary") : words("here"),
+             {}},
+            {"ping unanswered", 1, words("unanswered"), "ovapp-host: complaint"_s},
+            {"trace --max-hops 1 slow",
+             0,
+             hops + words("1 slow complaint") + QStringList(" 1  later"_s),
+             {}},
+            {"trace here", 1, hops + words("10 here complaint"),
+             "ovapp-host: no hop to 'here' was found"_s}};
+        Tools::findIn(QStringLiteral(FAKE_TOOL_DIR));
+        for (const auto& [arguments, status, output, error] : rows) {
+            const Outcome outcome = run(arguments);
+            QCOMPARE(outcome.errors.join(u'\n'), error);
+            QCOMPARE(outcome.output, output);
+            QCOMPARE(outcome.status, status);
+        }
         QVERIFY(!QFile::exists(strayReport));
-        QTEST(outcome.status, "status");
-        QTEST(outcome.output, "output");
-        QTEST(outcome.errors.join(u'\n'), "error");
+
+        Tools::findIn(QCoreApplication::applicationDirPath());
+        for (const auto& [command, tool, name, package] :
+             {std::tuple("ping here", SystemTools::ping, "ping", "iputils-ping"),
+              {"trace here", SystemTools::traceroute, "traceroute", "traceroute"}}) {
+            // Some systems' own tools cannot be hidden.
+            if (Tools::isAlwaysFound(QLatin1String(tool)))
+                continue;
+            const Outcome outcome = run(command);
+            QCOMPARE(outcome.errors.join(u'\n'),
+                     "ovapp-host: cannot start the system's %1 tool; on Debian, install %2"_s.arg(
+                         QLatin1String(name), QLatin1String(package)));
+            QCOMPARE(outcome.status, 1);
+        }
     }
 
 #ifdef Q_OS_UNIX
-    void interrupt_data()
-    {
-        QTest::addColumn<QString>("readyOutput"); ///< when the signal is sent
-        QTest::addColumn<int>("signalSent");
-        QTest::addColumn<QString>("lastLine");
-        QTest::addColumn<QString>("errors");
-        const auto row = [](const char* arguments, const char* readyOutput, int signalSent,
-                            const char* lastLine, const char* errors = "") {
-            QTest::newRow(arguments) << readyOutput << signalSent << lastLine << errors;
-        };
-        // The signals reach the host only.
-        row("ping --count 0 endless", "endless", SIGTERM, "summary");
-        row("ping --count 0 late", "late", SIGINT, "summary", "ovapp-host: interrupted");
-        row("trace endless", "endless", SIGINT, "summary", "ovapp-host: interrupted");
-        // There is about one heartbeat per second.
-        row("run --stay --app-dir %1 --plugins %1", "[0-9]{4} ms  heartbeat channel +is alive",
-            SIGTERM, "destruct application.");
-    }
-
-    /// SIGHUP is ignored, as by `nohup`.
+    /// The signals reach the host only. SIGHUP is ignored, as by `nohup`.
     void interrupt()
     {
-        QFETCH(QString, readyOutput);
-        QFETCH(int, signalSent);
-        QFETCH(QString, lastLine);
-        QFETCH(QString, errors);
-        QProcess host;
-        startWithFakeTools(host, R"(trap "" HUP; exec "$@")");
-        while (!QString::fromUtf8(host.peek(100000)).contains(QRegularExpression(readyOutput)))
-            QVERIFY(host.waitForReadyRead());
-        const auto pid = static_cast<pid_t>(host.processId());
-        QCOMPARE(::kill(pid, SIGHUP), 0);
-        QVERIFY(!host.waitForFinished(200));
-        QElapsedTimer elapsed;
-        elapsed.start();
-        QCOMPARE(::kill(pid, signalSent), 0);
-        const Outcome outcome = outcomeOf(host);
-        QCOMPARE(outcome.status, errors.isEmpty() ? 0 : 1);
-        QCOMPARE(outcome.errors.join(u'\n'), errors);
-        QVERIFY(elapsed.elapsed() < 2000);
-        QVERIFY2(outcome.output.last().endsWith(lastLine), qPrintable(outcome.output.last()));
-    }
-
-    void unwritableOutput_data()
-    {
-        QTest::addColumn<QByteArray>("output");
-        QTest::newRow("--version") << QByteArray(">/dev/full");
-        for (const char* arguments :
-             {"ping --count 0 late", "trace late", "run --stay --app-dir %1 --plugins %1"})
-            QTest::newRow(arguments) << QByteArray("| :");
+        const std::tuple<const char*, QString, int, QString, QString> rows[] = {
+            {"ping --count 0 endless", "endless"_s, SIGTERM, "summary"_s, {}},
+            {"ping --count 0 late", "late"_s, SIGINT, "summary"_s, "ovapp-host: interrupted"_s},
+            {"trace endless", "endless"_s, SIGINT, "summary"_s, "ovapp-host: interrupted"_s},
+            // There is about one heartbeat per second.
+            { "run --stay --app-dir %1 --plugins %1",
+              "[0-9]{4} ms  heartbeat channel +is alive"_s,
+              SIGTERM,
+              "destruct application."_s,
+              {} }};
+        for (const auto& [arguments, readyOutput, signalSent, lastLine, errors] : rows) {
+            QProcess host;
+            startWithFakeTools(host, arguments, R"(trap "" HUP; exec "$@")");
+            while (!QString::fromUtf8(host.peek(100000)).contains(QRegularExpression(readyOutput)))
+                QVERIFY(host.waitForReadyRead());
+            const auto pid = static_cast<pid_t>(host.processId());
+            QCOMPARE(::kill(pid, SIGHUP), 0);
+            QVERIFY(!host.waitForFinished(200));
+            QElapsedTimer elapsed;
+            elapsed.start();
+            QCOMPARE(::kill(pid, signalSent), 0);
+            const Outcome outcome = outcomeOf(host);
+            QCOMPARE(outcome.errors.join(u'\n'), errors);
+            QCOMPARE(outcome.status, errors.isEmpty() ? 0 : 1);
+            QVERIFY(elapsed.elapsed() < 2000);
+            QVERIFY2(outcome.output.last().endsWith(lastLine), qPrintable(outcome.output.last()));
+        }
     }
 
     /// The host reports that, and leaves neither temporary files nor processes.
     void unwritableOutput()
     {
-        QFETCH(QByteArray, output);
-        const QTemporaryDir temporary;
-        QProcess shell;
-        // Qt creates the latter among the temporary files otherwise.
-        shell.setEnvironment(
-            QProcess::systemEnvironment() +
-            QStringList{"TMPDIR="_s + temporary.path(), "XDG_RUNTIME_DIR="_s + _directory->path()});
-        shell.setWorkingDirectory(_directory->path());
-        startWithFakeTools(shell, R"(("$@"; echo $? >&2) )" + output);
-        QCOMPARE(outcomeOf(shell).errors,
-                 QStringList({"ovapp-host: cannot write to standard output"_s, "1"_s}));
-        QVERIFY(QDir(temporary.path()).isEmpty());
-        for (const QString& process : QDir("/proc"_s).entryList(QDir::Dirs)) {
-            QVERIFY2(QFile::symLinkTarget("/proc/"_s + process + "/cwd"_s) != _directory->path(),
-                     "a process is still running");
+        for (const char* arguments : {"--version", "ping --count 0 late", "trace late",
+                                      "run --stay --app-dir %1 --plugins %1"}) {
+            const QTemporaryDir temporary;
+            QProcess shell;
+            // Qt creates the latter among the temporary files otherwise.
+            shell.setEnvironment(QProcess::systemEnvironment() +
+                                 QStringList{"TMPDIR="_s + temporary.path(),
+                                             "XDG_RUNTIME_DIR="_s + _directory->path()});
+            shell.setWorkingDirectory(_directory->path());
+            startWithFakeTools(shell, arguments,
+                               QByteArray(R"(("$@"; echo $? >&2) )") +
+                                   (arguments[0] == '-' ? ">/dev/full" : "| :"));
+            QCOMPARE(outcomeOf(shell).errors,
+                     QStringList({"ovapp-host: cannot write to standard output"_s, "1"_s}));
+            QVERIFY(QDir(temporary.path()).isEmpty());
+            for (const QString& process : QDir("/proc"_s).entryList(QDir::Dirs)) {
+                QVERIFY2(QFile::symLinkTarget("/proc/"_s + process + "/cwd"_s) !=
+                             _directory->path(),
+                         "a process is still running");
+            }
         }
     }
 #endif
@@ -418,9 +383,10 @@ log: destruct application.)"_s;
 #endif
 
 #ifdef Q_OS_UNIX
-    void skippedFiles()
+    void warnings()
     {
-        for (const QString& name : words("below/my.so notes.txt .hidden.so closed/none"))
+        for (const QString& name :
+             words("below/my.so notes.txt .hidden.so closed/none ovapp.ini.lock/none"))
             writeFile(path(name));
         QVERIFY(QFile::link(_directory->path(), path("below/loop"_s)));
         QVERIFY(QFile::setPermissions(path("closed"_s), {}));
@@ -430,8 +396,12 @@ log: destruct application.)"_s;
                                       QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
         QCOMPARE(outcome.status, 0);
         const QString warning = "ovapp-host: warning: '%1' is skipped: %2"_s;
-        QStringList expected(
-            warning.arg(path("below/my.so"_s), "the suffix of plug-in files is .dll"_s));
+        QStringList expected{
+            "ovapp-host: warning: '%1' cannot be written: its lock file, ovapp.ini.lock, is in use "
+            "or "
+            "cannot be removed; settings will be lost, unless --app-dir names another directory"_s
+                .arg(path("ovapp.ini"_s)),
+            warning.arg(path("below/my.so"_s), "the suffix of plug-in files is .dll"_s)};
         // Root can read everything.
         if (!canRead)
             expected += warning.arg(path("closed"_s), "the directory cannot be read"_s);
@@ -466,13 +436,13 @@ log: destruct application.)"_s;
     }
 
 private:
-    /// Runs a shell script whose arguments are those of ovapp-host in the name of the row.
-    void startWithFakeTools(QProcess& shell, const QByteArray& script) const
+    /// Runs a shell script whose arguments are ovapp-host and its arguments.
+    void startWithFakeTools(QProcess& shell, const char* arguments, const QByteArray& script) const
     {
         Tools::findIn(QStringLiteral(FAKE_TOOL_DIR));
         shell.start("/bin/sh"_s,
                     QStringList{"-c"_s, QString::fromLatin1(script), "sh"_s, hostPath} +
-                        words(QTest::currentDataTag(), _directory->path()));
+                        words(arguments, _directory->path()));
     }
 
     /// Returns the content of a plug-in that fails in the given way.
