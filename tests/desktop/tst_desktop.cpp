@@ -10,6 +10,7 @@
 #include <ovdoc/Document.h>
 #include <ovdoc/Storage.h>
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QLineEdit>
 #include <QListView>

@@ -10,12 +10,10 @@
 #include <QTcpSocket>
 #include <QtTest>
 
-#include <ctime>
 #include <memory>
 #include <stdexcept>
 
 #ifdef Q_OS_UNIX
-#include <sys/resource.h>
 #include <sys/socket.h>
 #endif
 
@@ -80,25 +78,11 @@ private Q_SLOTS:
         };
 
 #ifdef Q_OS_UNIX
-        // If no descriptor is free, a client waits without using processor time.
-        const auto waiting = connected();
-        QFile lowestFree("/dev/null"_s);
-        QVERIFY(lowestFree.open(QIODevice::ReadOnly));
-        rlimit limit;
-        QCOMPARE(getrlimit(RLIMIT_NOFILE, &limit), 0);
-        const rlimit none{static_cast<rlim_t>(lowestFree.handle()), limit.rlim_max};
-        lowestFree.close();
-        QCOMPARE(setrlimit(RLIMIT_NOFILE, &none), 0);
-        const std::clock_t before = std::clock();
-        QTest::qWait(500);
-        const std::clock_t spent = std::clock() - before;
-        setrlimit(RLIMIT_NOFILE, &limit);
-        QVERIFY(spent < CLOCKS_PER_SEC / 20);
-        QVERIFY(samples.console.lines.last().startsWith("warning: TriggerChannel::acceptConn"));
-        QCOMPARE(answers(*waiting, "status\n", 1).size(), 1);
         // The connection is closed when the client shuts down its sending side.
-        QCOMPARE(::shutdown(static_cast<int>(waiting->socketDescriptor()), SHUT_WR), 0);
-        QTRY_COMPARE(waiting->state(), QTcpSocket::UnconnectedState);
+        const auto closing = connected();
+        QCOMPARE(answers(*closing, "status\n", 1).size(), 1);
+        QCOMPARE(::shutdown(static_cast<int>(closing->socketDescriptor()), SHUT_WR), 0);
+        QTRY_COMPARE(closing->state(), QTcpSocket::UnconnectedState);
 #endif
         const QByteArray tooLong = R"({"error":"the line is too long"})";
         for (const QByteArray& request : {QByteArray(257, 'x') + '\n', QByteArray(300, 'x'),
@@ -163,25 +147,6 @@ private Q_SLOTS:
         QVERIFY(QFile::exists(data.filePath(QFileInfo(hostPath).fileName() + "/ovapp.ini"_s)));
     }
 #endif
-
-    void profileOfEachPlugin()
-    {
-        const QTemporaryDir directory;
-        const Outcome outcome = runHost(words("plugins --profile --board 1 --app-dir %1 --plugins",
-                                              directory.filePath("made"_s)) +
-                                        QStringList(QStringLiteral(SAMPLE_PLUGIN_DIR)));
-        QCOMPARE(outcome.errors.size(), 1);
-        QVERIFY(outcome.errors.first().contains("did not exist and was created"_s));
-        QCOMPARE(outcome.status, 0);
-        QCOMPARE(outcome.output.size(), 5);
-        QVERIFY(outcome.output.first().contains("LOAD/MS  START/MS  STOP/MS  VERDICT"_s));
-        // This plug-in was started, so it has settings; the one for another board was not.
-        QVERIFY(QFile::exists(directory.filePath("made/ProductionCounter"_s)));
-        const QRegularExpression accepted("^production-counter.dll +production counter .* 0x"_s);
-        QVERIFY2(outcome.output.at(1).contains(accepted), qPrintable(outcome.output.at(1)));
-        const QRegularExpression other("^rotary-axis.dll +- .* - +- +for another board: "_s);
-        QVERIFY2(outcome.output.at(3).contains(other), qPrintable(outcome.output.at(3)));
-    }
 };
 
 QTEST_GUILESS_MAIN(tst_samples)

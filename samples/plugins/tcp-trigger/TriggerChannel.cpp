@@ -8,17 +8,12 @@
 #include <ovdoc/Transaction.h>
 #include <plugins/PluginBaseSettings.h>
 
-#include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
-#include <QSocketNotifier>
 #include <QTcpServer>
 #include <QTcpSocket>
-#include <QTimer>
 
 #include <exception>
-#include <functional>
 #include <limits>
 
 namespace {
@@ -28,8 +23,6 @@ constexpr int maximumClients = 8;
 constexpr int maximumLineLength = 256; // bytes
 /// Bytes of unread answers at which a client is disconnected.
 constexpr int maximumBacklog = 64 * 1024;
-/// Time until the next attempt to accept a client if no descriptor is free.
-constexpr int acceptRetryInterval = 1000; // ms
 
 QByteArray line(const QJsonObject& object)
 {
@@ -94,30 +87,6 @@ QByteArray answerTo(const QByteArray& request)
     return error("unknown request; expected 'status' or 'finish'");
 }
 
-/// Passes each accepted client, a child of the server, to a function. It does not call
-/// addPendingConnection(), since QTcpServer resumes accepting when a pending connection is taken.
-class Server : public QTcpServer
-{
-public:
-    explicit Server(const std::function<void(QTcpSocket*)>& addClient) : _addClient(addClient) {}
-
-protected:
-    void incomingConnection(qintptr descriptor) override
-    {
-        auto* client = new QTcpSocket(this);
-        client->setSocketDescriptor(descriptor);
-        _addClient(client);
-    }
-
-private:
-    const std::function<void(QTcpSocket*)> _addClient;
-};
-
-bool isDescriptorFree()
-{
-    return QFile(QProcess::nullDevice()).open(QIODevice::ReadOnly);
-}
-
 void rejectClient(QTcpSocket* client, const QByteArray& message)
 {
     client->disconnect();
@@ -146,7 +115,7 @@ void TriggerChannel::start()
     bool isNumber = false;
     const int port = setting.toInt(&isNumber);
 
-    auto server = std::make_unique<Server>([this](QTcpSocket* client) { addClient(client); });
+    auto server = std::make_unique<QTcpServer>();
     Core::ConsoleSingleton& console = Core::ConsoleSingleton::instance();
     if (!isNumber || port < 0 || port > 0xffff) {
         console.warning("TriggerChannel::start: '%s' is not a valid port",
@@ -160,39 +129,18 @@ void TriggerChannel::start()
     }
     console.log("TriggerChannel::start: listening on port %d", int(server->serverPort()));
     _server = std::move(server);
-    // If no descriptor is free, QTcpServer either retries in an endless loop or never accepts
-    // again, depending on how the first attempt fails.
-    _server->pauseAccepting();
-    _acceptNotifier =
-        std::make_unique<QSocketNotifier>(_server->socketDescriptor(), QSocketNotifier::Read);
-    QObject::connect(_acceptNotifier.get(), &QSocketNotifier::activated, _server.get(),
-                     [this] { acceptConnection(); });
+    QObject::connect(_server.get(), &QTcpServer::newConnection, _server.get(), [this] {
+        while (QTcpSocket* client = _server->nextPendingConnection())
+            addClient(client);
+    });
 }
 
 void TriggerChannel::stop()
 {
     if (!_server)
         return;
-    _acceptNotifier.reset();
     _server.reset();
     Core::ConsoleSingleton::instance().log("TriggerChannel::stop: no longer listening");
-}
-
-void TriggerChannel::acceptConnection()
-{
-    if (isDescriptorFree()) {
-        _isOutOfDescriptors = false;
-        _server->waitForNewConnection(0);
-        return;
-    }
-    if (!_isOutOfDescriptors) {
-        Core::ConsoleSingleton::instance().warning(
-            "TriggerChannel::acceptConnection: cannot accept clients: no file descriptor is free");
-    }
-    _isOutOfDescriptors = true;
-    _acceptNotifier->setEnabled(false);
-    QTimer::singleShot(acceptRetryInterval, _acceptNotifier.get(),
-                       [this] { _acceptNotifier->setEnabled(true); });
 }
 
 void TriggerChannel::addClient(QTcpSocket* client)

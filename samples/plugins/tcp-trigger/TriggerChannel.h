@@ -4,7 +4,6 @@
 
 #include <memory>
 
-class QSocketNotifier;
 class QTcpServer;
 class QTcpSocket;
 
@@ -16,7 +15,8 @@ class QTcpSocket;
 /// number, "target": number}. The answer to any other line, and to `finish` without a document, is
 /// {"error": text}. Lines end with a line feed, optionally after a carriage return. When a client
 /// shuts down its sending side, the server answers the remaining requests and closes the
-/// connection.
+/// connection. If no file descriptor is free for a client, the server may not accept others until
+/// it is started again.
 class TriggerChannel : public App::CommInfo
 {
 public:
@@ -31,13 +31,9 @@ public:
     void stop() override;
 
 private:
-    void acceptConnection();
     void addClient(QTcpSocket* client);
     void answerLines(QTcpSocket* client);
 
     /// Null unless the channel is started. The clients are its children.
     std::unique_ptr<QTcpServer> _server;
-    /// Activated when a client waits to be accepted.
-    std::unique_ptr<QSocketNotifier> _acceptNotifier;
-    bool _isOutOfDescriptors = false;
 };
