@@ -13,8 +13,7 @@ namespace App {
 class OVAPP_EXPORT AppStartFinishListener
 {
 public:
-    /// Listeners that are added during this call are called in the same iteration. The iteration
-    /// does not end if a listener removes and adds itself in every call.
+    /// Listeners that are added during this call are called in the same iteration.
     virtual void updateAppStartFinishListener() = 0;
 
     /// Removes the listener from the application object if it is still registered.

@@ -60,7 +60,7 @@ function(ovapp_add_plugin_test target)
         message(FATAL_ERROR "ovapp_add_plugin_test(${target}): ovapp-host was not found; on Debian, install \
 ovapp-host${suffix}")
     endif()
-    if(NOT arg_BOARD)
+    if(NOT DEFINED arg_BOARD)
         set(arg_BOARD 1)
     endif()
     # The settings of the test are not those of the user.

@@ -147,9 +147,8 @@ QString stop(QObject* object, const QString& filePath)
 QVersionNumber versionOf(const QPluginLoader& loader)
 {
     const QString text = loader.metaData().value(QLatin1String("ovapp")).toArray().at(0).toString();
-    decltype(text.size()) end = 0;
-    const QVersionNumber version = QVersionNumber::fromString(text, &end);
-    return end == text.size() ? version : QVersionNumber();
+    const QVersionNumber version = QVersionNumber::fromString(text);
+    return version.toString() == text ? version : QVersionNumber();
 }
 
 /// Says for which version a file is built.
@@ -231,6 +230,8 @@ void PluginLoader::loadPlugins(bool startPlugins)
     _pluginFiles.clear();
     _pluginInfos.clear();
     _records.clear();
+    for (QPluginLoader* loader : qAsConst(_pluginLoaders))
+        loader->setObjectName(QString());
     const QStringList files = pluginFiles();
     for (const QString& file : files)
         loadFile(file, startPlugins);
@@ -247,10 +248,10 @@ PluginRecord PluginLoader::loadFile(const QString& file, bool startPlugin)
         return record;
     };
 
-    const auto hasSamePath = [&record](const PluginRecord& other) {
-        return isLoaded(other) && other.filePath == record.filePath;
+    const auto isSame = [&record](const QPluginLoader* other) {
+        return other->objectName() == record.filePath;
     };
-    if (std::any_of(_records.cbegin(), _records.cend(), hasSamePath)) {
+    if (!file.isEmpty() && std::any_of(_pluginLoaders.cbegin(), _pluginLoaders.cend(), isSame)) {
         record.verdict = Verdict::LeftOut;
         record.reason = QStringLiteral("it is loaded already");
         return record;
@@ -273,7 +274,11 @@ PluginRecord PluginLoader::loadFile(const QString& file, bool startPlugin)
     if (!version.isNull() && version.majorVersion() != OVAPP_VERSION_MAJOR)
         return refuse(Verdict::OtherVersion, versionText(record));
 
+    // If the step ends the program or the handler throws, this is what is known.
+    record.reason = QStringLiteral("it has not been loaded completely");
+    addRecord(record);
     reportStep(record.filePath, Step::Load);
+    record.reason.clear();
     auto unloading = qScopeGuard([&loader] { loader->unload(); });
     QElapsedTimer timer;
     timer.start();
@@ -295,6 +300,7 @@ PluginRecord PluginLoader::loadFile(const QString& file, bool startPlugin)
     unloading.dismiss();
     listFile(record.filePath);
     _pluginInfos.append(record.info);
+    loader->setObjectName(record.filePath);
     _pluginLoaders.append(loader.release());
     addRecord(record);
     if (startPlugin) {
@@ -331,26 +337,24 @@ void PluginLoader::unloadPlugin(const QString& file)
     if (QFileInfo(loader->fileName()) != QFileInfo(file))
         return;
 
-    // The last record, since the loaders have the order of the records. There is none if
-    // loadPlugins() was called again.
-    const auto found = std::find_if(_records.crbegin(), _records.crend(), isLoaded);
-    const auto index = static_cast<int>(_records.crend() - found) - 1;
-    const QString filePath = index < 0 ? file : _records.at(index).filePath;
+    // The name is empty if the records have been cleared since.
+    const QString name = loader->objectName();
+    const QString filePath = name.isEmpty() ? file : name;
     reportStep(filePath, Step::Stop);
     QElapsedTimer timer;
     timer.start();
     const QString failure = stop(loader->instance(), filePath);
     const double stopTime = milliseconds(timer);
+    if (!name.isEmpty()) {
+        PluginRecord& record = *recordOf(name);
+        record.stopTime = stopTime;
+        if (!failure.isEmpty())
+            record.reason += (record.reason.isEmpty() ? QString() : QStringLiteral("; ")) + failure;
+    }
     reportStep(filePath, Step::Unload);
     loader->unload();
     delete loader;
     _pluginLoaders.removeLast();
-    if (index < 0)
-        return;
-    PluginRecord& record = _records[index];
-    record.stopTime = stopTime;
-    if (!failure.isEmpty())
-        record.reason += (record.reason.isEmpty() ? QString() : QStringLiteral("; ")) + failure;
 }
 
 void PluginLoader::unloadPlugin(QObject* object)
@@ -416,34 +420,29 @@ void PluginLoader::reportStep(const QString& filePath, Step step)
         handler(filePath, step);
 }
 
-bool PluginLoader::isLoaded(const PluginRecord& record)
+QList<PluginRecord>::iterator PluginLoader::recordOf(const QString& filePath)
 {
-    return record.verdict == Verdict::Accepted && record.stopTime < 0;
+    return std::find_if(_records.begin(), _records.end(), [&filePath](const PluginRecord& each) {
+        return each.filePath == filePath;
+    });
 }
 
-/// Adds an accepted file to the list. unloadPlugins() goes through the list backwards, so the file
-/// must follow the files that are loaded.
-void PluginLoader::listFile(const QString& filePath)
-{
-    const auto position = pluginFiles().indexOf(filePath);
-    const auto last = std::find_if(_records.crbegin(), _records.crend(), isLoaded);
-    if (position >= 0 &&
-        (last == _records.crend() || _pluginFiles.indexOf(last->filePath) < position))
-        return;
-    _pluginFiles.removeOne(filePath);
-    _pluginFiles.append(filePath);
-}
-
-/// Replaces an older record of the same path.
 void PluginLoader::addRecord(const PluginRecord& record)
 {
-    const auto older =
-        std::find_if(_records.begin(), _records.end(), [&record](const PluginRecord& each) {
-            return each.filePath == record.filePath;
-        });
+    const auto older = recordOf(record.filePath);
     if (older != _records.end())
         _records.erase(older);
     _records.append(record);
+}
+
+void PluginLoader::listFile(const QString& filePath)
+{
+    const auto position = pluginFiles().indexOf(filePath);
+    const QString last = _pluginLoaders.isEmpty() ? QString() : _pluginLoaders.last()->objectName();
+    if (position >= 0 && _pluginFiles.indexOf(last) < position)
+        return;
+    _pluginFiles.removeOne(filePath);
+    _pluginFiles.append(filePath);
 }
 
 } // namespace App

@@ -143,7 +143,8 @@ public:
     /// or to note which plug-in ends the program; an empty function removes it. An exception that
     /// it throws passes to the caller of the loader, and the step does not happen: before Load and
     /// Query, the file is not loaded; before Start, Stop and Unload of an accepted plug-in, the
-    /// plug-in stays loaded.
+    /// plug-in stays loaded. Before Unload, it has been stopped, and is stopped again when it is
+    /// unloaded.
     static void setStepHandler(StepHandler handler);
     /// Returns the records of the files since the last `loadPlugins`, in the order of loading, one
     /// for each path.
@@ -174,16 +175,21 @@ public:
 
 private:
     static OVAPP_NO_EXPORT void reportStep(const QString& filePath, Step step);
-    static OVAPP_NO_EXPORT bool isLoaded(const PluginRecord& record);
-    static OVAPP_NO_EXPORT void listFile(const QString& filePath);
+    /// Returns the record of a path; the end of the list if there is none.
+    static OVAPP_NO_EXPORT QList<PluginRecord>::iterator recordOf(const QString& filePath);
+    /// Replaces an older record of the same path.
     static OVAPP_NO_EXPORT void addRecord(const PluginRecord& record);
+    /// Adds an accepted file to the list, through which `unloadPlugins` goes backwards: it must
+    /// follow the files that are loaded.
+    static OVAPP_NO_EXPORT void listFile(const QString& filePath);
 
     static OVAPP_NO_EXPORT QStringList _pluginFiles;
     static OVAPP_NO_EXPORT QList<PluginInfo> _pluginInfos;
     static OVAPP_NO_EXPORT QList<PluginRecord> _records;
     static OVAPP_NO_EXPORT StepHandler _stepHandler;
     static OVAPP_NO_EXPORT FileFilter _fileFilter;
-    /// The loaders of the accepted plug-ins that are still loaded; owned.
+    /// The loaders of the accepted plug-ins that are still loaded; owned. The object name is the
+    /// path in the record, empty if there is none.
     static OVAPP_NO_EXPORT QList<QPluginLoader*> _pluginLoaders;
 };
 

@@ -59,38 +59,43 @@ SettingsFile::SettingsFile(const QString& path)
 
 SettingsFile::~SettingsFile()
 {
-    if (_isCleared || !_unwrittenValues.isEmpty())
+    if (!_clearedKeys.isEmpty() || !_unwrittenValues.isEmpty())
         sync();
 }
 
 QVariant SettingsFile::value(const QString& key, const QVariant& defaultValue) const
 {
-    const QVariant written = _isCleared ? defaultValue : _settings.value(key, defaultValue);
-    return _unwrittenValues.value(absoluteKey(key), written);
+    const QString absolute = absoluteKey(key);
+    const bool isCleared = _clearedKeys.contains(absolute);
+    const QVariant written = isCleared ? defaultValue : _settings.value(key, defaultValue);
+    return _unwrittenValues.value(absolute, written);
 }
 
 void SettingsFile::setValue(const QString& key, const QVariant& value)
 {
-    _unwrittenValues.insert(absoluteKey(key), value);
+    const QString absolute = absoluteKey(key);
+    if (absolute.isEmpty())
+        return;
+    _unwrittenValues.insert(absolute, value);
     sync();
 }
 
 void SettingsFile::clear()
 {
     _unwrittenValues.clear();
-    _isCleared = true;
+    _clearedKeys = _ungroupedSettings.allKeys();
 }
 
 void SettingsFile::sync()
 {
     if (!waitForLock(_settings.fileName()) || !hasRoom(_settings.fileName()))
         return;
-    if (_isCleared)
-        _ungroupedSettings.clear();
+    for (const QString& key : qAsConst(_clearedKeys))
+        _ungroupedSettings.remove(key);
     for (auto value = _unwrittenValues.cbegin(); value != _unwrittenValues.cend(); ++value)
         _ungroupedSettings.setValue(value.key(), value.value());
     _ungroupedSettings.sync();
-    _isCleared = false;
+    _clearedKeys.clear();
     _unwrittenValues.clear();
 }
 
@@ -99,12 +104,14 @@ QSettings& SettingsFile::qSettings()
     return _settings;
 }
 
-/// Returns the key that `QSettings` uses.
+/// Returns the key that `QSettings` uses; empty if it ignores `key`.
 QString SettingsFile::absoluteKey(const QString& key) const
 {
-    return (_settings.group() + QLatin1Char('/') + key)
-        .split(QLatin1Char('/'), Qt::SkipEmptyParts)
-        .join(QLatin1Char('/'));
+    const QStringList parts = key.split(QLatin1Char('/'), Qt::SkipEmptyParts);
+    const QString group = _settings.group();
+    return parts.isEmpty() || group.isEmpty()
+               ? parts.join(QLatin1Char('/'))
+               : group + QLatin1Char('/') + parts.join(QLatin1Char('/'));
 }
 
 } // namespace System

@@ -5,6 +5,7 @@
 #include <QMap>
 #include <QSettings>
 #include <QString>
+#include <QStringList>
 #include <QVariant>
 
 namespace System {
@@ -31,7 +32,7 @@ public:
     /// Sets the value of `key`, which is relative to the current group of `qSettings`, and calls
     /// `sync`.
     void setValue(const QString& key, const QVariant& value);
-    /// Removes all values; the next `sync` writes the file.
+    /// Removes the values that the file has now; the next `sync` writes the file.
     void clear();
     /// Writes the values in memory and the changes made through `qSettings`, and reads the changes
     /// of other processes. Does nothing if the file cannot be written. Waits while another process
@@ -48,7 +49,7 @@ private:
     QSettings _settings;
     QSettings _ungroupedSettings; ///< for absolute keys; shares the values of `_settings`
     QMap<QString, QVariant> _unwrittenValues;
-    bool _isCleared = false; ///< the values in the file are no longer valid
+    QStringList _clearedKeys; ///< not yet removed from the file
 };
 
 } // namespace System

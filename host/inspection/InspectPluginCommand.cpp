@@ -13,6 +13,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -143,9 +144,9 @@ void inspect(const QString& file, bool isProfiled)
         return;
     if (!record.reason.isEmpty())
         return sendVerdict(QStringLiteral("exception"), record.reason);
-    const int channels = after.channels - before.channels;
-    const int extensions = after.extensions - before.extensions;
-    const int listeners = after.listeners - before.listeners;
+    const int channels = std::max(after.channels - before.channels, 0);
+    const int extensions = std::max(after.extensions - before.extensions, 0);
+    const int listeners = std::max(after.listeners - before.listeners, 0);
     if (isProfiled && channels + extensions + listeners > 0) {
         sendVerdict(
             QStringLiteral("incomplete-stop"),

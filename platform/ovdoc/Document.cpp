@@ -39,7 +39,7 @@ QString memberError(const RawJsonObject& object, std::string_view name)
     const char* const error = object.hasDuplicate(name)      ? "is duplicate"
                               : object.value(name).isEmpty() ? "is missing"
                                                              : "has an unexpected value";
-    return QStringLiteral("it is not a document of this program: \"%1\" %2")
+    return QStringLiteral("it is not a valid document: \"%1\" %2")
         .arg(QLatin1String(name.data()), QLatin1String(error));
 }
 
@@ -106,12 +106,13 @@ QString jsonError(const QByteArray& text)
     const QJsonDocument json = QJsonDocument::fromJson(text, &error);
     if (error.error != QJsonParseError::NoError) {
         const QString before = QString::fromUtf8(text.left(error.offset));
-        return QStringLiteral("it is not a document: invalid JSON at line %1, column %2: %3")
+        return QStringLiteral("it is not a valid document: invalid JSON at line %1, column %2: %3")
             .arg(before.count(QLatin1Char('\n')) + 1)
             .arg(before.size() - before.lastIndexOf(QLatin1Char('\n')))
             .arg(error.errorString());
     }
-    return json.isObject() ? QString() : QStringLiteral("it is not a document: not a JSON object");
+    return json.isObject() ? QString()
+                           : QStringLiteral("it is not a valid document: not a JSON object");
 }
 
 /// Writes to an unbuffered device. If the disk is full, the first call writes a part of the data,

@@ -372,9 +372,13 @@ private Q_SLOTS:
             isThrown = true;
         }
         QCOMPARE(isThrown, thrown >= 0);
-        const QList<PluginRecord> records = PluginLoader::records();
-        QCOMPARE(records.size(), thrown == 0 || thrown == 1 ? 2 : 3);
-        QCOMPARE(!records.last().rootObject.isNull(), thrown >= 2);
+        const PluginRecord record = PluginLoader::records().at(2);
+        QCOMPARE(record.verdict,
+                 thrown == 0 || thrown == 1 ? Verdict::NoPlugin : Verdict::Accepted);
+        QCOMPARE(record.reason.isEmpty(), record.verdict == Verdict::Accepted);
+        QCOMPARE(record.builtFor, QStringLiteral(OVAPP_VERSION));
+        QCOMPARE(!record.rootObject.isNull(), thrown >= 2);
+        QCOMPARE(record.stopTime >= 0, thrown == -1 || thrown == 4);
 
         // Nothing that is loaded is lost.
         PluginLoader::setStepHandler(nullptr);
