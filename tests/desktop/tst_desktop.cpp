@@ -375,14 +375,6 @@ private Q_SLOTS:
         }
     }
 
-    void unwritableDirectory()
-    {
-        const QString path = QDir(_user.path()).filePath("file/below"_s);
-        writeFile(QFileInfo(path).path());
-        const Desktop desktop(path);
-        QVERIFY(desktop.warning().contains("will be lost"_s));
-    }
-
     void twoCycles()
     {
         const QTemporaryDir home;
@@ -440,8 +432,6 @@ private Q_SLOTS:
         QTest::keyClick(dialog, Qt::Key_P, Qt::AltModifier);
         QTRY_VERIFY(output->toPlainText().contains("install iputils-ping"_s));
         QTRY_VERIFY(contentOf(desktop.path("traceroute.out"_s)).endsWith("summary\n"));
-        QTest::keyClick(dialog, Qt::Key_T, Qt::AltModifier);
-        QTRY_VERIFY(output->toPlainText().contains("install traceroute"_s));
     }
 
 private:

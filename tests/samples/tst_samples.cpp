@@ -1,4 +1,3 @@
-#include <support/Host.h>
 #include <support/Listener.h>
 #include <support/SampleSession.h>
 
@@ -130,23 +129,6 @@ private Q_SLOTS:
         QCOMPARE(connected()->state(), QTcpSocket::UnconnectedState);
         samples.application().closeDocument();
     }
-
-#ifdef Q_OS_LINUX
-    /// Elsewhere, the session would write to the user's data directory.
-    void defaultSession()
-    {
-        const QTemporaryDir data;
-        qputenv("XDG_DATA_HOME", QFile::encodeName(data.path()));
-        const Outcome outcome = runHost({"run"_s});
-        qunsetenv("XDG_DATA_HOME");
-        QCOMPARE(outcome.status, 0);
-        const QString output = outcome.output.join(u'\n');
-        for (const char* event : {"production-counter.dll: accepted",
-                                  "rotary-axis.dll: for another board", "opened: coaster.ovdoc"})
-            QVERIFY2(output.contains(QLatin1String(event)), event);
-        QVERIFY(QFile::exists(data.filePath(QFileInfo(hostPath).fileName() + "/ovapp.ini"_s)));
-    }
-#endif
 };
 
 QTEST_GUILESS_MAIN(tst_samples)
