@@ -1,7 +1,6 @@
 #include <support/ConsoleRecorder.h>
 #include <support/Files.h>
 #include <support/Literals.h>
-#include <support/Tools.h>
 
 #include <MainWindow.h>
 #include <Program.h>
@@ -405,33 +404,6 @@ private Q_SLOTS:
                      QByteArray("channel started; channel stopped; window deleted; "
                                 "channel stopped; stopped, with a document"));
         }
-    }
-
-    void network()
-    {
-        Tools::findIn(QStringLiteral(FAKE_TOOL_DIR));
-        Desktop desktop(_user.path());
-        desktop.press(Qt::Key_D);
-        auto* dialog = desktop.window.findChild<QDialog*>();
-        auto* host = dialog->findChild<QLineEdit*>();
-        const auto* output = dialog->findChild<QPlainTextEdit*>();
-        const auto lastLine = [output] { return output->toPlainText().section(u'\n', -1); };
-        host->setText("-f localhost"_s);
-        QTest::keyClick(host, Qt::Key_Return);
-        QVERIFY(lastLine().contains("is not a host name"_s));
-
-        host->setText("endless"_s);
-        QTest::keyClick(host, Qt::Key_Return);
-        QTRY_COMPARE(lastLine(), "complaint"_s);
-        QTest::keyClick(dialog, Qt::Key_S, Qt::AltModifier);
-        QTRY_COMPARE(lastLine(), "summary"_s);
-        QTest::keyClick(dialog, Qt::Key_T, Qt::AltModifier);
-        QTRY_VERIFY(output->toPlainText().contains("10\nendless\n"_s));
-        // The next run stops this one, and does not wait for the end of the report.
-        Tools::findIn(_user.path());
-        QTest::keyClick(dialog, Qt::Key_P, Qt::AltModifier);
-        QTRY_VERIFY(output->toPlainText().contains("install iputils-ping"_s));
-        QTRY_VERIFY(contentOf(desktop.path("traceroute.out"_s)).endsWith("summary\n"));
     }
 
 private:

@@ -136,21 +136,6 @@ log: destruct application.)"_s;
         }
     }
 
-    void manPage()
-    {
-        const QString page =
-            QString::fromUtf8(contentOf(QStringLiteral(OVAPP_DOCS "/ovapp-host.1"))).remove(u'\\');
-        for (const QString& command : words("run plugins ping trace")) {
-            const QString help = runHost({command, "--help"_s}).output.join(u'\n');
-            auto option = QRegularExpression("--[a-z-]+"_s).globalMatch(help);
-            QVERIFY(option.hasNext());
-            while (option.hasNext()) {
-                const QString name = option.next().captured();
-                QVERIFY2(page.contains(QRegularExpression(name + "\\b"_s)), qPrintable(name));
-            }
-        }
-    }
-
     void networkTools()
     {
         const QStringList hops{QLatin1String(SystemTools::tracerouteMaxHops)};
