@@ -1,6 +1,5 @@
 #include <plugins/PluginLoader.h>
 
-#include <plugins/LoadError.h>
 #include <plugins/PluginFiles.h>
 #include <plugins/PluginInterface.h>
 
@@ -35,10 +34,7 @@ namespace {
 
 using Verdict = PluginRecord::Verdict;
 
-QString valueKey()
-{
-    return QStringLiteral("Plugin/value");
-}
+const QLatin1String valueKey("Plugin/value");
 
 /// The base names of files that are never loaded.
 const QStringList& discardList()
@@ -161,6 +157,37 @@ QString versionText(const PluginRecord& record)
 double milliseconds(const QElapsedTimer& timer)
 {
     return static_cast<double>(timer.nsecsElapsed()) / 1e6;
+}
+
+/// Returns the major version of Qt that a library requires if it differs from this program's,
+/// otherwise 0. Searches the file for the names of the libraries that it links to.
+int otherQtOf(const QString& file)
+{
+    const auto needs = [&file](int qt) {
+        return System::fileContains(file, "Qt" + QByteArray::number(qt) + "Core");
+    };
+    if (needs(QT_VERSION_MAJOR))
+        return 0;
+    for (const int qt : {5, 6, 7}) {
+        if (needs(qt))
+            return qt;
+    }
+    return 0;
+}
+
+/// Returns why the file could not be loaded, in one sentence: Qt's own text, or the version of Qt
+/// that the file requires if it differs from this program's.
+QString loadError(const QPluginLoader& loader)
+{
+    if (const int qt = otherQtOf(loader.fileName())) {
+        return QStringLiteral("it is built with Qt %1, and this program with Qt %2")
+            .arg(qt)
+            .arg(QT_VERSION_MAJOR);
+    }
+    const QString reason = QLatin1String("Qt cannot load it: ") + loader.errorString();
+    return loader.metaData().isEmpty()
+               ? reason + QLatin1String("; is Q_PLUGIN_METADATA in its class?")
+               : reason;
 }
 
 /// Loads the file of the record, and sets the root object, or the verdict and the reason if there
@@ -391,14 +418,14 @@ PluginInfo PluginLoader::pluginInfoOf(int index)
 
 unsigned long long PluginLoader::readPluginIDValue()
 {
-    return Core::Settings::instance().value(valueKey(), defaultPluginValue()).toULongLong();
+    return Core::Settings::instance().value(valueKey, defaultPluginValue()).toULongLong();
 }
 
 bool PluginLoader::writePluginIDValue(unsigned long long value)
 {
     if (readPluginIDValue() == value)
         return false;
-    Core::Settings::instance().setValue(valueKey(), value);
+    Core::Settings::instance().setValue(valueKey, value);
     return true;
 }
 

@@ -70,7 +70,6 @@ private:
     };
 
     unsigned below(unsigned end) { return _choices.ConsumeIntegralInRange(0U, end - 1); }
-
     /// Returns the listener that the iteration calls next: the one with the smallest number of
     /// registration above the number last called that has not been called.
     std::map<int, int>::const_iterator next(const Iteration& iteration) const

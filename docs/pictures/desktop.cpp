@@ -2,7 +2,6 @@
 #include <Program.h>
 
 #include <QApplication>
-#include <QDockWidget>
 #include <QFile>
 #include <QPushButton>
 #include <QTemporaryDir>
@@ -23,8 +22,6 @@ int main(int argc, char** argv)
     Program program(directory.path(), QStringLiteral(SAMPLE_PLUGIN_DIR));
     MainWindow& window = program.window();
     window.resize(1100, 680);
-    window.resizeDocks({window.findChild<QDockWidget*>(QStringLiteral("plugins"))}, {500},
-                       Qt::Horizontal);
     if (!QTest::qWaitForWindowActive(&window))
         return 1;
     window.documents().open(document);

@@ -63,24 +63,18 @@ private:
     const std::function<void(const QString&)> _onCall;
 };
 
-/// Add a listener, each to the list of one kind.
-inline constexpr void (*additions[])(App::Application&, Listener*) = {
-    [](App::Application& to, Listener* listener) { to.addNewDocumentListener(listener); },
-    [](App::Application& to, Listener* listener) { to.addCloseDocumentListener(listener); },
-    [](App::Application& to, Listener* listener) { to.addActiveDocumentListener(listener); },
-    [](App::Application& to, Listener* listener) { to.addObjectListListener(listener); },
-    [](App::Application& to, Listener* listener) { to.addTransactionListener(listener); },
-    [](App::Application& to, Listener* listener) { to.addSelectionListener(listener); },
-    [](App::Application& to, Listener* listener) { to.addPropertyListener(listener); },
-    [](App::Application& to, Listener* listener) { to.addPluginStateChangeListener(listener); },
-    [](App::Application& to, Listener* listener) { to.addStartFinishListener(listener); },
-};
-
 /// Adds `listener` to the lists of every kind.
 inline void add(App::Application& application, Listener* listener)
 {
-    for (const auto addToOne : additions)
-        addToOne(application, listener);
+    application.addNewDocumentListener(listener);
+    application.addCloseDocumentListener(listener);
+    application.addActiveDocumentListener(listener);
+    application.addObjectListListener(listener);
+    application.addTransactionListener(listener);
+    application.addSelectionListener(listener);
+    application.addPropertyListener(listener);
+    application.addPluginStateChangeListener(listener);
+    application.addStartFinishListener(listener);
 }
 
 /// Removes `listener` from the lists of every kind.
