@@ -47,8 +47,6 @@ public:
         append("transaction", transaction->name());
     }
     void write(Severity severity, const QByteArray& line) override;
-
-    /// Sees the events of all objects.
     bool eventFilter(QObject* receiver, QEvent* event) override;
 
 Q_SIGNALS:

@@ -54,7 +54,12 @@ void MainWindow::restoreLayout()
 {
     const Core::Settings& settings = Core::Settings::instance();
     restoreGeometry(settings.value(geometryKey).toByteArray());
-    restoreState(settings.value(stateKey).toByteArray());
+    if (!restoreState(settings.value(stateKey).toByteArray())) {
+        QTimer::singleShot(0, this, [this] { // when the window is shown
+            resizeDocks({findChild<QDockWidget*>(QStringLiteral("plugins"))}, {width() / 2},
+                        Qt::Horizontal);
+        });
+    }
     centralWidget()->setFocus();
 }
 
@@ -86,7 +91,6 @@ void MainWindow::dropEvent(QDropEvent* event)
 
 void MainWindow::createMenus()
 {
-    // Not all desktops have an icon theme.
     const auto add = [this](QMenu* menu, const QString& text, const QString& key, auto receiver,
                             auto function, const char* themeIcon = "",
                             QStyle::StandardPixmap icon = QStyle::SP_CustomBase) {
@@ -122,7 +126,6 @@ void MainWindow::createMenus()
 
     auto* view = menuBar()->addMenu(tr("&View"));
     connect(view, &QMenu::aboutToShow, this, [this, view] {
-        // The docks and tool bars, also those of plug-ins.
         const std::unique_ptr<QMenu> menu(createPopupMenu());
         view->clear();
         view->addActions(menu->actions());
@@ -169,15 +172,13 @@ void MainWindow::createDocks()
         _warning->setToolTip(toolTipFor(text));
         _warning->show();
     });
-    auto* plugins = addDock(Qt::RightDockWidgetArea, tr("Plug-ins"), QStringLiteral("plugins"),
-                            new PluginsPanel);
+    addDock(Qt::RightDockWidgetArea, tr("Plug-ins"), QStringLiteral("plugins"), new PluginsPanel);
     addDock(Qt::RightDockWidgetArea, tr("Channels"), QStringLiteral("channels"), _channels);
     addDock(Qt::BottomDockWidgetArea, tr("Event log"), QStringLiteral("eventLog"), log);
-    resizeDocks({plugins}, {width() / 2}, Qt::Horizontal);
 }
 
-QDockWidget* MainWindow::addDock(Qt::DockWidgetArea area, const QString& title, const QString& name,
-                                 QWidget* content)
+void MainWindow::addDock(Qt::DockWidgetArea area, const QString& title, const QString& name,
+                         QWidget* content)
 {
     auto* dock = new QDockWidget(title);
     dock->setObjectName(name);
@@ -186,7 +187,6 @@ QDockWidget* MainWindow::addDock(Qt::DockWidgetArea area, const QString& title, 
     addDockWidget(area, dock);
     dock->toggleViewAction()->setShortcut(tr("Ctrl+%1").arg(findChildren<QDockWidget*>().size()));
     addAction(dock->toggleViewAction());
-    return dock;
 }
 
 void MainWindow::listRecentFiles(QMenu& menu)
@@ -212,7 +212,7 @@ void MainWindow::showDocument(const Doc::Document* document)
     _counts->setVisible(document);
     if (document) {
         const Laser::PrintCountParams counts = printCounts(*document);
-        // Counts are any integers, and an empty range would show that the program is busy.
+        // An empty range would show that the program is busy.
         const int target = std::max(counts.targetCount(), 1);
         _counts->setRange(0, target);
         _counts->setValue(std::clamp(counts.finishedCount(), 0, target));

@@ -34,8 +34,8 @@ private:
     void createMenus();
     void createView(const QList<QAction*>& actions);
     void createDocks();
-    QDockWidget* addDock(Qt::DockWidgetArea area, const QString& title, const QString& name,
-                         QWidget* content);
+    void addDock(Qt::DockWidgetArea area, const QString& title, const QString& name,
+                 QWidget* content);
     void listRecentFiles(QMenu& menu);
 
     void showDocument(const Doc::Document* document);
