@@ -249,9 +249,9 @@ private Q_SLOTS:
         QTest::addColumn<QString>("called");
         QTest::addColumn<QString>("builtFor");
         const QString own = QStringLiteral(OVAPP_VERSION);
-        const auto row = [&own](const char* name, const QByteArray& content, const char* verdict,
-                                const QString& reason, const char* called,
-                                const char* builtFor = OVAPP_VERSION) {
+        const auto row = [](const char* name, const QByteArray& content, const char* verdict,
+                            const QString& reason, const char* called,
+                            const char* builtFor = OVAPP_VERSION) {
             QTest::newRow(name) << content << QString::fromLatin1(verdict) << reason
                                 << QString::fromLatin1(called) << QString::fromLatin1(builtFor);
         };
