@@ -125,18 +125,18 @@ private Q_SLOTS:
         addLock();
         settings->setValue(key, 2);
         settings->qSettings().beginGroup("Laser"_s);
-        settings->setValue("/power"_s, 3);
+        settings->setValue("/width"_s, 3);
         QCOMPARE(settings->value("speed"_s), QVariant(2));
         settings->qSettings().endGroup();
-        QCOMPARE(settings->value("Laser/power"_s), QVariant(3));
-        QVERIFY(!settings->value("power"_s).isValid());
+        QCOMPARE(settings->value("Laser/width"_s), QVariant(3));
+        QVERIFY(!settings->value("width"_s).isValid());
         QCOMPARE(PluginBaseSettings(*settings).value(key), QVariant(1));
         QCOMPARE(store(), QByteArray("[Laser]\nspeed=1\n"));
 
         QVERIFY(QDir(lock).removeRecursively());
         settings->qSettings().beginGroup("Other"_s);
         settings->setValue("last"_s, 4);
-        QCOMPARE(store(), QByteArray("[Laser]\npower=3\nspeed=2\n\n[Other]\nlast=4\n"));
+        QCOMPARE(store(), QByteArray("[Laser]\nspeed=2\nwidth=3\n\n[Other]\nlast=4\n"));
         PluginBaseSettings(marker).setValue("Other/last"_s, 5);
         QCOMPARE(settings->value("last"_s), QVariant(5));
 
