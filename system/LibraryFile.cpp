@@ -29,7 +29,7 @@ bool isWithin(quint64 size, quint64 offset, quint64 length)
 template <typename T>
 bool readAt(QFile& file, quint64 offset, T* objects, std::size_t count = 1)
 {
-    const auto length = static_cast<qint64>(count * sizeof(T));
+    const auto length = static_cast<qint64>(count) * static_cast<qint64>(sizeof(T));
 #ifdef Q_OS_WIN
     return file.seek(static_cast<qint64>(offset)) &&
            file.read(reinterpret_cast<char*>(objects), length) == length;

@@ -92,8 +92,8 @@ void SettingsFile::sync()
         return;
     for (const QString& key : qAsConst(_clearedKeys))
         _ungroupedSettings.remove(key);
-    for (auto value = _unwrittenValues.cbegin(); value != _unwrittenValues.cend(); ++value)
-        _ungroupedSettings.setValue(value.key(), value.value());
+    for (auto each = _unwrittenValues.cbegin(); each != _unwrittenValues.cend(); ++each)
+        _ungroupedSettings.setValue(each.key(), each.value());
     _ungroupedSettings.sync();
     _clearedKeys.clear();
     _unwrittenValues.clear();

@@ -180,7 +180,7 @@ int runWithHost(const QStringList& arguments, const QString& description,
     const QStringList hosts = parser.positionalArguments();
     if (hosts.size() != 1)
         return fail(UsageError, QStringLiteral("expected one host, got %1").arg(hosts.size()));
-    const QString host = hosts.first();
+    const QString& host = hosts.first();
     // The tool would read such a host as an option, as no host, or as two hosts.
     if (host.isEmpty() || host.startsWith(QLatin1Char('-')) || host.startsWith(QLatin1Char('/')) ||
         std::any_of(host.cbegin(), host.cend(), [](QChar character) {

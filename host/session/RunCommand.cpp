@@ -198,7 +198,7 @@ QString useApplication(const QString& document, bool stay, EventPrinter& printer
     printer.printStep(QStringLiteral("completes its start-up"));
     App::Application::instance().doAppStartFinished();
 
-    const QString error = useDocument(document, stay, listener, printer);
+    QString error = useDocument(document, stay, listener, printer);
 
     printer.printStep(QStringLiteral("stops and unloads the plug-ins"));
     PluginLoader::unloadPlugins();

@@ -221,7 +221,7 @@ bool Documents::call(const QString& what, const std::function<void()>& function)
     const bool isDone = guarded(_window, what, function);
     // A document that a listener has prevented from being closed still belongs to the library.
     if (_p_closedDocument.get() == activeDocument())
-        _p_closedDocument.release();
+        (void)_p_closedDocument.release();
     if (!isDone)
         Q_EMIT changed(activeDocument());
     return isDone;

@@ -100,28 +100,28 @@ void MainWindow::createMenus()
         connect(action, &QAction::triggered, receiver, function);
         return action;
     };
-    Documents* const documents = &_documents;
+    Documents* const target = &_documents;
     auto* file = menuBar()->addMenu(tr("&File"));
-    auto* create = add(file, tr("&New"), tr("Ctrl+N"), documents, &Documents::create,
-                       "document-new", QStyle::SP_FileIcon);
-    auto* open = add(file, tr("&Open..."), tr("Ctrl+O"), documents, &Documents::choose,
+    auto* create = add(file, tr("&New"), tr("Ctrl+N"), target, &Documents::create, "document-new",
+                       QStyle::SP_FileIcon);
+    auto* open = add(file, tr("&Open..."), tr("Ctrl+O"), target, &Documents::choose,
                      "document-open", QStyle::SP_DialogOpenButton);
     auto* recent = file->addMenu(tr("Open &Recent"));
     connect(recent, &QMenu::aboutToShow, this, [this, recent] { listRecentFiles(*recent); });
-    auto* save = add(file, tr("&Save"), tr("Ctrl+S"), documents, &Documents::save, "document-save",
+    auto* save = add(file, tr("&Save"), tr("Ctrl+S"), target, &Documents::save, "document-save",
                      QStyle::SP_DialogSaveButton);
-    auto* saveAs = add(file, tr("Save &As..."), tr("Ctrl+Shift+S"), documents, &Documents::saveAs);
-    _revertAction = add(file, tr("Re&vert"), tr("F5"), documents, &Documents::revert,
+    auto* saveAs = add(file, tr("Save &As..."), tr("Ctrl+Shift+S"), target, &Documents::saveAs);
+    _revertAction = add(file, tr("Re&vert"), tr("F5"), target, &Documents::revert,
                         "document-revert", QStyle::SP_BrowserReload);
-    auto* close = add(file, tr("&Close"), tr("Ctrl+W"), documents, &Documents::close);
+    auto* close = add(file, tr("&Close"), tr("Ctrl+W"), target, &Documents::close);
     file->addSeparator();
     add(file, tr("&Quit"), tr("Ctrl+Q"), this, &MainWindow::close);
 
     auto* document = menuBar()->addMenu(tr("&Document"));
-    auto* finish = add(document, tr("&Finish a piece"), tr("Ctrl+Return"), documents,
+    auto* finish = add(document, tr("&Finish a piece"), tr("Ctrl+Return"), target,
                        &Documents::finishPiece, "dialog-ok-apply", QStyle::SP_DialogApplyButton);
     auto* setTarget =
-        add(document, tr("Set &target..."), tr("Ctrl+T"), documents, &Documents::setTarget);
+        add(document, tr("Set &target..."), tr("Ctrl+T"), target, &Documents::setTarget);
     _documentActions = {save, saveAs, close, finish, setTarget};
 
     auto* view = menuBar()->addMenu(tr("&View"));

@@ -96,7 +96,7 @@ QString NetworkDialog::startRun(const QString& tool)
 {
     // The library passes the text on unchanged, and the tools would take it for options or for
     // several hosts.
-    const QString host = _host->text().trimmed();
+    QString host = _host->text().trimmed();
     const QRegularExpression pattern(QStringLiteral("\\A[^-/\\s\\p{Cc}][^\\s\\p{Cc}]*\\z"));
     if (!pattern.match(host).hasMatch()) {
         _output->appendPlainText(tr("\"%1\" is not a host name or an address.").arg(host));
